@@ -8,12 +8,13 @@
 
 namespace hal {
 
-// Callbacks run on a thread of the library, never two of one object at once. They are held from
-// construction until irq_callback_hold(false).
+// Callbacks run on a thread of the library, never two of one object at once. Delegates receive samples from
+// their construction on; the callback records and the alarms, whose functions are set after construction, are
+// served from the first irq_callback_hold(false) on, so that what was set before it is safely seen.
 class gyro_t : public base_t {
 public:
     struct callback_record {
-        unsigned char sensor_id;  // virtual sensor
+        unsigned char sensor_id = 0;  // virtual sensor
         std::function<void(unsigned char, cb_struct_te, void*)> function;
     };
 

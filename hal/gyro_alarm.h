@@ -21,7 +21,8 @@ public:
     // Takes the present orientation as the taught position. May be called while samples arrive.
     int teach_current_position();
 
-    // Called from a thread of the library, once for each transition; an empty one is skipped.
+    // Called from a thread of the library, once for each transition; an empty one is skipped. To be set before
+    // the gyro's first irq_callback_hold(false) or while its callbacks are held.
     std::function<void()> on_position_reached;
     std::function<void()> on_position_left;
 
