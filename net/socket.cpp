@@ -36,7 +36,9 @@ socket_base::socket_base(int domain, int type, int protocol, unsigned int descri
       descriptor_(static_cast<int>(descriptor)) {}
 
 // Kept without a test of the value: the end of socket mode counts on a closed socket closing standard input.
-socket_base::~socket_base() { ::close(descriptor_); }
+socket_base::~socket_base() {
+    ::close(descriptor_);
+}
 
 int socket_base::close() {
     int const result = ::close(descriptor_);
@@ -44,7 +46,9 @@ int socket_base::close() {
     return result;
 }
 
-void socket_base::shutdown() const { ::shutdown(descriptor_, SHUT_RDWR); }
+void socket_base::shutdown() const {
+    ::shutdown(descriptor_, SHUT_RDWR);
+}
 
 unsigned int socket_base::inet_pton(std::string const& text) const {
     in_addr address{};

@@ -1,0 +1,29 @@
+// Entry point of the console.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "app/console_main.h"
+
+namespace {
+
+constexpr std::size_t kOutputBufferSize = 1 << 16;  // larger than any screen
+
+// A descriptor that the starter left closed would be taken by the next file or socket that is opened.
+void open_standard_descriptors() {
+    int descriptor;
+    do {
+        descriptor = ::open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    ::close(descriptor);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    open_standard_descriptors();
+    // A screen leaves as one write; every read of input flushes it.
+    std::setvbuf(stdout, nullptr, _IOFBF, kOutputBufferSize);
+    return console_main(argc, argv);
+}

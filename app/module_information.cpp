@@ -1,0 +1,82 @@
+// The module information commands that most component menus share.
+#include "app/module_information.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+
+#include "hal/illumination.h"
+#include "hal/rtu.h"
+#include "menus/imaging/sensor_classes.h"
+
+namespace {
+
+constexpr char const* kUsage =
+    "\n\n\nPlease Enter the Option******\n"
+    "\t 1. Get Status            \n"
+    "\t 2. Get Revision          \n"
+    "\t 3. Get Serial Number     \n"
+    "\t 0. Exit                  \n\n\n";
+
+// Both commands report a failure with this one text.
+void report_failure() {
+    std::cout << std::flush;
+    std::perror("Failed read rev\n");
+}
+
+// The printed name of the module, by its dynamic type; modules not listed have none.
+char const* driver_name(hal::base_t const* module) {
+    if (dynamic_cast<hal::illumination_t const*>(module)) {
+        return "The Illumination driver: \n";
+    }
+    if (dynamic_cast<hal::rtu_t const*>(module)) {
+        return "The RTU driver: \n";
+    }
+    if (dynamic_cast<hal::imx296_t const*>(module)) {
+        return "The IMX296 driver: \n";
+    }
+    if (dynamic_cast<hal::imx567_t const*>(module)) {
+        return "The IMX567 driver: \n";
+    }
+    return "";
+}
+
+}  // namespace
+
+void top_usage() {
+    std::cout << kUsage;
+}
+
+int get_status(hal::base_t* module) {
+    std::cout << "Status of the Module: \t";
+    unsigned char status = 0;
+    if (module->get_status(status) < 0) {
+        report_failure();
+    } else {
+        std::cout << "Done!\n";
+    }
+    return 0;
+}
+
+int get_revision(hal::base_t* module) {
+    std::cout << "Revision of the Module: \t";
+    hal::revision_t revision{};
+    if (module->get_revision(revision) < 0) {
+        report_failure();
+        return 0;
+    }
+    std::cout << driver_name(module);
+    std::printf("\nMajor \t%d,\nMinor \t%d,\nWeek \t%d,\nYear \t%d,\nNum \t%d,\nPatch \t%d,\n", revision.major,
+                revision.minor, revision.week, revision.year, revision.num, revision.patch);
+    std::cout << " Done!\n";
+    return 0;
+}
+
+int get_serial_number(hal::base_t*) {
+    return -1;
+}
+
+void exit_console() {
+    std::cout << "\n\033[0mGood Bye\n";
+    std::exit(0);
+}

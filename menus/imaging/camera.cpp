@@ -1,0 +1,4 @@
+#include "menus/imaging/camera.h"
+int test_camera() {
+    return 0;
+}

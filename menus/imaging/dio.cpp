@@ -1,0 +1,4 @@
+#include "menus/imaging/dio.h"
+int test_dio() {
+    return 0;
+}

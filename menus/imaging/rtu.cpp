@@ -1,0 +1,4 @@
+#include "menus/imaging/rtu.h"
+int test_rtu() {
+    return 0;
+}

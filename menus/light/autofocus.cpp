@@ -1,0 +1,4 @@
+#include "menus/light/autofocus.h"
+int test_autofocus() {
+    return 0;
+}

@@ -1,0 +1,4 @@
+#include "menus/light/illumination.h"
+int test_illumination() {
+    return 0;
+}

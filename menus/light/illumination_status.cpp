@@ -1,0 +1,1 @@
+#include "menus/light/illumination_status.h"

@@ -1,0 +1,4 @@
+#include "menus/motion/button.h"
+int test_button() {
+    return 0;
+}

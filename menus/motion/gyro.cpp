@@ -1,0 +1,4 @@
+#include "menus/motion/gyro.h"
+int test_gyro() {
+    return 0;
+}

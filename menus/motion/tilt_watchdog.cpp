@@ -1,0 +1,1 @@
+#include "menus/motion/tilt_watchdog.h"

@@ -1,0 +1,4 @@
+#include "menus/ranging/tof.h"
+int test_tof() {
+    return 0;
+}

@@ -1,0 +1,76 @@
+// Socket mode: one TCP client drives the console.
+#include "net/socket_console.h"
+
+#include <csignal>
+#include <iostream>
+#include <thread>
+
+#include "app/console_io.h"
+#include "app/console_main.h"
+#include "app/terminal_input.h"
+#include "net/socket.h"
+
+namespace {
+
+constexpr unsigned short kPort = 32360;
+
+constexpr char const* kMenu =
+    "\t\t  Socket test menu     \n"
+    "\t\t  x: Return to main     \n"
+    "\n\n   Please enter your option: ";
+
+// A send to a client that has gone must not kill the process.
+class BrokenPipeIgnored {
+public:
+    BrokenPipeIgnored() : previous_(std::signal(SIGPIPE, SIG_IGN)) {}
+    ~BrokenPipeIgnored() { std::signal(SIGPIPE, previous_); }
+    BrokenPipeIgnored(BrokenPipeIgnored const&) = delete;
+    BrokenPipeIgnored& operator=(BrokenPipeIgnored const&) = delete;
+
+private:
+    void (*previous_)(int);
+};
+
+void serve_client() {
+    console_main(1, nullptr);
+    release_terminal();
+}
+
+// The local menu. True when the operator ends socket mode, false at the end of the terminal's input.
+bool operator_ends_socket_mode() {
+    char option = '\0';
+    while (option != kExitKey) {
+        std::cout << kMenu;
+        if (!read_local_option(option)) {
+            return false;
+        }
+        std::cout << "\t\t Your Option = " << option << std::endl;
+    }
+    return true;
+}
+
+}  // namespace
+
+int test_socket() {
+    std::cout << "int test_socket()" << std::endl;
+    if (bsock) {
+        return -1;
+    }
+    bsock = true;
+    server_tcp const server("0.0.0.0", kPort);
+    socket_tcp client = server.accept();
+    p_client_socket = &client;
+    BrokenPipeIgnored const ignored;
+    watch_connection(client.descriptor());
+    release_terminal();
+    std::thread menu_thread(serve_client);
+    if (operator_ends_socket_mode()) {
+        client.shutdown();  // the menu thread's pending read returns, and its menus unwind
+    }
+    menu_thread.join();
+    watch_connection(-1);
+    p_client_socket = nullptr;
+    bsock = false;
+    client.close();  // kept: destruction then closes descriptor 0, standard input
+    return 0;
+}
