@@ -1,4 +1,85 @@
+// The tilt alarm menu, and the wiring of the tilt alarm that another menu shares.
 #include "menus/motion/gyro_alarm.h"
+
+#include <iostream>
+
+#include "app/console_main.h"
+#include "app/device_type.h"
+#include "app/terminal_input.h"
+#include "hal/gyro.h"
+
+hal::gyro_alarm_t* p_gyro_alarm = nullptr;
+
+namespace {
+
+// Kept: "ALpha"; the three angles are one limit.
+constexpr char const* kMenu =
+    "\t\t  a: set ALpha      \n\n"
+    "\t\t  b: set Beta       \n\n"
+    "\t\t  g: set Gamma      \n\n"
+    "\t\t  t: toggle run     \n\n"
+    "\t\t  x: Return to main \n"
+    "\n\n  Please enter your option: ";
+
+void set_angle() {
+    std::cout << "Please enter angle";
+    float angle = 0.0F;
+    read_number(angle);
+    p_gyro_alarm->set_angle_limit(angle);
+}
+
+}  // namespace
+
+void show_position_as_device_state(hal::gyro_alarm_t& alarm, hal::rtu_t& rtu) {
+    alarm.on_position_reached = [&rtu] { rtu.set_device_status(hal::device_state_te::running); };
+    alarm.on_position_left = [&rtu] { rtu.set_device_status(hal::device_state_te::warning); };
+}
+
+void teach_by_long_press(hal::button_t& button, std::shared_ptr<hal::gyro_alarm_t> const& alarm) {
+    auto const teach = [watched = std::weak_ptr<hal::gyro_alarm_t>(alarm)] {
+        if (auto const living = watched.lock()) {
+            living->teach_current_position();
+        }
+    };
+    button.release_records[1] = {50, nullptr};  // kept: set twice, only the second one holds
+    button.release_records[1] = {5000, teach};
+}
+
 int test_gyro_alarm() {
-    return 0;
+    std::cout << "int test_gyro_alarm()" << std::endl;
+    hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
+    hal::gyro_t gyro("/dev/i2c-2", 2, g_gyro_firmware, "/sys/class/gpio/gpio481/value", 200);
+    hal::button_t button("/dev/gpiochip1", static_cast<short>(get_button_irq_line()), true, 2000);
+    gyro.boot();
+    gyro.info_firmware();
+    gyro.activate_vsensor(37, 10.0F, 1);
+    auto const alarm = std::make_shared<hal::gyro_alarm_t>(gyro, static_cast<unsigned short>(37));
+    show_position_as_device_state(*alarm, rtu);
+    p_gyro_alarm = alarm.get();
+    teach_by_long_press(button, alarm);
+    alarm->on_position_reached();
+    gyro.irq_callback_hold(false);
+    button.irq_callback_hold(false);
+    bool hold = false;
+    while (true) {
+        std::cout << kMenu;
+        char option = kExitKey;
+        read_option(option);
+        std::cout << "\t\t Your Option = " << option << std::endl;
+        switch (option) {
+            case 'a':
+            case 'b':
+            case 'g':
+                set_angle();
+                break;
+            case 't':
+                hold = !hold;
+                gyro.irq_callback_hold(hold);
+                break;
+            case 'x':
+                return 0;
+            default:
+                break;
+        }
+    }
 }

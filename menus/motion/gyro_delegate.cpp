@@ -1,7 +1,89 @@
+// The menus that show the orientation live: with the delegate alone, and together with the tilt alarm.
 #include "menus/motion/gyro_delegate.h"
+
+#include <iostream>
+#include <memory>
+
+#include "app/console_main.h"
+#include "app/device_type.h"
+#include "app/terminal_input.h"
+#include "hal/button.h"
+#include "hal/gyro.h"
+#include "hal/gyro_alarm.h"
+#include "hal/gyro_delegate.h"
+#include "hal/rtu.h"
+#include "menus/motion/gyro_alarm.h"
+
+namespace {
+
+constexpr char const* kMenu =
+    "\t\t  t: toggle run      \n\n"
+    "\t\t  x: Return to main     \n"
+    "\n\n   Please enter your option: ";
+
+// Shows the menu of both and reads its option.
+char ask_option() {
+    std::cout << kMenu;
+    char option = kExitKey;
+    read_option(option);
+    std::cout << "\t\t Your Option = " << option << std::endl;
+    return option;
+}
+
+}  // namespace
+
+void print_orientation(unsigned char sensor_id, hal::cb_struct_te kind, void* data) {
+    if (data == nullptr || kind != hal::cb_struct_te::quaternion_s16 || (sensor_id != 37 && sensor_id != 38)) {
+        return;
+    }
+    hal::quaternion_float_t quaternion{};
+    quaternion = *static_cast<hal::quaternion_s16_t const*>(data);
+    float angles[3] = {};
+    hal::gyro_t::quaternion_2_yaw_pitch_roll(quaternion, angles, true);
+    std::cout << "  Alpha: " << angles[0] << "  Beta : " << angles[1] << "  Gamma: " << angles[2] << std::endl;
+}
+
 int test_gyro_delegate() {
+    // Kept: always this firmware, whichever is configured.
+    hal::gyro_t gyro("/dev/i2c-2", 2, "/opt/kelvora/libhal/fw/kelvora-260AP_1.6.fw", "/sys/class/gpio/gpio481/value",
+                     200);
+    gyro.boot();
+    gyro.activate_vsensor(37, 5.0F, 1);
+    hal::gyro_delegate_t const delegate(gyro, 37, print_orientation);
+    bool hold = false;
+    for (char option = ask_option(); option != 'x'; option = ask_option()) {
+        if (option == 't') {
+            gyro.irq_callback_hold(!hold);
+            if (hold) {
+                std::cout << "Running";  // kept without a line end, and only in this menu
+            }
+            hold = !hold;
+        }
+    }
     return 0;
 }
+
 int test_gyro_delegate_and_alarm() {
+    std::cout << "int test_gyro_delegate_and_alarm()" << std::endl;
+    hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
+    hal::gyro_t gyro("/dev/i2c-2", 2, g_gyro_firmware, "/sys/class/gpio/gpio481/value", 200);
+    hal::button_t button("/dev/gpiochip1", get_button_irq_line(), true, 2000);
+    gyro.boot();
+    gyro.info_firmware();
+    gyro.activate_vsensor(37, 1.0F, 1);
+    auto const alarm = std::make_shared<hal::gyro_alarm_t>(gyro, static_cast<unsigned short>(37));
+    hal::gyro_delegate_t const delegate(gyro, 37, print_orientation);
+    show_position_as_device_state(*alarm, rtu);
+    teach_by_long_press(button, alarm);
+    alarm->on_position_reached();
+    gyro.irq_callback_hold(false);
+    button.irq_callback_hold(false);
+    bool hold = false;
+    for (char option = ask_option(); option != 'x'; option = ask_option()) {
+        if (option == 't') {
+            hold = !hold;
+            gyro.irq_callback_hold(hold);
+        }
+    }
     return 0;
 }
