@@ -1,2 +1,75 @@
+// The illumination menu, and its commands that read or write one simple setting.
 #pragma once
+
+#include <iostream>
+
+#include "app/terminal_input.h"
+#include "hal/illumination.h"
+
+// The module of the menu that runs, set on entry. Every command below, and of illumination_status.h, works on it;
+// each reads the terminal, in socket mode too, and writes to standard output.
+extern hal::illumination_t* p_illumination;
+
+// The manner of this menu's commands, for both of its sources.
+namespace illumination_menu {
+
+// Says so where the status is a failure, that is not 0.
+void report(int status);
+// Reads a number and prints it behind the label; after a failed read the failure, and then 0.
+void show_number(char const* label, int (hal::illumination_t::*get)(unsigned int&) const);
+void print_flag(char const* label, bool flag);
+// The number that is typed below the prompt; 0 where none is.
+template <typename Number>
+Number ask(char const* prompt) {
+    std::cout << prompt << std::endl;
+    Number value = 0;
+    read_number(value);
+    return value;
+}
+
+}  // namespace illumination_menu
+
+// Runs the menu at the terminal until its exit key. Returns 0.
 int test_illumination();
+
+// These two also add their status to the client's reply, and leave it to a later command to send it.
+void get_pattern();
+void set_pattern();
+
+void enable_protected_write();
+void disable_protected_write();
+
+// Readouts: after a failed read they print 0, or what 0 stands for.
+void get_red_led();
+void set_red_led();
+void get_green_led();
+void set_green_led();
+void get_alter_led();
+void set_alter_led();
+void get_dc_brightness_limit();
+void set_dc_brightness_limit();
+void get_flash_brightness_limit();
+void set_flash_brightness_limit();
+void get_mode();
+void set_mode();
+void get_ot_off_limit();
+void set_ot_off_limit();
+void set_limit_ot_decrease();
+
+// One colour: value and limits. No failure is reported.
+void set_illum_brightness_red();
+void get_illum_brightness_red();
+void set_illum_brightness_green();
+void get_illum_brightness_green();
+void set_illum_brightness_blue();
+void get_illum_brightness_blue();
+
+// Says whether the module is there.
+void check_illum();
+
+// No key of the menu calls these four; its keys use the value prompts. They add a status to the client's reply
+// as get_pattern() does, and the two that write take their number from the client in socket mode.
+void get_segments();
+void set_segments();
+void get_brightness();
+void set_brightness();
