@@ -1,0 +1,234 @@
+// Tests of the line reader and the replies, over a pair of connected sockets.
+#include "app/console_io.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <string>
+
+#include "app/terminal_input.h"
+#include "net/socket.h"
+
+namespace {
+
+class ConsoleIoTest : public testing::Test {
+protected:
+    ConsoleIoTest() {
+        int pair[2];
+        EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM, 0, pair), 0);
+        station_ = pair[0];
+        client_ = pair[1];
+        socket_ = new socket_tcp(client_);
+        p_client_socket = socket_;
+        bsock = true;
+        send_string.clear();
+        std::signal(SIGPIPE, SIG_IGN);
+        testing::internal::CaptureStdout();
+    }
+
+    ~ConsoleIoTest() override {
+        if (!printed_) {
+            testing::internal::GetCapturedStdout();
+        }
+        bsock = false;
+        p_client_socket = nullptr;
+        delete socket_;
+        ::close(station_);
+    }
+
+    void station_sends(std::string const& text) {
+        ASSERT_EQ(::send(station_, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
+    }
+
+    void station_leaves() { ::shutdown(station_, SHUT_WR); }
+
+    // What the station has received so far.
+    std::string received() {
+        char buffer[4096];
+        ssize_t const count = ::recv(station_, buffer, sizeof buffer, MSG_DONTWAIT);
+        return count > 0 ? std::string(buffer, static_cast<std::size_t>(count)) : std::string();
+    }
+
+    std::string printed() {
+        printed_ = true;
+        return testing::internal::GetCapturedStdout();
+    }
+
+    std::string read_line() {
+        char line[kLineSize];
+        ended_ = !sckt_read_line(line);
+        return line;
+    }
+
+    bool ended_ = false;
+
+private:
+    int station_ = -1;
+    int client_ = -1;
+    socket_tcp* socket_ = nullptr;
+    bool printed_ = false;
+};
+
+TEST_F(ConsoleIoTest, CarriageReturnIsDropped) {
+    station_sends("a\r\n");
+    EXPECT_EQ(read_line(), "a");
+    EXPECT_EQ(printed(), "ReadLine: a\n");
+}
+
+TEST_F(ConsoleIoTest, EmptyLinesAreSkippedWithoutATrace) {
+    station_sends("\r\n\n5\n");
+    EXPECT_EQ(read_line(), "5");
+    EXPECT_EQ(printed(), "ReadLine: 5\n");
+}
+
+TEST_F(ConsoleIoTest, BackslashAndNEndALine) {
+    station_sends("12\\n");
+    EXPECT_EQ(read_line(), "12");
+    EXPECT_EQ(printed(), "Backslash detected \nBackslash and n detected \nReadLine: 12\n");
+}
+
+TEST_F(ConsoleIoTest, BackslashAndNInAnEmptyLineAreSkipped) {
+    station_sends("\\n7\n");
+    EXPECT_EQ(read_line(), "7");
+    EXPECT_EQ(printed(), "Backslash detected \nBackslash and n detected \nReadLine: 7\n");
+}
+
+TEST_F(ConsoleIoTest, BackslashBeforeAnotherCharacterIsDropped) {
+    station_sends("\\x\n");
+    EXPECT_EQ(read_line(), "x");
+    EXPECT_EQ(printed(), "Backslash detected \nReadLine: x\n");
+}
+
+TEST_F(ConsoleIoTest, BackslashAndRAreDropped) {
+    station_sends("\\r7\n");
+    EXPECT_EQ(read_line(), "7");
+    EXPECT_EQ(printed(), "Backslash detected \nReadLine: 7\n");
+}
+
+TEST_F(ConsoleIoTest, BackslashKeepsTheNextBackslash) {
+    station_sends("\\\\n\n");
+    EXPECT_EQ(read_line(), "\\n");
+}
+
+TEST_F(ConsoleIoTest, BackslashKeepsRealLineEndsInTheLine) {
+    station_sends("a\\\n\\\rb\n");
+    EXPECT_EQ(read_line(), "a\n\rb");
+}
+
+TEST_F(ConsoleIoTest, LineOf1023CharactersIsKeptWhole) {
+    std::string const line(1023, 'y');
+    station_sends(line + "\n");
+    EXPECT_EQ(read_line(), line);
+}
+
+TEST_F(ConsoleIoTest, LongLineIsCutAndItsRestDropped) {
+    station_sends(std::string(5000, 'y') + "\nz\n");
+    EXPECT_EQ(read_line(), std::string(1023, 'y'));
+    EXPECT_EQ(read_line(), "z");
+}
+
+TEST_F(ConsoleIoTest, EndOfStreamIsReportedAndALineBegunIsDropped) {
+    station_sends("12");
+    station_leaves();
+    EXPECT_EQ(read_line(), "");
+    EXPECT_TRUE(ended_);
+    EXPECT_EQ(printed(), "");
+}
+
+TEST_F(ConsoleIoTest, EndOfStreamAfterABackslashIsReported) {
+    station_sends("12\\");
+    station_leaves();
+    EXPECT_EQ(read_line(), "");
+    EXPECT_TRUE(ended_);
+}
+
+TEST_F(ConsoleIoTest, OptionIsTheFirstCharacterOfTheLine) {
+    station_sends("kamera\n");
+    char option = '\0';
+    kogetchar(option);
+    EXPECT_EQ(option, 'k');
+}
+
+TEST_F(ConsoleIoTest, OptionIsTheExitKeyWhenTheClientHasGone) {
+    station_leaves();
+    char option = '\0';
+    kogetchar(option);
+    EXPECT_EQ(option, kExitKey);
+}
+
+TEST_F(ConsoleIoTest, NumberIsScannedAndEchoedWithoutATerminator) {
+    station_sends("4\\2\r\n");
+    int value = 7;
+    koscanf("%d", value);
+    EXPECT_EQ(value, 42);
+    EXPECT_EQ(received(), "42");
+}
+
+TEST_F(ConsoleIoTest, TextThatIsNoNumberIsEchoedAndLeavesTheValue) {
+    station_sends("abc\n");
+    int value = 7;
+    koscanf("%d", value);
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(received(), "abc");
+}
+
+TEST_F(ConsoleIoTest, NumberIsLeftWhenTheClientHasGone) {
+    station_leaves();
+    int value = 7;
+    koscanf("%d", value);
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(received(), "");
+}
+
+TEST_F(ConsoleIoTest, ItemsAreCollectedAndSentAsOneReply) {
+    kosstream("%d", 1);
+    kosstream("%d", -2);
+    kosstream("%d", 300);
+    EXPECT_EQ(received(), "");
+    EXPECT_EQ(kosstream_send(), 11);
+    EXPECT_EQ(received(), "1;-2;300;\\n");
+    EXPECT_EQ(send_string, "");
+}
+
+TEST_F(ConsoleIoTest, ReplyWithoutItemsIsTheEndMark) {
+    EXPECT_EQ(kosstream_send(), 2);
+    EXPECT_EQ(received(), "\\n");
+}
+
+TEST_F(ConsoleIoTest, ItemsWaitForTheNextReply) {
+    kosstream("%d", 5);
+    kosstream("%d", 6);
+    kosstream_send();
+    EXPECT_EQ(received(), "5;6;\\n");
+}
+
+TEST_F(ConsoleIoTest, ReplyToAClientThatHasGoneFails) {
+    station_leaves();
+    p_client_socket->shutdown();
+    EXPECT_EQ(kosstream_send(), -1);
+}
+
+TEST_F(ConsoleIoTest, WrittenLineGoesOutUnchanged) {
+    sckt_write_line("ready");
+    EXPECT_EQ(received(), "ready");
+    EXPECT_EQ(printed(), "void sckt_write_line(std::string)\n");
+}
+
+TEST_F(ConsoleIoTest, TerminalModeSendsNothing) {
+    bsock = false;
+    kosstream("%d", 9);
+    EXPECT_EQ(send_string, "");
+    EXPECT_EQ(kosstream_send(), -1);
+    EXPECT_EQ(received(), "");
+    EXPECT_EQ(printed(), "");
+}
+
+TEST(ConsoleIoDeathTest, ItemThatDoesNotFitEndsTheProcess) {
+    bsock = true;
+    EXPECT_DEATH(kosstream("%1024d", 1), "");
+    bsock = false;
+}
+
+}  // namespace

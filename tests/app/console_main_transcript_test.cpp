@@ -1,0 +1,128 @@
+// Transcripts of the console's start and of its main menu.
+#include <gtest/gtest.h>
+
+#include "tests/support/console_session.h"
+#include "tests/support/screens/shell.h"
+
+namespace {
+
+using namespace screens;
+using support::ConsoleSession;
+using support::run_console;
+
+TEST(ConsoleMainTest, ExitKeysEndTheConsole) {
+    for (char const key : {'x', '0'}) {
+        auto const run = run_console({&key, 1});
+        EXPECT_EQ(run.output, kStart + main_menu(key));
+        EXPECT_EQ(run.errors, "");
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.calls, support::Calls{});
+    }
+}
+
+TEST(ConsoleMainTest, RealTimeUnitIsOpenedBeforeTheRootCheckAndClosedAtTheEnd) {
+    ConsoleSession session;
+    session.type("x");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    auto const journal = session.journal();
+    ASSERT_EQ(journal.size(), 2U);
+    EXPECT_NE(journal[0].find("1 rtu_t::rtu_t(\"/dev/r47-rtu-driver\", 2)"), std::string::npos) << journal[0];
+    EXPECT_NE(journal[1].find("1 rtu_t::~rtu_t()"), std::string::npos) << journal[1];
+}
+
+TEST(ConsoleMainTest, WithoutRootRightsTheConsoleRefusesToRun) {
+    support::SessionOptions options;
+    options.wrapper = {"bwrap", "--unshare-user", "--uid", "1000", "--dev-bind", "/", "/", "--"};
+    auto const run = run_console("", options);
+    EXPECT_EQ(run.output, "You must be root, terminating\n");
+    EXPECT_EQ(run.status, 255);
+}
+
+TEST(ConsoleMainTest, StartPreparesTheGpioLines) {
+    auto const run = run_console("x", support::in_shell("\"$@\"; cat /sys/class/gpio/export /sys/class/gpio/unexport"));
+    EXPECT_EQ(run.output, kStart + main_menu('x') + "481\n492\n");
+}
+
+TEST(ConsoleMainTest, FailingShellCommandsAreIgnored) {
+    auto const run = run_console("x", support::in_shell("rm -r /sys/class/gpio; exec \"$@\""));
+    EXPECT_EQ(run.output, kStart + main_menu('x'));
+    EXPECT_EQ(run.status, 0);
+}
+
+TEST(ConsoleMainTest, KeysWithoutAnEntryShowTheMenuAgain) {
+    std::string const keys = "sBCdDFijJKmnNoqrSTuUvVwWXyzZ123456789?;-";
+    std::string expected = kStart;
+    for (char const key : keys) {
+        expected += main_menu(key);
+    }
+    EXPECT_EQ(run_console(keys + "x").output, expected + main_menu('x'));
+}
+
+TEST(ConsoleMainTest, ByteOutsideOfAsciiShowsTheMenuAgain) {
+    EXPECT_EQ(run_console("\xff\x01x").output, kStart + main_menu('\xff') + main_menu('\x01') + main_menu('x'));
+}
+
+TEST(ConsoleMainTest, WhiteSpaceIsNoOption) {
+    EXPECT_EQ(run_console(" \t\n\r\v\f s\n x\n").output, kStart + main_menu('s') + main_menu('x'));
+}
+
+TEST(ConsoleMainTest, OldFirmwareKeyPrintsNothing) {
+    EXPECT_EQ(run_console("Ox").output, kStart + main_menu('O') + main_menu('x'));
+}
+
+TEST(ConsoleMainTest, WordsThatAreNotKnownAreIgnored) {
+    for (std::string const word : {"sockets", "Socket", "soc", "alarms", "ALARM", "old_gyro_f", ""}) {
+        support::SessionOptions options;
+        options.arguments = {word};
+        auto const run = run_console("x", options);
+        EXPECT_EQ(run.output, kStart + std::to_string(word.size()) + "\n" + main_menu('x')) << word;
+        EXPECT_EQ(run.status, 0);
+    }
+}
+
+TEST(ConsoleMainTest, OldFirmwareWordStartsTheMenu) {
+    support::SessionOptions options;
+    options.arguments = {"old_gyro_fw"};
+    EXPECT_EQ(run_console("x", options).output, kStart + "11\n" + main_menu('x'));
+}
+
+TEST(ConsoleMainTest, OnlyTheFirstWordIsLookedAt) {
+    support::SessionOptions options;
+    options.arguments = {"none", "socket"};
+    EXPECT_EQ(run_console("x", options).output, kStart + "4\n" + main_menu('x'));
+}
+
+TEST(ConsoleMainTest, EndOfInputShowsTheMenuAgainAndAgain) {
+    ConsoleSession session;
+    session.end_input();
+    for (int i = 0; i < 5; ++i) {
+        session.wait_for(main_menu('\0'));
+    }
+    EXPECT_FALSE(session.has_exited());
+}
+
+TEST(ConsoleMainTest, ControlDAtATerminalCostsOneRedisplay) {
+    support::SessionOptions options;
+    options.terminal = true;
+    ConsoleSession session(options);
+    session.wait_for("Please enter your option: ");
+    session.type("\x04");
+    session.wait_for(std::string("Entered Option = ") + '\0' + "\r\n");
+    session.wait_for("Please enter your option: ");
+    session.type("x\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    std::size_t menus = 0;
+    for (std::size_t at = 0; (at = session.output().find("****  Enter the Option", at)) != std::string::npos; ++at) {
+        ++menus;
+    }
+    EXPECT_EQ(menus, 2U);
+}
+
+TEST(ConsoleMainTest, StandardDescriptorsLeftClosedDoNoHarm) {
+    support::SessionOptions options = support::in_shell("exec 2>&1 \"$@\" <&-");
+    ConsoleSession session(options);
+    session.wait_for(main_menu('\0'));
+    session.wait_for(main_menu('\0'));
+}
+
+}  // namespace

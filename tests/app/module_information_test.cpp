@@ -1,0 +1,118 @@
+// Tests of the module information commands, on modules made for the purpose.
+#include "app/module_information.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "hal/illumination.h"
+#include "hal/rtu.h"
+#include "menus/imaging/sensor_classes.h"
+
+namespace {
+
+// A module of the given class that answers as told, without a device.
+template <typename Base>
+class Answering : public Base {
+public:
+    template <typename... Arguments>
+    explicit Answering(int result, Arguments... arguments) : Base(arguments...), result_(result) {}
+
+    int get_status(unsigned char& status) const override {
+        status = 77;
+        errno = ENODEV;
+        return result_;
+    }
+
+    int get_revision(hal::revision_t& revision) const override {
+        revision = {1, 6, 0, 2, 22, 14};
+        errno = ENODEV;
+        return result_;
+    }
+
+private:
+    int result_;
+};
+
+template <typename Command>
+std::pair<std::string, std::string> printed_by(Command command, hal::base_t* module) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(command(module), 0);
+    std::string const errors = testing::internal::GetCapturedStderr();
+    return {testing::internal::GetCapturedStdout(), errors};
+}
+
+std::string const kNumbers = "\nMajor \t1,\nMinor \t6,\nWeek \t14,\nYear \t22,\nNum \t2,\nPatch \t0,\n Done!\n";
+std::string const kPerror = "Failed read rev\n: No such device\n";
+
+TEST(ModuleInformationTest, UsageOffersFourKeys) {
+    testing::internal::CaptureStdout();
+    top_usage();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "\n\n\nPlease Enter the Option******\n\t 1. Get Status            \n\t 2. Get Revision          \n"
+              "\t 3. Get Serial Number     \n\t 0. Exit                  \n\n\n");
+}
+
+TEST(ModuleInformationTest, StatusIsReadButNotPrinted) {
+    Answering<hal::rtu_t> rtu(0, "/dev/none", 2);
+    EXPECT_EQ(printed_by(get_status, &rtu),
+              std::make_pair(std::string("Status of the Module: \tDone!\n"), std::string()));
+}
+
+TEST(ModuleInformationTest, PositiveStatusResultIsNoFailure) {
+    Answering<hal::rtu_t> rtu(5, "/dev/none", 2);
+    EXPECT_EQ(printed_by(get_status, &rtu).first, "Status of the Module: \tDone!\n");
+}
+
+TEST(ModuleInformationTest, FailedStatusIsReportedWithTheTextOfTheRevision) {
+    Answering<hal::rtu_t> rtu(-1, "/dev/none", 2);
+    EXPECT_EQ(printed_by(get_status, &rtu), std::make_pair(std::string("Status of the Module: \t"), kPerror));
+}
+
+TEST(ModuleInformationTest, RevisionNamesTheModuleByItsClass) {
+    Answering<hal::rtu_t> rtu(0, "/dev/none", 2);
+    Answering<hal::illumination_t> illumination(0, "/dev/none", 2);
+    Answering<hal::imx296_t> imx296(0);
+    Answering<hal::imx567_t> imx567(0);
+    Answering<hal::base_t> other(0, "/dev/none", 2);
+    std::string const head = "Revision of the Module: \t";
+    EXPECT_EQ(printed_by(get_revision, &rtu).first, head + "The RTU driver: \n" + kNumbers);
+    EXPECT_EQ(printed_by(get_revision, &illumination).first, head + "The Illumination driver: \n" + kNumbers);
+    EXPECT_EQ(printed_by(get_revision, &imx296).first, head + "The IMX296 driver: \n" + kNumbers);
+    EXPECT_EQ(printed_by(get_revision, &imx567).first, head + "The IMX567 driver: \n" + kNumbers);
+    EXPECT_EQ(printed_by(get_revision, &other).first, head + kNumbers);
+}
+
+TEST(ModuleInformationTest, PositiveRevisionResultIsNoFailure) {
+    Answering<hal::rtu_t> rtu(1, "/dev/none", 2);
+    EXPECT_EQ(printed_by(get_revision, &rtu).first, "Revision of the Module: \tThe RTU driver: \n" + kNumbers);
+}
+
+TEST(ModuleInformationTest, FailedRevisionPrintsNoNumbers) {
+    Answering<hal::rtu_t> rtu(-1, "/dev/none", 2);
+    EXPECT_EQ(printed_by(get_revision, &rtu), std::make_pair(std::string("Revision of the Module: \t"), kPerror));
+}
+
+TEST(ModuleInformationTest, SerialNumberPrintsNothing) {
+    Answering<hal::rtu_t> rtu(0, "/dev/none", 2);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(get_serial_number(&rtu), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST(ModuleInformationDeathTest, ExitKeySaysGoodByeAndEndsTheProcess) {
+    EXPECT_EXIT(
+        {
+            std::fflush(stdout);
+            ::dup2(STDERR_FILENO, STDOUT_FILENO);
+            exit_console();
+        },
+        testing::ExitedWithCode(0), "\n\033\\[0mGood Bye\n");
+}
+
+}  // namespace

@@ -1,0 +1,260 @@
+// Transcripts of socket mode: a real TCP client at one end, an operator at the other.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+#include "tests/support/console_session.h"
+#include "tests/support/screens/shell.h"
+
+namespace {
+
+using namespace screens;
+using support::ConsoleSession;
+using support::StationClient;
+
+support::SessionOptions socket_word() {
+    support::SessionOptions options;
+    options.arguments = {"socket"};
+    return options;
+}
+
+// The console in socket mode, with its client at the main menu.
+class SocketConsoleTest : public testing::Test {
+protected:
+    SocketConsoleTest() { session.wait_for("****  Enter the Option ******\n"); }
+
+    // The operator's 'x' ends the mode, and with it the console that was started for it.
+    void expect_operator_ends_it() {
+        session.type("x\n");
+        EXPECT_EQ(session.wait_for_exit(), 0);
+        EXPECT_EQ(session.errors(), "");
+    }
+
+    ConsoleSession session{socket_word()};
+    StationClient client;
+};
+
+TEST_F(SocketConsoleTest, DeviceCheckIsAnsweredWithFourCharacters) {
+    client.send("A\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    expect_operator_ends_it();
+}
+
+TEST_F(SocketConsoleTest, ModeStartsWithItsTraceAndTheConsolesStart) {
+    EXPECT_EQ(session.output().rfind("System calls\n6\nint test_socket()\n", 0), 0U) << session.output();
+    session.wait_for("Please enter your option: ");
+    client.send("x\n");
+    session.wait_for("ReadLine: x\nEntered Option = x\n");
+    expect_operator_ends_it();
+    EXPECT_NE(session.output().find(kSocketMenu), std::string::npos);
+}
+
+struct LineCase {
+    char const* name;
+    char const* sent;
+    char const* trace;
+};
+
+class SocketConsoleLineTest : public SocketConsoleTest,
+                              public testing::WithParamInterface<std::tuple<LineCase, bool>> {};
+
+TEST_P(SocketConsoleLineTest, LineIsReadAsOneOption) {
+    auto const& [line, bytewise] = GetParam();
+    if (bytewise) {
+        client.send_bytewise(line.sent);
+    } else {
+        client.send(line.sent);
+    }
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    session.wait_for(std::string(line.trace) + "ReadLine: A\nEntered Option = A\nFile Error Code: 0\n");
+    expect_operator_ends_it();
+}
+
+constexpr LineCase kLines[] = {
+    {"LineFeed", "A\n", ""},
+    {"CarriageReturnAndLineFeed", "A\r\n", ""},
+    {"EmptyLinesBefore", "\r\n\nA\n", ""},
+    {"BackslashAndN", "A\\n", "Backslash detected \nBackslash and n detected \n"},
+    {"BackslashAndNBefore", "\\nA\n", "Backslash detected \nBackslash and n detected \n"},
+    {"EscapedCharacter", "\\A\n", "Backslash detected \n"},
+    {"BackslashAndR", "\\rA\n", "Backslash detected \n"},
+    {"BackslashAndRAfter", "A\\r\\n", "Backslash detected \nBackslash detected \nBackslash and n detected \n"},
+};
+
+INSTANTIATE_TEST_SUITE_P(AllLines, SocketConsoleLineTest, testing::Combine(testing::ValuesIn(kLines), testing::Bool()),
+                         [](auto const& line) {
+                             return std::string(std::get<0>(line.param).name) +
+                                    (std::get<1>(line.param) ? "Bytewise" : "InOnePiece");
+                         });
+
+TEST_F(SocketConsoleTest, LongLineCountsByItsFirstCharacter) {
+    client.send("A" + std::string(100000, 'z') + "\nA\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    session.wait_for("ReadLine: A" + std::string(1022, 'z') + "\n");
+    expect_operator_ends_it();
+}
+
+TEST_F(SocketConsoleTest, KeyThatStartsSocketModeDoesNothingInIt) {
+    client.send("L\nA\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    session.wait_for(main_menu('A').substr(0, 20));
+    expect_operator_ends_it();
+    EXPECT_EQ(session.output().find("int test_socket()"), session.output().rfind("int test_socket()"));
+}
+
+TEST_F(SocketConsoleTest, ClientThatLeavesTheMainMenuLetsTheOperatorEndAtOnce) {
+    client.send("k\nx\nx\n");
+    session.wait_for("Entered Option = k\n");
+    session.wait_for("Entered Option = x\n");
+    expect_operator_ends_it();
+}
+
+TEST_F(SocketConsoleTest, OtherKeysOfTheOperatorShowTheLocalMenuAgain) {
+    session.type("s\n");
+    session.wait_for("\t\t Your Option = s\n");
+    session.wait_for(kSocketMenu);
+    client.send("A\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    expect_operator_ends_it();
+}
+
+TEST_F(SocketConsoleTest, OperatorEndsItWithTheClientAtTheMainMenu) {
+    expect_operator_ends_it();
+    EXPECT_TRUE(client.ended());
+}
+
+TEST_F(SocketConsoleTest, OperatorEndsItWithTheClientInAClientDrivenMenu) {
+    client.send("k\n");
+    session.wait_for("Entered Option = k\n");
+    expect_operator_ends_it();
+    EXPECT_TRUE(client.ended());
+}
+
+TEST_F(SocketConsoleTest, MenuThatReadsTheTerminalHasItUntilItReturns) {
+    client.send("b\nA\n");
+    session.wait_for("Started Rtu Low Level Control \n");
+    session.wait_for("Please enter your option: ");
+    session.type("D\n");
+    session.wait_for("Your Option = D\n");
+    session.wait_for("Please enter your option: ");
+    EXPECT_EQ(session.output().find("ReadLine: A"), std::string::npos);  // waits unread
+    session.type("x\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    expect_operator_ends_it();
+}
+
+TEST_F(SocketConsoleTest, ClientThatVanishesTakesItsTerminalMenuAlong) {
+    client.send("b\n");
+    session.wait_for("Started Rtu Low Level Control \n");
+    session.wait_for("Please enter your option: ");
+    client.close();
+    session.wait_for("Entered Option = x\n");
+    expect_operator_ends_it();
+}
+
+TEST_F(SocketConsoleTest, ClientThatVanishesAtTheMainMenuEndsItsMenus) {
+    client.close();
+    session.wait_for("Entered Option = x\n");
+    expect_operator_ends_it();
+}
+
+TEST_F(SocketConsoleTest, ClientThatVanishesInTheMiddleOfALineEndsItsMenus) {
+    client.send("A\\");
+    client.reset();
+    session.wait_for("Entered Option = x\n");
+    expect_operator_ends_it();
+    EXPECT_EQ(session.output().find("ReadLine: A"), std::string::npos);
+}
+
+TEST_F(SocketConsoleTest, ClientThatVanishesBeforeItsReplyKillsNothing) {
+    client.send("A\nA\nA\n");
+    client.reset();
+    session.wait_for("Entered Option = x\n");
+    expect_operator_ends_it();
+}
+
+TEST_F(SocketConsoleTest, ClientThatSaysNoMoreIsStillAnswered) {
+    client.send("A\nA\n");
+    client.finish();
+    EXPECT_EQ(client.receive(8), "0;\\n0;\\n");
+    session.wait_for("Entered Option = x\n");
+    expect_operator_ends_it();
+}
+
+TEST_F(SocketConsoleTest, EndOfTheTerminalsInputServesTheClientToItsEnd) {
+    session.end_input();
+    client.send("A\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    EXPECT_FALSE(session.has_exited());
+    client.send("x\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
+TEST_F(SocketConsoleTest, EndOfTheTerminalsInputEndsWithTheClient) {
+    session.end_input();
+    client.close();
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
+TEST_F(SocketConsoleTest, SecondConsoleCannotBind) {
+    ConsoleSession second(socket_word());
+    EXPECT_EQ(second.wait_for_exit(), 128 + SIGABRT);
+    EXPECT_EQ(second.output(), "System calls\n6\nint test_socket()\n");
+    EXPECT_NE(second.errors().find("Bind failed"), std::string::npos) << second.errors();
+    expect_operator_ends_it();
+}
+
+TEST(SocketConsoleKeyTest, EndingItClosesStandardInput) {
+    ConsoleSession session;
+    session.type("L\n");
+    StationClient client;
+    session.wait_for("System calls\n");
+    session.wait_for("System calls\n");
+    client.send("x\n");
+    session.wait_for("Entered Option = x\n");
+    session.type("x\n");
+    // The main menu goes on, and finds its input ended.
+    session.wait_for("\t\t Your Option = x\n");
+    session.wait_for(main_menu('\0'));
+    session.wait_for(main_menu('\0'));
+}
+
+TEST(SocketConsoleKeyTest, WhileItIsActiveItRefusesToStart) {
+    support::SessionOptions options;
+    options.entry_point = "socket_mode_while_active";
+    EXPECT_EQ(support::run_console("", options).output, "int test_socket()\nreturned -1\n");
+}
+
+// Clients that are cut at a random byte of a session that visits menus, by an orderly end or by a reset.
+TEST(SocketConsoleKeyTest, CutConnectionsLeaveNothingBehind) {
+    std::string const script = "A\r\nk\nm\nu\n25\nabc\nx\na\nH\n\\2\\np\nx\n\\\\n\nA\\nt\nr\nx\nA\n";
+    std::mt19937 random(32360);
+    support::SessionOptions options;
+    options.entry_point = "two_hundred_socket_modes";
+    ConsoleSession session(options);
+    session.end_input();
+    std::string counts;
+    for (int i = 1; i <= 200; ++i) {
+        {
+            StationClient client;
+            client.send(script.substr(0, random() % (script.size() + 1)));
+            if (random() % 2 == 0) {
+                client.reset();
+            }
+        }
+        std::string const served = "served " + std::to_string(i) + " ";
+        session.wait_for(served);
+        session.wait_for("\n");
+        std::size_t const at = session.output().rfind(served) + served.size();
+        std::string const left = session.output().substr(at, session.output().find('\n', at) - at);
+        if (i == 1) {
+            counts = left;  // after the first end standard input is closed, as it stays
+        }
+        ASSERT_EQ(left, counts) << "after connection " << i;
+    }
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,127 @@
+// Tests of the socket classes.
+#include "net/socket.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+namespace {
+
+constexpr unsigned short kPort = 32361;
+
+template <typename Action>
+std::string thrown_by(Action action) {
+    try {
+        action();
+    } catch (std::runtime_error const& error) {
+        return error.what();
+    }
+    return "nothing";
+}
+
+bool is_open(int descriptor) {
+    return ::fcntl(descriptor, F_GETFD) != -1;
+}
+
+TEST(SocketTest, AddressesConvertBothWays) {
+    socket_tcp const socket;
+    EXPECT_EQ(socket.inet_ntop(socket.inet_pton("127.0.0.1")), "127.0.0.1");
+    EXPECT_EQ(socket.inet_pton("127.0.0.1"), htonl(INADDR_LOOPBACK));
+    EXPECT_EQ(socket.inet_ntop(socket.inet_pton("255.255.255.255")), "255.255.255.255");
+}
+
+TEST(SocketTest, UnparsableAddressIsAnError) {
+    socket_tcp const socket;
+    EXPECT_EQ(thrown_by([&] { socket.inet_pton("localhost"); }), "Invalid address");
+    EXPECT_EQ(thrown_by([&] { socket.inet_pton(""); }), "Invalid address");
+    EXPECT_EQ(thrown_by([] { server_tcp("300.0.0.1", kPort); }), "Invalid address");
+}
+
+TEST(SocketTest, CreationFailureThrows) {
+    EXPECT_EQ(thrown_by([] { socket_base(AF_INET, -1, 0, socket_base::blocking); }), "Cannot create socket");
+}
+
+TEST(SocketTest, NonBlockingModeIsSet) {
+    socket_base const waiting(AF_INET, SOCK_STREAM, IPPROTO_TCP, socket_base::blocking);
+    socket_base const not_waiting(AF_INET, SOCK_STREAM, IPPROTO_TCP, socket_base::non_blocking);
+    EXPECT_FALSE(::fcntl(waiting.descriptor(), F_GETFL) & O_NONBLOCK);
+    EXPECT_TRUE(::fcntl(not_waiting.descriptor(), F_GETFL) & O_NONBLOCK);
+}
+
+TEST(SocketTest, PortInUseThrows) {
+    server_tcp const first("127.0.0.1", kPort);
+    EXPECT_EQ(thrown_by([] { server_tcp("127.0.0.1", kPort); }), "Bind failed");
+}
+
+TEST(SocketTest, ClientAndServerTalk) {
+    server_tcp const server("127.0.0.1", kPort + 1);
+    socket_tcp client;
+    ASSERT_EQ(client.connect_to_host("127.0.0.1", kPort + 1), 0);
+    socket_tcp accepted = server.accept();
+    EXPECT_EQ(client.write_data("hello"), 5);
+    char text[8] = "";
+    EXPECT_EQ(accepted.read_data(text, 2), 2);
+    EXPECT_EQ(accepted.read_data(text + 2, 5), 3);
+    EXPECT_STREQ(text, "hello");
+    client.shutdown();
+    EXPECT_EQ(accepted.read_data(text, 1), 0);
+}
+
+TEST(SocketTest, ConnectToNobodyFails) {
+    socket_tcp client;
+    EXPECT_EQ(client.connect_to_host("127.0.0.1", kPort + 2), -1);
+}
+
+TEST(SocketTest, AcceptOnAClosedServerThrows) {
+    // In a process of its own: the destruction that follows the close takes descriptor 0 along.
+    EXPECT_EXIT(
+        {
+            server_tcp server("127.0.0.1", kPort + 3);
+            ::close(server.descriptor());
+            std::_Exit(thrown_by([&] { server.accept(); }) == "Cannot accept" ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(SocketTest, ShutdownWakesAPendingRead) {
+    server_tcp const server("127.0.0.1", kPort + 4);
+    socket_tcp client;
+    ASSERT_EQ(client.connect_to_host("127.0.0.1", kPort + 4), 0);
+    socket_tcp const accepted = server.accept();
+    char byte;
+    int result = -2;
+    std::thread reader([&] { result = accepted.read_data(&byte, 1); });
+    accepted.shutdown();
+    reader.join();
+    EXPECT_EQ(result, 0);
+}
+
+TEST(SocketTest, DestructionClosesTheDescriptor) {
+    int descriptor;
+    {
+        socket_tcp const socket;
+        descriptor = socket.descriptor();
+        EXPECT_TRUE(is_open(descriptor));
+    }
+    EXPECT_FALSE(is_open(descriptor));
+}
+
+TEST(SocketTest, DestructionAfterCloseClosesStandardInput) {
+    int const standard_input = ::fcntl(STDIN_FILENO, F_DUPFD, 10);
+    {
+        socket_tcp socket;
+        EXPECT_EQ(socket.close(), 0);
+        EXPECT_EQ(socket.descriptor(), 0);
+        EXPECT_TRUE(is_open(STDIN_FILENO));
+    }
+    EXPECT_FALSE(is_open(STDIN_FILENO));
+    ::dup2(standard_input, STDIN_FILENO);
+    ::close(standard_input);
+}
+
+}  // namespace

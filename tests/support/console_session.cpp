@@ -1,0 +1,457 @@
+// Runs the console inside a virtual device of its own, types at it, and keeps what it prints and calls.
+#include "tests/support/console_session.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utmp.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+namespace support {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr unsigned short kPort = 32360;
+constexpr auto kRetry = std::chrono::milliseconds(2);  // between two looks at what only a look can tell
+constexpr std::string_view kEndMark = "\\n";
+
+[[noreturn]] void fail(std::string const& what) {
+    throw std::runtime_error(what);
+}
+
+[[noreturn]] void fail_with_errno(std::string const& what) {
+    fail(what + ": " + std::strerror(errno));
+}
+
+// Looks until `done` says so.
+template <typename Done>
+void look_until(Done done, std::string const& what) {
+    auto const deadline = Clock::now() + kLimit;
+    while (!done()) {
+        if (Clock::now() > deadline) {
+            fail("limit reached waiting for " + what);
+        }
+        std::this_thread::sleep_for(kRetry);
+    }
+}
+
+void close_descriptor(int& descriptor) {
+    if (descriptor >= 0) {
+        ::close(descriptor);
+        descriptor = -1;
+    }
+}
+
+std::string make_directory() {
+    std::string path = (std::filesystem::temp_directory_path() / "r47-test-XXXXXX").string();
+    if (::mkdtemp(path.data()) == nullptr) {
+        fail_with_errno("mkdtemp");
+    }
+    return path;
+}
+
+// The words of a list that CMake wrote with semicolons.
+std::vector<std::string> words_of(std::string const& list) {
+    std::vector<std::string> words;
+    std::istringstream stream(list);
+    for (std::string word; std::getline(stream, word, ';');) {
+        words.push_back(word);
+    }
+    return words;
+}
+
+// A journal line without its time and its object number.
+std::string call_of(std::string const& line) {
+    std::size_t const number = line.find(' ') + 1;
+    return line.substr(line.find(' ', number) + 1);
+}
+
+int unix_connection(std::string const& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    int const descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (::connect(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
+        return descriptor;
+    }
+    ::close(descriptor);
+    return -1;
+}
+
+int tcp_connection() {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(kPort);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    int const descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (::connect(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
+        int const at_once = 1;
+        ::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &at_once, sizeof at_once);
+        return descriptor;
+    }
+    ::close(descriptor);
+    return -1;
+}
+
+void wait_readable(int descriptor, std::string const& what) {
+    pollfd waited{descriptor, POLLIN, 0};
+    auto const limit = std::chrono::duration_cast<std::chrono::milliseconds>(kLimit).count();
+    if (::poll(&waited, 1, static_cast<int>(limit)) <= 0) {
+        fail("limit reached waiting for " + what);
+    }
+}
+
+}  // namespace
+
+SessionOptions in_shell(std::string const& script) {
+    SessionOptions options;
+    options.script = script;
+    return options;
+}
+
+ConsoleSession::ConsoleSession(SessionOptions const& options) : directory_(make_directory()) {
+    std::ofstream scenario(directory_ + "/scenario");
+    for (std::string const& line : options.scenario) {
+        scenario << line << '\n';
+    }
+    scenario.close();
+    start(command_line(options), options.terminal);
+}
+
+ConsoleSession::~ConsoleSession() {
+    if (!reap(false)) {
+        ::kill(pid_, SIGKILL);  // what it started dies with it
+        reap(true);
+    }
+    for (int* descriptor : {&input_, &output_end_, &errors_end_, &control_}) {
+        close_descriptor(*descriptor);
+    }
+    std::error_code ignored;
+    std::filesystem::remove_all(directory_, ignored);
+}
+
+std::vector<std::string> ConsoleSession::command_line(SessionOptions const& options) const {
+    std::vector<std::string> const emulator = words_of(R47_EMULATOR);
+    std::vector<std::string> line = emulator;
+    line.insert(line.end(), {R47_SIM, "run", "--control", directory_ + "/control.sock", "--journal",
+                             directory_ + "/journal", "--scenario", directory_ + "/scenario", "--clock"});
+    std::istringstream clock(options.clock);
+    for (std::string word; clock >> word;) {
+        line.push_back(word);
+    }
+    for (std::string const& path : options.without) {
+        line.insert(line.end(), {"--without", path});
+    }
+    line.push_back("--");
+    if (!options.script.empty()) {
+        line.insert(line.end(), {"sh", "-c", options.script, "sh"});
+    }
+    line.insert(line.end(), options.wrapper.begin(), options.wrapper.end());
+    line.insert(line.end(), emulator.begin(), emulator.end());
+    if (options.entry_point.empty()) {
+        line.push_back(R47_CONSOLE);
+    } else {
+        line.insert(line.end(), {R47_ENTRY_POINTS, options.entry_point});
+    }
+    line.insert(line.end(), options.arguments.begin(), options.arguments.end());
+    return line;
+}
+
+void ConsoleSession::start(std::vector<std::string> const& command_line, bool terminal) {
+    int input[2];
+    int output[2];
+    int errors[2];
+    if (terminal) {
+        if (::openpty(&input[1], &input[0], nullptr, nullptr, nullptr) != 0) {
+            fail_with_errno("openpty");
+        }
+        output[0] = ::dup(input[1]);
+        output[1] = ::dup(input[0]);
+    } else if (::pipe(input) != 0 || ::pipe(output) != 0) {
+        fail_with_errno("pipe");
+    }
+    if (::pipe(errors) != 0) {
+        fail_with_errno("pipe");
+    }
+    for (int descriptor : {input[1], output[0], errors[0]}) {
+        ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    }
+    std::vector<char*> arguments;
+    for (std::string const& word : command_line) {
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    }
+    arguments.push_back(nullptr);
+    pid_ = ::fork();
+    if (pid_ == 0) {
+        if (terminal) {
+            ::login_tty(::dup(input[0]));
+        } else {
+            ::setpgid(0, 0);
+            ::dup2(input[0], STDIN_FILENO);
+            ::dup2(output[1], STDOUT_FILENO);
+        }
+        ::dup2(errors[1], STDERR_FILENO);
+        for (int descriptor : {input[0], output[1], errors[1]}) {
+            ::close(descriptor);
+        }
+        ::signal(SIGPIPE, SIG_DFL);
+        (void)::chdir(directory_.c_str());
+        ::execvp(arguments[0], arguments.data());
+        ::_exit(127);
+    }
+    for (int descriptor : {input[0], output[1], errors[1]}) {
+        ::close(descriptor);
+    }
+    input_ = input[1];
+    output_end_ = output[0];
+    errors_end_ = errors[0];
+    ::signal(SIGPIPE, SIG_IGN);  // of this test process: a console that has gone is an answer, not a blow
+}
+
+void ConsoleSession::type(std::string_view text) {
+    while (!text.empty()) {
+        ssize_t const count = ::write(input_, text.data(), text.size());
+        if (count < 0) {
+            fail_with_errno("typing");
+        }
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+void ConsoleSession::end_input() {
+    close_descriptor(input_);
+}
+
+void ConsoleSession::close_output() {
+    close_descriptor(output_end_);
+}
+
+bool ConsoleSession::take_output(std::chrono::milliseconds longest) {
+    pollfd waited[] = {{output_end_, POLLIN, 0}, {errors_end_, POLLIN, 0}};
+    ::poll(waited, 2, static_cast<int>(longest.count()));
+    char buffer[1 << 16];
+    auto const take = [&buffer](pollfd const& ready, int& end, std::string& text) {
+        if (end >= 0 && ready.revents != 0) {
+            ssize_t const count = ::read(end, buffer, sizeof buffer);
+            if (count > 0) {
+                text.append(buffer, static_cast<std::size_t>(count));
+            } else if (count == 0 || errno != EINTR) {  // a pseudo-terminal ends with EIO
+                close_descriptor(end);
+            }
+        }
+    };
+    take(waited[0], output_end_, output_);
+    take(waited[1], errors_end_, errors_);
+    return output_end_ >= 0 || errors_end_ >= 0;
+}
+
+void ConsoleSession::wait_for(std::string_view text) {
+    auto const deadline = Clock::now() + kLimit;
+    while (true) {
+        std::size_t const at = output_.find(text, found_);
+        if (at != std::string::npos) {
+            found_ = at + text.size();
+            return;
+        }
+        if (Clock::now() > deadline || !take_output(std::chrono::milliseconds(100))) {
+            fail("no \"" + std::string(text) + "\" in the output after \"" + output_.substr(found_) +
+                 "\"\nerrors: " + errors_);
+        }
+    }
+}
+
+bool ConsoleSession::reap(bool block) {
+    if (pid_ < 0) {
+        return true;
+    }
+    int status;
+    if (::waitpid(pid_, &status, block ? 0 : WNOHANG) != pid_) {
+        return false;
+    }
+    status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    pid_ = -1;
+    return true;
+}
+
+bool ConsoleSession::has_exited() {
+    return reap(false);
+}
+
+int ConsoleSession::wait_for_exit() {
+    auto const deadline = Clock::now() + kLimit;
+    while (!reap(false)) {
+        if (Clock::now() > deadline) {
+            fail("still running; the output ends with \"" +
+                 output_.substr(output_.size() - std::min<std::size_t>(output_.size(), 2000)) +
+                 "\"\nerrors: " + errors_);
+        }
+        if (!take_output(std::chrono::milliseconds(5))) {
+            std::this_thread::sleep_for(kRetry);
+        }
+    }
+    while (take_output(std::chrono::milliseconds(100))) {
+    }
+    return status_;
+}
+
+std::vector<std::string> ConsoleSession::journal() const {
+    std::vector<std::string> lines;
+    std::ifstream file(directory_ + "/journal");
+    for (std::string line; std::getline(file, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+Calls ConsoleSession::calls() const {
+    Calls calls;
+    for (std::string const& line : journal()) {
+        calls.push_back(call_of(line));
+    }
+    if (!calls.empty() && calls.front() == R"(rtu_t::rtu_t("/dev/r47-rtu-driver", 2))") {
+        calls.erase(calls.begin());
+        if (!calls.empty() && calls.back() == "rtu_t::~rtu_t()") {
+            calls.pop_back();
+        }
+    }
+    return calls;
+}
+
+std::string ConsoleSession::control(std::string const& command) {
+    if (control_ < 0) {
+        look_until([&] { return (control_ = unix_connection(directory_ + "/control.sock")) >= 0; },
+                   "the control socket");
+    }
+    std::string const line = command + "\n";
+    if (::send(control_, line.data(), line.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(line.size())) {
+        fail_with_errno("control command");
+    }
+    std::string answer;
+    while (true) {
+        wait_readable(control_, "the answer to " + command);
+        char buffer[4096];
+        ssize_t const count = ::recv(control_, buffer, sizeof buffer, 0);
+        if (count <= 0) {
+            fail("the device went away during: " + command);
+        }
+        answer.append(buffer, static_cast<std::size_t>(count));
+        if (answer == "ok\n" || (answer.size() > 3 && answer.compare(answer.size() - 4, 4, "\nok\n") == 0)) {
+            return answer.substr(0, answer.size() - 3);
+        }
+        if (answer.back() == '\n' && answer.rfind("error: ", 0) == 0) {
+            fail(command + ": " + answer);
+        }
+    }
+}
+
+pid_t ConsoleSession::console_pid() const {
+    // The starter stays as the parent of what it started.
+    pid_t child = -1;
+    look_until(
+        [&] {
+            std::ifstream children("/proc/" + std::to_string(pid_) + "/task/" + std::to_string(pid_) + "/children");
+            return static_cast<bool>(children >> child);
+        },
+        "the console's process");
+    return child;
+}
+
+Transcript run_console(std::string_view typed, SessionOptions const& options) {
+    ConsoleSession session(options);
+    session.type(typed);
+    Transcript transcript;
+    transcript.status = session.wait_for_exit();
+    transcript.output = session.output();
+    transcript.errors = session.errors();
+    transcript.calls = session.calls();
+    return transcript;
+}
+
+StationClient::StationClient() {
+    look_until([&] { return (socket_ = tcp_connection()) >= 0; }, "the console to listen");
+}
+
+StationClient::~StationClient() {
+    close();
+}
+
+void StationClient::send(std::string_view text) {
+    while (!text.empty()) {
+        ssize_t const count = ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL);
+        if (count < 0) {
+            fail_with_errno("sending to the console");
+        }
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+void StationClient::send_bytewise(std::string_view text) {
+    for (char const& c : text) {
+        send({&c, 1});
+    }
+}
+
+std::string StationClient::receive(std::size_t size) {
+    std::string text(size, '\0');
+    std::size_t filled = 0;
+    while (filled < size) {
+        wait_readable(socket_, "the console to send");
+        ssize_t const count = ::recv(socket_, text.data() + filled, size - filled, 0);
+        if (count <= 0) {
+            break;
+        }
+        filled += static_cast<std::size_t>(count);
+    }
+    text.resize(filled);
+    return text;
+}
+
+std::string StationClient::receive_reply() {
+    std::string reply;
+    while (reply.size() < kEndMark.size() ||
+           reply.compare(reply.size() - kEndMark.size(), kEndMark.size(), kEndMark) != 0) {
+        std::string const next = receive(1);
+        if (next.empty()) {
+            break;
+        }
+        reply += next;
+    }
+    return reply;
+}
+
+bool StationClient::ended() {
+    return receive(1).empty();
+}
+
+void StationClient::finish() {
+    ::shutdown(socket_, SHUT_WR);
+}
+
+void StationClient::close() {
+    close_descriptor(socket_);
+}
+
+void StationClient::reset() {
+    linger const at_once{1, 0};
+    ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+    close();
+}
+
+}  // namespace support

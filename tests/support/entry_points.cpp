@@ -1,0 +1,72 @@
+// Runs one function of the console that no menu reaches: r47-entry-points NAME
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+
+#include "app/console_io.h"
+#include "app/device_type.h"
+#include "app/module_information.h"
+#include "app/value_prompts.h"
+#include "net/socket_console.h"
+
+namespace {
+
+void socket_mode_while_active() {
+    bsock = true;
+    int const result = test_socket();
+    std::cout << "returned " << result << std::endl;
+}
+
+// The entries of a directory of /proc that counts something of this process.
+long count_of(char const* directory) {
+    return std::distance(std::filesystem::directory_iterator(directory), std::filesystem::directory_iterator());
+}
+
+// Serves 200 clients, one socket mode after the other, and tells after each what is left of it.
+void two_hundred_socket_modes() {
+    for (int i = 1; i <= 200; ++i) {
+        test_socket();
+        std::cout << "served " << i << " descriptors " << count_of("/proc/self/fd") << " threads "
+                  << count_of("/proc/self/task") << std::endl;
+    }
+}
+
+void sensor_set_of_a_refusing_module() {
+    sensor_set([](unsigned int&) { return 3; }, "gain");
+}
+
+void sensor_set_of_an_accepting_module() {
+    sensor_set(
+        [](unsigned int& value) {
+            std::cout << "written " << value << std::endl;
+            return 0;
+        },
+        "gain");
+}
+
+struct EntryPoint {
+    char const* name;
+    void (*run)();
+};
+
+constexpr EntryPoint kEntryPoints[] = {
+    {"button_irq_line", [] { std::cout << "\nline " << get_button_irq_line() << std::endl; }},
+    {"device_type", [] { std::cout << "\ntype " << determine_device_type() << std::endl; }},
+    {"sensor_set_accepted", sensor_set_of_an_accepting_module},
+    {"sensor_set_refused", sensor_set_of_a_refusing_module},
+    {"socket_mode_while_active", socket_mode_while_active},
+    {"two_hundred_socket_modes", two_hundred_socket_modes},
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    for (EntryPoint const& entry : kEntryPoints) {
+        if (argc > 1 && std::strcmp(argv[1], entry.name) == 0) {
+            entry.run();
+            return 0;
+        }
+    }
+    std::cerr << "usage: r47-entry-points NAME\n";
+    return 2;
+}
