@@ -23,7 +23,8 @@ void open_standard_descriptors() {
 
 int main(int argc, char** argv) {
     open_standard_descriptors();
-    // A screen leaves as one write; every read of input flushes it.
-    std::setvbuf(stdout, nullptr, _IOFBF, kOutputBufferSize);
+    // A screen leaves as one write, and every read of input flushes it; lines of the library's threads do not wait
+    // for that at a terminal.
+    std::setvbuf(stdout, nullptr, ::isatty(STDOUT_FILENO) ? _IOLBF : _IOFBF, kOutputBufferSize);
     return console_main(argc, argv);
 }
