@@ -1,0 +1,59 @@
+// The virtual device: its whole state, one lock and one clock.
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include "sim/delivery/timeline.h"
+#include "sim/device/faults.h"
+#include "sim/device/journal.h"
+#include "sim/device/module_info.h"
+#include "sim/device/nodes.h"
+#include "sim/device/properties.h"
+#include "sim/device/system_state.h"
+
+namespace sim {
+
+// The members below `lock` are touched with the lock held only; `timeline` and `journal` guard themselves.
+class Device {
+public:
+    explicit Device(std::unique_ptr<FileSystem> files);
+
+    // The device of this process. It is never destroyed: exit() may come from any menu while threads run.
+    static Device& instance();
+
+    Timeline timeline;
+    Journal journal;
+
+    using Lock = std::unique_lock<std::mutex>;
+    Lock lock() { return Lock(mutex_); }
+
+    Properties properties;
+    Nodes nodes;
+    FaultRules faults;
+    SystemState system;
+    ModuleInfo modules;
+
+    Time now() const { return timeline.now(); }
+    // Brings every model up to the present.
+    void advance();
+
+    // Called with the lock held, once: does `work` without it.
+    template <typename Work>
+    void unlocked(Work work) {
+        mutex_.unlock();
+        work();
+        mutex_.lock();
+    }
+    // Called with the lock held, once: lets `length` pass without it. For operations that take time.
+    void take_time(Duration length) {
+        unlocked([&] { timeline.take_time(length); });
+    }
+
+private:
+    void describe();
+
+    std::mutex mutex_;
+};
+
+}  // namespace sim

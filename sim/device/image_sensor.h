@@ -1,0 +1,59 @@
+// One image sensor: gain, region of interest, scan mode and the frames that it took.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "hal/types.h"
+#include "sim/device/properties.h"
+
+namespace sim {
+
+// What a type of sensor can do.
+struct SensorFacts {
+    hal::imx_te type;
+    unsigned int width;  // pixels
+    unsigned int height;
+    unsigned int roi_grid;         // the region of interest begins at multiples of it, in pixels
+    unsigned int max_gain;         // tenths of a decibel; the least is 0
+    unsigned int min_exposure_us;  // both in steps of 1
+    unsigned int max_exposure_us;
+    unsigned int max_fps;  // of the full array; the least is 1
+};
+
+SensorFacts const& imx296_facts();
+SensorFacts const& imx567_facts();
+
+// Setters refuse (-1) what the sensor cannot do and keep the old value.
+class ImageSensor {
+public:
+    explicit ImageSensor(SensorFacts const& facts) : facts_(facts) {}
+
+    SensorFacts const& facts() const { return facts_; }
+
+    int get_variant(unsigned int& variant) const;  // 0 monochrome, 1 colour
+    int get_gain(unsigned int& gain) const;        // tenths of a decibel
+    int set_gain(unsigned int gain);
+    int get_scan_mode(hal::roi_te& mode) const;
+    int set_scan_mode(hal::roi_te mode);
+    // Upper left corner, on the sensor's grid and inside its array.
+    int get_roi_offset(unsigned int& x, unsigned int& y) const;
+    int set_roi_offset(unsigned int x, unsigned int y);
+
+    void take_frame() { ++frames_; }
+    unsigned long frames() const { return frames_; }
+
+    // Under the name `name`; `update` brings the frame counter up to date.
+    void describe(Properties& properties, std::string const& name, std::function<void()> const& update);
+
+private:
+    SensorFacts const& facts_;
+    unsigned int variant_ = 0;
+    unsigned int gain_ = 0;
+    hal::roi_te scan_mode_ = hal::roi_te::normal;
+    unsigned int roi_x_ = 0;
+    unsigned int roi_y_ = 0;
+    unsigned long frames_ = 0;
+};
+
+}  // namespace sim

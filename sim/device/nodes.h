@@ -1,0 +1,82 @@
+// The files by which programs find the device: its nodes, its GPIO value file and its firmware files.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "hal/types.h"
+#include "sim/device/properties.h"
+
+namespace sim {
+
+struct NodeFile {
+    std::string path;
+    std::string content;
+};
+
+// All files of a whole device, with what is in them.
+std::vector<NodeFile> const& device_files();
+
+// The files that a device sees. Whether a node is there, the files alone tell.
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+    virtual bool readable(std::string const& path) const = 0;
+    // These answer an error message; empty: done.
+    virtual Error remove(std::string const& path) = 0;
+    virtual Error write(NodeFile const& file) = 0;
+    // Whether the files belong to the device, so that it may remove and restore them.
+    virtual bool is_own() const = 0;
+};
+
+// The files of this process, all below `root`. They are the device's own where `r47-sim run` made them, which it
+// tells by the file kSandboxMark.
+class HostFileSystem : public FileSystem {
+public:
+    explicit HostFileSystem(std::string root = "") : root_(std::move(root)) {}
+    bool readable(std::string const& path) const override;
+    Error remove(std::string const& path) override;
+    Error write(NodeFile const& file) override;
+    bool is_own() const override;
+
+private:
+    std::string root_;
+};
+
+extern char const* const kSandboxMark;
+
+// Files in memory, at first those of a whole device.
+class MemoryFileSystem : public FileSystem {
+public:
+    MemoryFileSystem();
+    bool readable(std::string const& path) const override;
+    Error remove(std::string const& path) override;
+    Error write(NodeFile const& file) override;
+    bool is_own() const override { return true; }
+
+private:
+    std::vector<std::string> paths_;
+};
+
+class Nodes {
+public:
+    explicit Nodes(std::unique_ptr<FileSystem> files) : files_(std::move(files)) {}
+
+    bool present(std::string const& path) const { return !path.empty() && files_->readable(path); }
+    // The sensor whose node is there; IMX296 when both are.
+    hal::imx_te fitted_sensor() const;
+
+    // Only files of the device, and only where they are its own. Removing what is gone, or restoring what is
+    // there, is an error.
+    Error remove(std::string const& path);
+    Error restore(std::string const& path);
+    // One line a file: path, present or missing.
+    std::string list() const;
+
+private:
+    std::unique_ptr<FileSystem> files_;
+};
+
+}  // namespace sim

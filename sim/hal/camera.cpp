@@ -1,0 +1,142 @@
+// The camera pipeline.
+#include "hal/camera.h"
+
+#include "sim/hal/gate.h"
+
+namespace hal {
+
+using sim::construct;
+using sim::destroy;
+using sim::Device;
+using sim::gate;
+using sim::in;
+using sim::no_model;
+using sim::out;
+using sim::recall;
+
+namespace {
+
+// The node of a sensor; null for a code that is no sensor.
+char const* node_of(imx_te type) {
+    switch (type) {
+        case imx_te::imx296:
+            return "/dev/imx296";
+        case imx_te::imx567:
+            return "/dev/imx567";
+        case imx_te::none:
+            break;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+struct camera_t::impl : sim::Object {
+    impl(imx_te sensor, char const* sensor_device, char const* rtu_device)
+        : Object({sensor_device != nullptr ? sensor_device : node_of(sensor), rtu_device}), type(sensor) {}
+
+    imx_te const type;
+};
+
+camera_t::camera_t(imx_te type, char const* sensor_device, char const* rtu_device, int access)
+    : impl_(new impl(type, sensor_device, rtu_device)) {
+    construct(*impl_, "camera_t::camera_t", in(type, sensor_device, rtu_device, access));
+}
+
+camera_t::~camera_t() {
+    destroy(*impl_, "camera_t::~camera_t");
+    delete impl_;
+}
+
+imx_te camera_t::determine_imxtype() {
+    return gate(nullptr, "camera_t::determine_imxtype", [](Device& d) { return d.nodes.fitted_sensor(); });
+}
+
+imx_te camera_t::get_imxtype() const {
+    return recall(impl_, "camera_t::get_imxtype", [&](Device&) { return impl_->type; });
+}
+
+int camera_t::single_shot() {
+    return gate(impl_, "camera_t::single_shot", [](Device&) { return no_model(); });
+}
+
+int camera_t::set_trigger_mode(trigger_te mode) {
+    return gate(impl_, "camera_t::set_trigger_mode", in(mode), [](Device&) { return no_model(); });
+}
+
+int camera_t::get_trigger_mode(trigger_te& mode) {
+    return gate(impl_, "camera_t::get_trigger_mode", out(mode), [](Device&, auto&) { return no_model(); });
+}
+
+int camera_t::set_aquisition_framerate(unsigned int fps) {
+    return gate(impl_, "camera_t::set_aquisition_framerate", in(fps), [](Device&) { return no_model(); });
+}
+
+int camera_t::get_aquisition_framerate(unsigned int& fps) const {
+    return gate(impl_, "camera_t::get_aquisition_framerate", out(fps), [](Device&, auto&) { return no_model(); });
+}
+
+int camera_t::get_aquisition_framerate_limits(unsigned int& min, unsigned int& max, unsigned int& step) const {
+    return gate(impl_, "camera_t::get_aquisition_framerate_limits", out(min, max, step),
+                [](Device&, auto&, auto&, auto&) { return no_model(); });
+}
+
+int camera_t::start_acquisition() const {
+    return gate(impl_, "camera_t::start_acquisition", [](Device&) { return no_model(); });
+}
+
+int camera_t::stop_acquisition() const {
+    return gate(impl_, "camera_t::stop_acquisition", [](Device&) { return no_model(); });
+}
+
+int camera_t::get_gain(unsigned int& gain) const {
+    return gate(impl_, "camera_t::get_gain", out(gain), [](Device&, auto&) { return no_model(); });
+}
+
+int camera_t::set_gain(unsigned int gain) {
+    return gate(impl_, "camera_t::set_gain", in(gain), [](Device&) { return no_model(); });
+}
+
+int camera_t::get_exposure(unsigned int& exposure_us) const {
+    return gate(impl_, "camera_t::get_exposure", out(exposure_us), [](Device&, auto&) { return no_model(); });
+}
+
+int camera_t::set_exposure(unsigned int exposure_us) {
+    return gate(impl_, "camera_t::set_exposure", in(exposure_us), [](Device&) { return no_model(); });
+}
+
+int camera_t::get_exposure_limits(unsigned int& min, unsigned int& max, unsigned int& step) const {
+    return gate(impl_, "camera_t::get_exposure_limits", out(min, max, step),
+                [](Device&, auto&, auto&, auto&) { return no_model(); });
+}
+
+int camera_t::get_framecount(unsigned long& count) const {
+    return gate(impl_, "camera_t::get_framecount", out(count), [](Device&, auto&) { return no_model(); });
+}
+
+int camera_t::set_roi_xyoffset(unsigned int x, unsigned int y) {
+    return gate(impl_, "camera_t::set_roi_xyoffset", in(x, y), [](Device&) { return no_model(); });
+}
+
+int camera_t::get_roi_xyoffset(unsigned int& x, unsigned int& y) const {
+    return gate(impl_, "camera_t::get_roi_xyoffset", out(x, y), [](Device&, auto&, auto&) { return no_model(); });
+}
+
+int camera_t::set_hscanmode(roi_te mode) {
+    return gate(impl_, "camera_t::set_hscanmode", in(mode), [](Device&) { return no_model(); });
+}
+
+int camera_t::get_hscanmode(roi_te& mode) const {
+    return gate(impl_, "camera_t::get_hscanmode", out(mode), [](Device&, auto&) { return no_model(); });
+}
+
+int camera_t::get_missed_trigger_counter(unsigned long& frame_id, long& missed) {
+    return gate(impl_, "camera_t::get_missed_trigger_counter", out(frame_id, missed),
+                [](Device&, auto&, auto&) { return no_model(); });
+}
+
+int camera_t::reset_missed_trigger_counter() {
+    return gate(impl_, "camera_t::reset_missed_trigger_counter", [](Device&) { return no_model(); });
+}
+
+}  // namespace hal

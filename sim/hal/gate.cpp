@@ -1,0 +1,87 @@
+// The one gate that every operation of the library passes: journal, fault rules, lock, node check, device.
+#include "sim/hal/gate.h"
+
+namespace sim {
+
+namespace {
+
+FaultEffect ask_rules(Device& device, char const* operation) {
+    FaultEffect fault;
+    {
+        auto const lock = device.lock();
+        fault = device.faults.next_call(operation);
+    }
+    if (fault.delay) {
+        device.timeline.take_time(*fault.delay);
+    }
+    return fault;
+}
+
+// "rtu_t::get_exposure" belongs to the class "rtu_t", whose constructor is "rtu_t::rtu_t".
+std::string constructor_of(std::string const& operation) {
+    std::string const name = operation.substr(0, operation.find("::"));
+    return name + "::" + name;
+}
+
+void announce(Object& object, char const* operation) {
+    if (!object.announced) {
+        construct(object, constructor_of(operation).c_str(), object.construction);
+    }
+}
+
+}  // namespace
+
+Call::Call(Object* object, char const* operation)
+    : device_(Device::instance()), object_(object), operation_(operation), caller_errno_(errno) {
+    if (object != nullptr) {
+        announce(*object, operation);
+    }
+    fault_ = ask_rules(device_, operation);
+}
+
+void Call::write(std::string const& text) const {
+    device_.journal.write(device_.now(), object_ != nullptr ? object_->number : 0, operation_ + text);
+}
+
+void Call::finish(bool failed) const {
+    if (!failed) {
+        errno = caller_errno_;
+    } else if (errno == 0) {
+        errno = EINVAL;
+    }
+}
+
+void construct(Object& object, char const* operation, std::string const& arguments) {
+    int const caller_errno = errno;
+    Device& device = Device::instance();
+    object.announced = true;
+    FaultEffect const fault = ask_rules(device, operation);
+    if (fault.status.value_or(0) != 0) {
+        object.open_error = EIO;
+    }
+    if (device.journal.on()) {
+        device.journal.write(device.now(), object.number, std::string(operation) + "(" + arguments + ")");
+    }
+    errno = caller_errno;
+}
+
+void destroy(Object& object, char const* operation) {
+    announce(object, operation);
+    object.dismissed = true;
+    int const caller_errno = errno;
+    Device& device = Device::instance();
+    ask_rules(device, operation);
+    if (device.journal.on()) {
+        device.journal.write(device.now(), object.number, std::string(operation) + "()");
+    }
+    errno = caller_errno;
+}
+
+void journal_callback(int object, char const* holder, std::string const& arguments) {
+    Device& device = Device::instance();
+    if (device.journal.on()) {
+        device.journal.write(device.now(), object, "callback " + std::string(holder) + "(" + arguments + ")");
+    }
+}
+
+}  // namespace sim

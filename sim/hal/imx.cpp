@@ -1,0 +1,81 @@
+// An image sensor alone.
+#include "hal/imx.h"
+
+#include "sim/hal/base_impl.h"
+#include "sim/hal/gate.h"
+
+namespace hal {
+
+using sim::construct;
+using sim::destroy;
+using sim::Device;
+using sim::gate;
+using sim::in;
+using sim::Module;
+using sim::no_model;
+using sim::out;
+
+namespace {
+
+Module module_of(sim::Object const& sensor) {
+    return sensor.paths.front() == "/dev/imx567" ? Module::imx567 : Module::imx296;
+}
+
+}  // namespace
+
+imx_t::imx_t(char const* device, int access) : base_t(device, access) {
+    construct(*impl_, "imx_t::imx_t", in(device, access));
+}
+
+imx_t::~imx_t() {
+    destroy(*impl_, "imx_t::~imx_t");
+}
+
+int imx_t::get_status(unsigned char& status) const {
+    return gate(impl_, "imx_t::get_status", out(status),
+                [&](Device& d, auto& s) { return d.modules.get_status(module_of(*impl_), s); });
+}
+
+int imx_t::get_revision(revision_t& revision) const {
+    return gate(impl_, "imx_t::get_revision", out(revision),
+                [&](Device& d, auto& r) { return d.modules.get_revision(module_of(*impl_), r); });
+}
+
+int imx_t::get_serial_number(unsigned int& serial_number) const {
+    return gate(impl_, "imx_t::get_serial_number", out(serial_number),
+                [&](Device& d, auto& n) { return d.modules.get_serial_number(module_of(*impl_), n); });
+}
+
+int imx_t::get_sensortype(unsigned int& type) const {
+    return gate(impl_, "imx_t::get_sensortype", out(type), [](Device&, auto&) { return no_model(); });
+}
+
+int imx_t::get_gain(unsigned int& gain) const {
+    return gate(impl_, "imx_t::get_gain", out(gain), [](Device&, auto&) { return no_model(); });
+}
+
+int imx_t::set_gain(unsigned int gain) {
+    return gate(impl_, "imx_t::set_gain", in(gain), [](Device&) { return no_model(); });
+}
+
+int imx_t::get_hscanmode(unsigned int& mode) const {
+    return gate(impl_, "imx_t::get_hscanmode", out(mode), [](Device&, auto&) { return no_model(); });
+}
+
+int imx_t::set_hscanmode(unsigned int mode) {
+    return gate(impl_, "imx_t::set_hscanmode", in(mode), [](Device&) { return no_model(); });
+}
+
+int imx_t::get_framecount(unsigned long& count) const {
+    return gate(impl_, "imx_t::get_framecount", out(count), [](Device&, auto&) { return no_model(); });
+}
+
+int imx_t::set_roi_xyoffset(unsigned int x, unsigned int y) {
+    return gate(impl_, "imx_t::set_roi_xyoffset", in(x, y), [](Device&) { return no_model(); });
+}
+
+int imx_t::get_roi_xyoffset(unsigned int& x, unsigned int& y) const {
+    return gate(impl_, "imx_t::get_roi_xyoffset", out(x, y), [](Device&, auto&, auto&) { return no_model(); });
+}
+
+}  // namespace hal

@@ -1,0 +1,112 @@
+// The real-time unit.
+#include "hal/rtu.h"
+
+#include "sim/hal/base_impl.h"
+#include "sim/hal/gate.h"
+
+namespace hal {
+
+using sim::construct;
+using sim::destroy;
+using sim::Device;
+using sim::gate;
+using sim::in;
+using sim::Module;
+using sim::no_model;
+using sim::out;
+
+rtu_t::rtu_t(char const* device, int access) : base_t(device, access) {
+    construct(*impl_, "rtu_t::rtu_t", in(device, access));
+}
+
+rtu_t::~rtu_t() {
+    destroy(*impl_, "rtu_t::~rtu_t");
+}
+
+int rtu_t::get_status(unsigned char& status) const {
+    return gate(impl_, "rtu_t::get_status", out(status),
+                [](Device& d, auto& s) { return d.modules.get_status(Module::rtu, s); });
+}
+
+int rtu_t::get_revision(revision_t& revision) const {
+    return gate(impl_, "rtu_t::get_revision", out(revision),
+                [](Device& d, auto& r) { return d.modules.get_revision(Module::rtu, r); });
+}
+
+int rtu_t::set_imager_type(imx_te type) {
+    return gate(impl_, "rtu_t::set_imager_type", in(type), [](Device&) { return no_model(); });
+}
+
+int rtu_t::get_imager_type(imx_te& type) {
+    return gate(impl_, "rtu_t::get_imager_type", out(type), [](Device&, auto&) { return no_model(); });
+}
+
+int rtu_t::set_trigger_prohibited_time(unsigned int time_us) {
+    return gate(impl_, "rtu_t::set_trigger_prohibited_time", in(time_us), [](Device&) { return no_model(); });
+}
+
+int rtu_t::get_trigger_prohibited_time(unsigned int& time_us) {
+    return gate(impl_, "rtu_t::get_trigger_prohibited_time", out(time_us), [](Device&, auto&) { return no_model(); });
+}
+
+int rtu_t::set_exposure_offset(unsigned int offset_us) {
+    return gate(impl_, "rtu_t::set_exposure_offset", in(offset_us), [](Device&) { return no_model(); });
+}
+
+int rtu_t::get_exposure_offset(unsigned int& offset_us) {
+    return gate(impl_, "rtu_t::get_exposure_offset", out(offset_us), [](Device&, auto&) { return no_model(); });
+}
+
+int rtu_t::set_exposure(unsigned int exposure_us) {
+    return gate(impl_, "rtu_t::set_exposure", in(exposure_us), [](Device&) { return no_model(); });
+}
+
+int rtu_t::get_exposure(unsigned int& exposure_us) const {
+    return gate(impl_, "rtu_t::get_exposure", out(exposure_us), [](Device&, auto&) { return no_model(); });
+}
+
+int rtu_t::single_shot(bool start) {
+    return gate(impl_, "rtu_t::single_shot", in(start), [](Device&) { return no_model(); });
+}
+
+int rtu_t::set_trigger_mode(bool continuous) {
+    return gate(impl_, "rtu_t::set_trigger_mode", in(continuous), [](Device&) { return no_model(); });
+}
+
+int rtu_t::set_aquisition_fps(unsigned int fps) {
+    return gate(impl_, "rtu_t::set_aquisition_fps", in(fps), [](Device&) { return no_model(); });
+}
+
+int rtu_t::dio_available(bool& available) const {
+    return gate(impl_, "rtu_t::dio_available", out(available), [](Device&, auto&) { return no_model(); });
+}
+
+int rtu_t::set_io_pin_config(unsigned char pin, dio_pin_config_t config) {
+    return gate(impl_, "rtu_t::set_io_pin_config", in(pin, config), [](Device&) { return no_model(); });
+}
+
+int rtu_t::get_io_pin_config(unsigned char pin, dio_pin_config_t& config) {
+    return gate(impl_, "rtu_t::get_io_pin_config", in(pin), out(config), [](Device&, auto&) { return no_model(); });
+}
+
+int rtu_t::set_pin_value(unsigned char pin, bool value) {
+    return gate(impl_, "rtu_t::set_pin_value", in(pin, value), [](Device&) { return no_model(); });
+}
+
+int rtu_t::get_pin_value(unsigned char pin, bool& value) const {
+    return gate(impl_, "rtu_t::get_pin_value", in(pin), out(value), [](Device&, auto&) { return no_model(); });
+}
+
+int rtu_t::get_all_pin_values(std::bitset<6>& values) const {
+    return gate(impl_, "rtu_t::get_all_pin_values", out(values), [](Device&, auto&) { return no_model(); });
+}
+
+int rtu_t::set_lightbar_col(color_t color) {
+    return gate(impl_, "rtu_t::set_lightbar_col", in(color), [](Device&) { return no_model(); });
+}
+
+int rtu_t::set_device_status(device_state_te state) {
+    return gate(impl_, "rtu_t::set_device_status", in(state), [&](Device& d) { return d.system.set_state(state); });
+}
+
+}  // namespace hal
