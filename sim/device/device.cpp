@@ -12,7 +12,24 @@ Device& Device::instance() {
     return device;
 }
 
-void Device::advance() {}
+void Device::advance() {
+    advance_imaging();
+}
+
+void Device::advance_imaging() {
+    rtu.advance(now(), sensor(nodes.fitted_sensor()));
+}
+
+ImageSensor* Device::sensor(hal::imx_te type) {
+    switch (type) {
+        case hal::imx_te::imx296:
+            return &imx296;
+        case hal::imx_te::imx567:
+            return &imx567;
+        default:
+            return nullptr;
+    }
+}
 
 void Device::describe() {
     auto const time = [this] { return now(); };
@@ -23,6 +40,9 @@ void Device::describe() {
                    [this] { return nodes.fitted_sensor(); });
     system.describe(properties, time);
     modules.describe(properties);
+    rtu.describe(properties);
+    imx296.describe(properties, "imx296");
+    imx567.describe(properties, "imx567");
 }
 
 }  // namespace sim

@@ -6,10 +6,12 @@
 
 #include "sim/delivery/timeline.h"
 #include "sim/device/faults.h"
+#include "sim/device/image_sensor.h"
 #include "sim/device/journal.h"
 #include "sim/device/module_info.h"
 #include "sim/device/nodes.h"
 #include "sim/device/properties.h"
+#include "sim/device/real_time_unit.h"
 #include "sim/device/system_state.h"
 
 namespace sim {
@@ -33,10 +35,17 @@ public:
     FaultRules faults;
     SystemState system;
     ModuleInfo modules;
+    RealTimeUnit rtu;
+    ImageSensor imx296{imx296_facts()};
+    ImageSensor imx567{imx567_facts()};
 
     Time now() const { return timeline.now(); }
     // Brings every model up to the present.
     void advance();
+    // Brings the real-time unit and the sensors up to the present, the fitted sensor taking the frames.
+    void advance_imaging();
+    // Null for none.
+    ImageSensor* sensor(hal::imx_te type);
 
     // Called with the lock held, once: does `work` without it.
     template <typename Work>

@@ -190,7 +190,7 @@ std::string DigitalIo::terminal(Pin const& pin) const {
     }
 }
 
-void DigitalIo::describe(Properties& properties, std::function<void()> const& update) {
+void DigitalIo::describe(Properties& properties) {
     for (unsigned char number = 0; number < kPins; ++number) {
         Pin& pin = pins_[number];
         std::string const name = "dio." + std::to_string(number);
@@ -201,20 +201,12 @@ void DigitalIo::describe(Properties& properties, std::function<void()> const& up
         properties.add(name + ".contact", "0 normally open, 1 normally closed", [&pin] { return pin.config.config; });
         properties.add(name + ".invert", "whether the pin is inverted", [&pin] { return pin.config.invert; });
         properties.add(name + ".command", "value that was set for the output", [&pin] { return pin.command; });
-        properties.add(name + ".value", "value that is read from the pin", [this, number, update] {
-            update();
-            return values().test(number);
-        });
+        properties.add(name + ".value", "value that is read from the pin",
+                       [this, number] { return values().test(number); });
         properties.add(name + ".terminal", "low, high or open: the wire of an input, the driver of an output",
-                       [this, &pin, update] {
-                           update();
-                           return terminal(pin);
-                       });
+                       [this, &pin] { return terminal(pin); });
     }
-    properties.add("dio.encoder", "position of the quadrature encoder, edges", [this, update] {
-        update();
-        return encoder_position_;
-    });
+    properties.add("dio.encoder", "position of the quadrature encoder, edges", [this] { return encoder_position_; });
 }
 
 }  // namespace sim

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <bitset>
-#include <functional>
 #include <optional>
 
 #include "hal/dio_pin_config.h"
@@ -44,8 +43,7 @@ public:
     // Carries that change out. Returns how many trigger inputs became active.
     unsigned int change();
 
-    // `update` brings the pins up to date.
-    void describe(Properties& properties, std::function<void()> const& update);
+    void describe(Properties& properties);
 
 private:
     struct Pin {

@@ -74,7 +74,12 @@ int ImageSensor::set_roi_offset(unsigned int x, unsigned int y) {
     return 0;
 }
 
-void ImageSensor::describe(Properties& properties, std::string const& name, std::function<void()> const& update) {
+int ImageSensor::get_frames(unsigned long& count) const {
+    count = frames_;
+    return 0;
+}
+
+void ImageSensor::describe(Properties& properties, std::string const& name) {
     properties.add_variable(name + ".colour", "variant: 0 monochrome, 1 colour", variant_, 0U, 1U);
     properties.add(
         name + ".gain", "0.1 dB, 0 to " + std::to_string(facts_.max_gain), [this] { return gain_; },
@@ -82,10 +87,7 @@ void ImageSensor::describe(Properties& properties, std::string const& name, std:
     properties.add(name + ".roi.x", "left edge of the region of interest, pixels", [this] { return roi_x_; });
     properties.add(name + ".roi.y", "upper edge of the region of interest, pixels", [this] { return roi_y_; });
     properties.add(name + ".scan_mode", "0 normal, 1 subsampling, 2 binning", [this] { return scan_mode_; });
-    properties.add(name + ".frames", "frames taken since the start", [this, update] {
-        update();
-        return frames_;
-    });
+    properties.add(name + ".frames", "frames taken since the start", [this] { return frames_; });
 }
 
 }  // namespace sim

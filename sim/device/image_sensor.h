@@ -1,7 +1,6 @@
 // One image sensor: gain, region of interest, scan mode and the frames that it took.
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "hal/types.h"
@@ -41,10 +40,11 @@ public:
     int set_roi_offset(unsigned int x, unsigned int y);
 
     void take_frame() { ++frames_; }
+    int get_frames(unsigned long& count) const;
     unsigned long frames() const { return frames_; }
 
-    // Under the name `name`; `update` brings the frame counter up to date.
-    void describe(Properties& properties, std::string const& name, std::function<void()> const& update);
+    // Under the name `name`.
+    void describe(Properties& properties, std::string const& name);
 
 private:
     SensorFacts const& facts_;

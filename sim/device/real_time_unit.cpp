@@ -9,6 +9,8 @@ namespace {
 
 constexpr std::int64_t kSecond = 1'000'000;  // us
 constexpr unsigned int kFullBrightness = 100;
+constexpr char const* kPower24v = "24v";
+constexpr char const* kPowerPoe = "poe";
 
 // What the unit does without an imager: as fast as its generator, as short and as long as any sensor.
 constexpr SensorFacts kNoImager{hal::imx_te::none, 0, 0, 1, 0, 1, 100'000'000, 1000};
@@ -213,6 +215,11 @@ int RealTimeUnit::reset_missed_triggers() {
     return 0;
 }
 
+int RealTimeUnit::set_acquiring(bool acquiring) {
+    acquiring_ = acquiring;
+    return 0;
+}
+
 int RealTimeUnit::dio_available(bool& available) const {
     available = pins_.powered();
     return 0;
@@ -247,8 +254,12 @@ int RealTimeUnit::set_light_bar(hal::color_t color) {
     return 0;
 }
 
-void RealTimeUnit::set_power(Power power) {
-    pins_.set_powered(power == Power::supply_24v);
+Error RealTimeUnit::set_power(std::string const& source) {
+    if (source != kPower24v && source != kPowerPoe) {
+        return "a power source is 24v or poe";
+    }
+    pins_.set_powered(source == kPower24v);
+    return {};
 }
 
 void RealTimeUnit::drive_pin(unsigned char pin, bool high) {
@@ -266,7 +277,7 @@ void RealTimeUnit::trigger_from_outside(unsigned int count, std::optional<unsign
     }
 }
 
-void RealTimeUnit::describe(Properties& properties, std::function<void()> const& update) {
+void RealTimeUnit::describe(Properties& properties) {
     properties.add("rtu.imager_type", "0 none, 1 IMX296, 2 IMX567", [this] { return imager_type_; });
     properties.add("rtu.prohibited_time", "us after a trigger in which the next one is missed",
                    [this] { return prohibited_time_us_; });
@@ -275,30 +286,22 @@ void RealTimeUnit::describe(Properties& properties, std::function<void()> const&
     properties.add("rtu.exposure.time", "us", [this] { return exposure_us_; });
     properties.add("rtu.trigger.continuous", "whether the unit triggers by itself", [this] { return continuous_; });
     properties.add("rtu.trigger.rate", "of the unit itself, frames per second", [this] { return fps_; });
-    properties.add("rtu.trigger.count", "triggers since the start, from everywhere", [this, update] {
-        update();
-        return triggers_;
-    });
-    properties.add("rtu.trigger.missed", "triggers that were missed since the last reset", [this, update] {
-        update();
-        return missed_;
-    });
-    properties.add("rtu.trigger.missed_frame", "frame that was running when the last one was missed", [this, update] {
-        update();
-        return missed_frame_id_;
-    });
-    properties.add("rtu.power", "24v or poe", [this] { return std::string(pins_.powered() ? "24v" : "poe"); });
+    properties.add("rtu.trigger.count", "triggers since the start, from everywhere", [this] { return triggers_; });
+    properties.add("rtu.trigger.missed", "triggers that were missed since the last reset", [this] { return missed_; });
+    properties.add("rtu.trigger.missed_frame", "frame that was running when the last one was missed",
+                   [this] { return missed_frame_id_; });
+    properties.add(
+        "rtu.power", "what supplies the device: 24v or poe",
+        [this] { return std::string(pins_.powered() ? kPower24v : kPowerPoe); },
+        [this](std::string const& source) { return set_power(source); });
     properties.add("rtu.lightbar.brightness", "of the light bar, percent", [this] { return light_bar_.brightness; });
     properties.add("rtu.lightbar.red", "0-255", [this] { return light_bar_.red; });
     properties.add("rtu.lightbar.green", "0-255", [this] { return light_bar_.green; });
     properties.add("rtu.lightbar.blue", "0-255", [this] { return light_bar_.blue; });
     properties.add("camera.acquiring", "whether the camera takes over the sensor's frames",
                    [this] { return acquiring_; });
-    properties.add("camera.acquired", "frames taken over since the start", [this, update] {
-        update();
-        return acquired_;
-    });
-    pins_.describe(properties, update);
+    properties.add("camera.acquired", "frames taken over since the start", [this] { return acquired_; });
+    pins_.describe(properties);
 }
 
 }  // namespace sim

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <optional>
+#include <string>
 
 #include "hal/types.h"
 #include "sim/device/clock.h"
@@ -21,8 +21,6 @@ namespace sim {
 // Setters refuse (-1) what is out of range and keep the old value.
 class RealTimeUnit {
 public:
-    enum class Power : int { supply_24v = 0, poe = 1 };
-
     // Carries out everything that falls due until `now`; to be called before any other operation. `fitted` is the
     // sensor that is there, or null.
     void advance(Time now, ImageSensor* fitted);
@@ -50,7 +48,7 @@ public:
 
     int get_missed_triggers(unsigned long& frame_id, long& missed) const;
     int reset_missed_triggers();
-    void set_acquiring(bool acquiring) { acquiring_ = acquiring; }
+    int set_acquiring(bool acquiring);
 
     int dio_available(bool& available) const;
     int set_pin_config(unsigned char pin, hal::dio_pin_config_t const& config);
@@ -62,13 +60,13 @@ public:
     int set_light_bar(hal::color_t color);
 
     // What the outside does. `pin` is one of the six.
-    void set_power(Power power);
+    // "24v" or "poe": only the former powers the digital I/O.
+    Error set_power(std::string const& source);
     void drive_pin(unsigned char pin, bool high);
     // Triggers from outside: `count` of them, the first now, `rate` (above 0) in a second; all at once without a rate.
     void trigger_from_outside(unsigned int count, std::optional<unsigned int> rate);
 
-    // `update` brings the unit up to date.
-    void describe(Properties& properties, std::function<void()> const& update);
+    void describe(Properties& properties);
 
 private:
     // Triggers at equal distances.

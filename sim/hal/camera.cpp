@@ -10,7 +10,6 @@ using sim::destroy;
 using sim::Device;
 using sim::gate;
 using sim::in;
-using sim::no_model;
 using sim::out;
 using sim::recall;
 
@@ -27,6 +26,19 @@ char const* node_of(imx_te type) {
             break;
     }
     return nullptr;
+}
+
+// The unit as it is now.
+sim::RealTimeUnit& unit(Device& device) {
+    device.advance_imaging();
+    return device.rtu;
+}
+
+// What a sensor is asked, with the frames that it has taken until now. A camera without one never comes here: it
+// has no node, so its operations are refused before.
+sim::ImageSensor& sensor(Device& device, imx_te type) {
+    device.advance_imaging();
+    return *device.sensor(type);
 }
 
 }  // namespace
@@ -57,86 +69,118 @@ imx_te camera_t::get_imxtype() const {
 }
 
 int camera_t::single_shot() {
-    return gate(impl_, "camera_t::single_shot", [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::single_shot", [&](Device& d) { return unit(d).single_shot(true); });
 }
 
 int camera_t::set_trigger_mode(trigger_te mode) {
-    return gate(impl_, "camera_t::set_trigger_mode", in(mode), [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::set_trigger_mode", in(mode), [&](Device& d) {
+        if (mode != trigger_te::manual && mode != trigger_te::continuous) {
+            return -1;
+        }
+        return unit(d).set_continuous(mode == trigger_te::continuous);
+    });
 }
 
 int camera_t::get_trigger_mode(trigger_te& mode) {
-    return gate(impl_, "camera_t::get_trigger_mode", out(mode), [](Device&, auto&) { return no_model(); });
+    return gate(impl_, "camera_t::get_trigger_mode", out(mode), [&](Device& d, auto& m) {
+        m = unit(d).continuous() ? trigger_te::continuous : trigger_te::manual;
+        return 0;
+    });
 }
 
 int camera_t::set_aquisition_framerate(unsigned int fps) {
-    return gate(impl_, "camera_t::set_aquisition_framerate", in(fps), [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::set_aquisition_framerate", in(fps),
+                [&](Device& d) { return unit(d).set_rate(fps, sensor(d, impl_->type).facts()); });
 }
 
 int camera_t::get_aquisition_framerate(unsigned int& fps) const {
-    return gate(impl_, "camera_t::get_aquisition_framerate", out(fps), [](Device&, auto&) { return no_model(); });
+    return gate(impl_, "camera_t::get_aquisition_framerate", out(fps), [&](Device& d, auto& rate) {
+        rate = unit(d).rate();
+        return 0;
+    });
 }
 
 int camera_t::get_aquisition_framerate_limits(unsigned int& min, unsigned int& max, unsigned int& step) const {
     return gate(impl_, "camera_t::get_aquisition_framerate_limits", out(min, max, step),
-                [](Device&, auto&, auto&, auto&) { return no_model(); });
+                [&](Device& d, auto& least, auto& most, auto& distance) {
+                    least = 1;
+                    most = sensor(d, impl_->type).facts().max_fps;
+                    distance = 1;
+                    return 0;
+                });
 }
 
 int camera_t::start_acquisition() const {
-    return gate(impl_, "camera_t::start_acquisition", [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::start_acquisition", [&](Device& d) { return unit(d).set_acquiring(true); });
 }
 
 int camera_t::stop_acquisition() const {
-    return gate(impl_, "camera_t::stop_acquisition", [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::stop_acquisition", [&](Device& d) { return unit(d).set_acquiring(false); });
 }
 
 int camera_t::get_gain(unsigned int& gain) const {
-    return gate(impl_, "camera_t::get_gain", out(gain), [](Device&, auto&) { return no_model(); });
+    return gate(impl_, "camera_t::get_gain", out(gain),
+                [&](Device& d, auto& g) { return sensor(d, impl_->type).get_gain(g); });
 }
 
 int camera_t::set_gain(unsigned int gain) {
-    return gate(impl_, "camera_t::set_gain", in(gain), [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::set_gain", in(gain),
+                [&](Device& d) { return sensor(d, impl_->type).set_gain(gain); });
 }
 
 int camera_t::get_exposure(unsigned int& exposure_us) const {
-    return gate(impl_, "camera_t::get_exposure", out(exposure_us), [](Device&, auto&) { return no_model(); });
+    return gate(impl_, "camera_t::get_exposure", out(exposure_us),
+                [&](Device& d, auto& us) { return unit(d).get_exposure(us); });
 }
 
 int camera_t::set_exposure(unsigned int exposure_us) {
-    return gate(impl_, "camera_t::set_exposure", in(exposure_us), [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::set_exposure", in(exposure_us),
+                [&](Device& d) { return unit(d).set_exposure(exposure_us, sensor(d, impl_->type).facts()); });
 }
 
 int camera_t::get_exposure_limits(unsigned int& min, unsigned int& max, unsigned int& step) const {
     return gate(impl_, "camera_t::get_exposure_limits", out(min, max, step),
-                [](Device&, auto&, auto&, auto&) { return no_model(); });
+                [&](Device& d, auto& least, auto& most, auto& distance) {
+                    least = sensor(d, impl_->type).facts().min_exposure_us;
+                    most = sensor(d, impl_->type).facts().max_exposure_us;
+                    distance = 1;
+                    return 0;
+                });
 }
 
 int camera_t::get_framecount(unsigned long& count) const {
-    return gate(impl_, "camera_t::get_framecount", out(count), [](Device&, auto&) { return no_model(); });
+    return gate(impl_, "camera_t::get_framecount", out(count),
+                [&](Device& d, auto& c) { return sensor(d, impl_->type).get_frames(c); });
 }
 
 int camera_t::set_roi_xyoffset(unsigned int x, unsigned int y) {
-    return gate(impl_, "camera_t::set_roi_xyoffset", in(x, y), [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::set_roi_xyoffset", in(x, y),
+                [&](Device& d) { return sensor(d, impl_->type).set_roi_offset(x, y); });
 }
 
 int camera_t::get_roi_xyoffset(unsigned int& x, unsigned int& y) const {
-    return gate(impl_, "camera_t::get_roi_xyoffset", out(x, y), [](Device&, auto&, auto&) { return no_model(); });
+    return gate(impl_, "camera_t::get_roi_xyoffset", out(x, y),
+                [&](Device& d, auto& left, auto& upper) { return sensor(d, impl_->type).get_roi_offset(left, upper); });
 }
 
 int camera_t::set_hscanmode(roi_te mode) {
-    return gate(impl_, "camera_t::set_hscanmode", in(mode), [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::set_hscanmode", in(mode),
+                [&](Device& d) { return sensor(d, impl_->type).set_scan_mode(mode); });
 }
 
 int camera_t::get_hscanmode(roi_te& mode) const {
-    return gate(impl_, "camera_t::get_hscanmode", out(mode), [](Device&, auto&) { return no_model(); });
+    return gate(impl_, "camera_t::get_hscanmode", out(mode),
+                [&](Device& d, auto& m) { return sensor(d, impl_->type).get_scan_mode(m); });
 }
 
 int camera_t::get_missed_trigger_counter(unsigned long& frame_id, long& missed) {
     return gate(impl_, "camera_t::get_missed_trigger_counter", out(frame_id, missed),
-                [](Device&, auto&, auto&) { return no_model(); });
+                [&](Device& d, auto& frame, auto& count) { return unit(d).get_missed_triggers(frame, count); });
 }
 
 int camera_t::reset_missed_trigger_counter() {
-    return gate(impl_, "camera_t::reset_missed_trigger_counter", [](Device&) { return no_model(); });
+    return gate(impl_, "camera_t::reset_missed_trigger_counter",
+                [&](Device& d) { return unit(d).reset_missed_triggers(); });
 }
 
 }  // namespace hal

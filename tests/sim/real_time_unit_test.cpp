@@ -146,7 +146,7 @@ TEST_F(RealTimeUnitTest, TriggerInputTakesAFrame) {
     unit_.drive_pin(2, true);
     unit_.drive_pin(2, false);
     EXPECT_EQ(sensor_.frames(), 1U);
-    unit_.set_power(RealTimeUnit::Power::poe);
+    EXPECT_EQ(unit_.set_power("poe"), "");
     run_until(Time(1s));
     unit_.drive_pin(2, true);
     EXPECT_EQ(sensor_.frames(), 1U) << "the pins have no power";
@@ -219,7 +219,7 @@ TEST_F(RealTimeUnitTest, LightBarTakesPercentAndColour) {
     EXPECT_EQ(unit_.set_light_bar({100, 255, 0, 0}), 0);
     EXPECT_EQ(unit_.set_light_bar({101, 0, 0, 0}), -1);
     sim::Properties properties;
-    unit_.describe(properties, [] {});
+    unit_.describe(properties);
     EXPECT_EQ(std::get<long long>(properties.all().at("rtu.lightbar.brightness").get()), 100);
     EXPECT_EQ(std::get<long long>(properties.all().at("rtu.lightbar.red").get()), 255);
 }
@@ -228,21 +228,25 @@ TEST_F(RealTimeUnitTest, PinsHavePowerFromTheSupplyOnly) {
     bool available = false;
     EXPECT_EQ(unit_.dio_available(available), 0);
     EXPECT_TRUE(available);
-    unit_.set_power(RealTimeUnit::Power::poe);
+    EXPECT_EQ(unit_.set_power("poe"), "");
     EXPECT_EQ(unit_.dio_available(available), 0);
     EXPECT_FALSE(available);
+    EXPECT_NE(unit_.set_power("battery"), "");
+    EXPECT_EQ(unit_.set_power("24v"), "");
+    EXPECT_EQ(unit_.dio_available(available), 0);
+    EXPECT_TRUE(available);
 }
 
 TEST_F(RealTimeUnitTest, FramesAreAcquiredOnlyWhileTheCameraTakesThemOver) {
     sim::Properties properties;
-    unit_.describe(properties, [] {});
+    unit_.describe(properties);
     auto const acquired = [&] { return std::get<long long>(properties.all().at("camera.acquired").get()); };
     run_until(Time(0));
     start(10);
     run_until(Time(1s));
-    unit_.set_acquiring(true);
+    ASSERT_EQ(unit_.set_acquiring(true), 0);
     run_until(Time(2s));
-    unit_.set_acquiring(false);
+    ASSERT_EQ(unit_.set_acquiring(false), 0);
     run_until(Time(3s));
     EXPECT_EQ(acquired(), 10);
     EXPECT_EQ(sensor_.frames(), 30U);
