@@ -37,7 +37,7 @@ public:
     int set_exposure(unsigned int exposure_us);
     int get_exposure_limits(unsigned int& min, unsigned int& max, unsigned int& step) const;
 
-    // Frames since the sensor was opened first.
+    // Frames that the sensor has taken since the device started.
     int get_framecount(unsigned long& count) const;
     // Upper left corner of the region of interest, in pixels.
     int set_roi_xyoffset(unsigned int x, unsigned int y);

@@ -34,8 +34,8 @@ sim::RealTimeUnit& unit(Device& device) {
     return device.rtu;
 }
 
-// What a sensor is asked, with the frames that it has taken until now. A camera without one never comes here: it
-// has no node, so its operations are refused before.
+// The sensor with the frames that it has taken until now. A camera without one could not be opened, so it never
+// comes here.
 sim::ImageSensor& sensor(Device& device, imx_te type) {
     device.advance_imaging();
     return *device.sensor(type);
@@ -45,7 +45,11 @@ sim::ImageSensor& sensor(Device& device, imx_te type) {
 
 struct camera_t::impl : sim::Object {
     impl(imx_te sensor, char const* sensor_device, char const* rtu_device)
-        : Object({sensor_device != nullptr ? sensor_device : node_of(sensor), rtu_device}), type(sensor) {}
+        : Object({sensor_device != nullptr ? sensor_device : node_of(sensor), rtu_device}), type(sensor) {
+        if (node_of(sensor) == nullptr) {
+            open_error = ENODEV;  // no sensor, whatever device was given
+        }
+    }
 
     imx_te const type;
 };
