@@ -11,6 +11,10 @@ namespace {
 
 constexpr std::size_t kLongestQueue = 16;  // edges, as many as the kernel keeps of a line
 
+// Where one of these is, the device is an R47.
+constexpr char const* kR47Nodes[] = {"/dev/r47-autofocus-driver", "/dev/r47-illumination-driver",
+                                     "/dev/r47-rtu-driver"};
+
 template <typename HalRecords>
 void copy_records(HalRecords const& from, ButtonEvents::Records& to) {
     for (std::size_t i = 0; i < ButtonEvents::kRecords; ++i) {
@@ -115,6 +119,12 @@ void ButtonDelivery::remove(std::shared_ptr<ButtonFeed> const& feed) {
     feeds_.erase(std::remove(feeds_.begin(), feeds_.end(), feed), feeds_.end());
 }
 
+long ButtonDelivery::line() const {
+    bool const is_r47 = std::any_of(std::begin(kR47Nodes), std::end(kR47Nodes),
+                                    [this](char const* node) { return device_.nodes.present(node); });
+    return is_r47 ? PushButton::kR47Line : PushButton::kOtherLine;
+}
+
 bool ButtonDelivery::press() {
     bool const changed = device_.button.press(device_.now());
     if (changed) {
@@ -141,6 +151,13 @@ bool ButtonDelivery::press_for(Duration length) {
         release();
     });
     return true;
+}
+
+void ButtonDelivery::describe(Properties& properties) {
+    properties.add("button.pressed", "whether the button is pressed", [this] { return device_.button.pressed(); });
+    properties.add("button.held", "how long it has been held, s; 0: not pressed",
+                   [this] { return static_cast<double>(device_.button.held(device_.now()).count()) / 1e6; });
+    properties.add("button.line", "interrupt line that it is wired to", [this] { return line(); });
 }
 
 void ButtonDelivery::tell(bool closes) {

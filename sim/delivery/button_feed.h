@@ -11,6 +11,7 @@
 #include "sim/delivery/subscription.h"
 #include "sim/delivery/timeline.h"
 #include "sim/device/button.h"
+#include "sim/device/properties.h"
 
 namespace sim {
 
@@ -66,11 +67,15 @@ public:
 
     void add(std::shared_ptr<ButtonFeed> feed);
     void remove(std::shared_ptr<ButtonFeed> const& feed);
+    // The interrupt line to which this variant of the device has its button wired.
+    long line() const;
     // Each tells whether it changed anything.
     bool press();
     bool release();
     // Presses it now and releases it after `length`.
     bool press_for(Duration length);
+
+    void describe(Properties& properties);
 
 private:
     void tell(bool closes);

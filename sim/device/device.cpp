@@ -43,6 +43,8 @@ void Device::describe() {
     rtu.describe(properties);
     imx296.describe(properties, "imx296");
     imx567.describe(properties, "imx567");
+    hub.describe(properties, time);
+    presses.describe(properties);
 }
 
 }  // namespace sim

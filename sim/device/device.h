@@ -4,7 +4,10 @@
 #include <memory>
 #include <mutex>
 
+#include "sim/delivery/button_feed.h"
+#include "sim/delivery/sample_feed.h"
 #include "sim/delivery/timeline.h"
+#include "sim/device/button.h"
 #include "sim/device/faults.h"
 #include "sim/device/image_sensor.h"
 #include "sim/device/journal.h"
@@ -12,6 +15,7 @@
 #include "sim/device/nodes.h"
 #include "sim/device/properties.h"
 #include "sim/device/real_time_unit.h"
+#include "sim/device/sensor_hub.h"
 #include "sim/device/system_state.h"
 
 namespace sim {
@@ -20,6 +24,9 @@ namespace sim {
 class Device {
 public:
     explicit Device(std::unique_ptr<FileSystem> files);
+    Device(Device const&) = delete;
+    Device& operator=(Device const&) = delete;
+    ~Device() { timeline.stop(); }
 
     // The device of this process. It is never destroyed: exit() may come from any menu while threads run.
     static Device& instance();
@@ -38,6 +45,10 @@ public:
     RealTimeUnit rtu;
     ImageSensor imx296{imx296_facts()};
     ImageSensor imx567{imx567_facts()};
+    SensorHub hub;
+    PushButton button;
+    SampleDelivery samples{*this};
+    ButtonDelivery presses{*this};
 
     Time now() const { return timeline.now(); }
     // Brings every model up to the present.

@@ -28,7 +28,9 @@ public:
         hal::quaternion_s16_t quaternion;  // where the kind says so
     };
 
-    // Resets the hub and starts it with the bytes of an image file, all sensors off. Where there is none, or they
+    // Leaves the hub in its boot loader, all sensors off.
+    void reset();
+    // Resets the hub and starts it with the bytes of an image file. Where there is none, or they
     // are no image, the hub stays in its boot loader.
     int boot(std::optional<std::string> const& image);
     // As boot, but a running hub stays as it is where the bytes are no image.
@@ -80,7 +82,6 @@ private:
         Time delivery_time() const;
     };
 
-    void reset();
     void advance(Time now);
     std::uint8_t boot_status() const;
     std::string active_sensors() const;
