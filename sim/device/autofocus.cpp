@@ -237,24 +237,8 @@ void Autofocus::set_maintenance_mode(bool enabled) {
     go_to(std::clamp<double>(target_, min, max));
 }
 
-void Autofocus::describe(Properties& properties, std::function<Time()> now) {
-    auto const add = [&](std::string const& name, char const* help, auto get) {
-        properties.add("autofocus." + name, help, [this, now, get] {
-            advance(now());
-            return get();
-        });
-    };
-    // What is set by hand takes effect from now on, not from the last look on.
-    auto const add_part = [&](std::string const& name, char const* help, bool& variable) {
-        properties.add(
-            "autofocus." + name, help, [&variable] { return variable; },
-            [this, now, &variable](bool value) -> Error {
-                advance(now());
-                variable = value;
-                return {};
-            });
-    };
-    add_part("present", "whether the module is fitted", module.present);
+void Autofocus::describe(Properties& properties) {
+    properties.add_variable("autofocus.present", "whether the module is fitted", module.present);
     properties.add(
         "autofocus.device_type", "R47XXXX1, R47XXXX2 or R47XXXX3: whose table holds",
         [this] { return module.device_type; },
@@ -265,27 +249,35 @@ void Autofocus::describe(Properties& properties, std::function<Time()> now) {
             module.device_type = name;
             return {};
         });
-    add_part("link", "whether the module can be talked to", module.link_up);
-    add_part("motor.free", "whether the motor can move; otherwise it is stuck", module.motor_free);
-    add_part("mirror.fitted", "whether there is a mirror", module.mirror_fitted);
-    add_part("mirror.healthy", "whether the mirror swings", module.mirror_healthy);
-    add_part("table.filled", "whether there is a calibration table", module.table_filled);
-    add("position", "steps", [this] { return position_; });
-    add("target", "steps, where the motor goes", [this] { return target_; });
-    add("moving", "whether the motor is on its way", [this] { return moving(); });
-    add("calibrating", "whether the calibration runs", [this] { return calibrating(); });
-    add("frequency", "Hz, that the calibration found; 0: none", [this] { return frequency_hz_.value_or(0); });
-    add("doe.mode", "0 disabled, 1 enabled and off by the trigger", [this] { return doe_mode_; });
-    add("doe.forced", "active whatever its mode", [this] { return doe_forced_; });
-    add("maintenance", "the limits are the mechanical stops", [this] { return maintenance_; });
-    add("error.no_valid_frequency", "no calibration has found one", [this] { return errors().no_valid_frequency; });
-    add("error.initialization", "the reset did not reach its end", [this] { return errors().initialization_error; });
-    add("error.motor_stuck", "no motion for 500 ms", [this] { return errors().motor_stuck; });
-    add("error.target_unreachable", "the last position was refused", [this] { return errors().target_unreachable; });
-    add("error.mirror_failure", "the calibration found the mirror bad", [this] { return errors().mirror_failure; });
-    add("error.no_mirror", "there is no mirror", [this] { return errors().no_mirror; });
-    add("error.communication", "the module could not be talked to", [this] { return errors().communication_error; });
-    add("error.empty_table", "there is no calibration table", [this] { return errors().empty_calibration_table; });
+    properties.add_variable("autofocus.link", "whether the module can be talked to", module.link_up);
+    properties.add_variable("autofocus.motor.free", "whether the motor can move; otherwise it is stuck",
+                            module.motor_free);
+    properties.add_variable("autofocus.mirror.fitted", "whether there is a mirror", module.mirror_fitted);
+    properties.add_variable("autofocus.mirror.healthy", "whether the mirror swings", module.mirror_healthy);
+    properties.add_variable("autofocus.table.filled", "whether there is a calibration table", module.table_filled);
+    properties.add("autofocus.position", "steps", [this] { return position_; });
+    properties.add("autofocus.target", "steps, where the motor goes", [this] { return target_; });
+    properties.add("autofocus.moving", "whether the motor is on its way", [this] { return moving(); });
+    properties.add("autofocus.calibrating", "whether the calibration runs", [this] { return calibrating(); });
+    properties.add("autofocus.frequency", "Hz, that the calibration found; 0: none",
+                   [this] { return frequency_hz_.value_or(0); });
+    properties.add("autofocus.doe.mode", "0 disabled, 1 enabled and off by the trigger", [this] { return doe_mode_; });
+    properties.add("autofocus.doe.forced", "active whatever its mode", [this] { return doe_forced_; });
+    properties.add("autofocus.maintenance", "the limits are the mechanical stops", [this] { return maintenance_; });
+    properties.add("autofocus.error.no_valid_frequency", "no calibration has found one",
+                   [this] { return errors().no_valid_frequency; });
+    properties.add("autofocus.error.initialization", "the reset did not reach its end",
+                   [this] { return errors().initialization_error; });
+    properties.add("autofocus.error.motor_stuck", "no motion for 500 ms", [this] { return errors().motor_stuck; });
+    properties.add("autofocus.error.target_unreachable", "the last position was refused",
+                   [this] { return errors().target_unreachable; });
+    properties.add("autofocus.error.mirror_failure", "the calibration found the mirror bad",
+                   [this] { return errors().mirror_failure; });
+    properties.add("autofocus.error.no_mirror", "there is no mirror", [this] { return errors().no_mirror; });
+    properties.add("autofocus.error.communication", "the module could not be talked to",
+                   [this] { return errors().communication_error; });
+    properties.add("autofocus.error.empty_table", "there is no calibration table",
+                   [this] { return errors().empty_calibration_table; });
 }
 
 }  // namespace sim

@@ -1,7 +1,6 @@
 // The autofocus module: a lens on a motor, a mirror whose resonance the calibration finds, and a DOE.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -68,8 +67,7 @@ public:
     bool moving() const { return target_ != position_; }
     bool calibrating() const { return calibrated_at_.has_value(); }
 
-    // `now` answers the device's time.
-    void describe(Properties& properties, std::function<Time()> now);
+    void describe(Properties& properties);
 
 private:
     void move(Duration length);

@@ -14,10 +14,15 @@ Device& Device::instance() {
 
 void Device::advance() {
     advance_imaging();
+    autofocus.advance(now());
 }
 
 void Device::advance_imaging() {
-    rtu.advance(now(), sensor(nodes.fitted_sensor()));
+    Time const present = now();
+    rtu.advance(present, sensor(nodes.fitted_sensor()));
+    ExposureSignal signal{rtu.continuous() ? rtu.rate() : 0.0, 0};
+    rtu.get_exposure(signal.time_us);
+    illumination.advance(present, signal);
 }
 
 ImageSensor* Device::sensor(hal::imx_te type) {
@@ -43,6 +48,9 @@ void Device::describe() {
     rtu.describe(properties);
     imx296.describe(properties, "imx296");
     imx567.describe(properties, "imx567");
+    illumination.describe(properties);
+    autofocus.describe(properties);
+    ranging.describe(properties);
     hub.describe(properties, time);
     presses.describe(properties);
 }

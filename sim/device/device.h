@@ -7,13 +7,16 @@
 #include "sim/delivery/button_feed.h"
 #include "sim/delivery/sample_feed.h"
 #include "sim/delivery/timeline.h"
+#include "sim/device/autofocus.h"
 #include "sim/device/button.h"
 #include "sim/device/faults.h"
+#include "sim/device/illumination.h"
 #include "sim/device/image_sensor.h"
 #include "sim/device/journal.h"
 #include "sim/device/module_info.h"
 #include "sim/device/nodes.h"
 #include "sim/device/properties.h"
+#include "sim/device/ranging.h"
 #include "sim/device/real_time_unit.h"
 #include "sim/device/sensor_hub.h"
 #include "sim/device/system_state.h"
@@ -45,6 +48,9 @@ public:
     RealTimeUnit rtu;
     ImageSensor imx296{imx296_facts()};
     ImageSensor imx567{imx567_facts()};
+    Illumination illumination;
+    Autofocus autofocus;
+    Ranging ranging;
     SensorHub hub;
     PushButton button;
     SampleDelivery samples{*this};
@@ -53,7 +59,8 @@ public:
     Time now() const { return timeline.now(); }
     // Brings every model up to the present.
     void advance();
-    // Brings the real-time unit and the sensors up to the present, the fitted sensor taking the frames.
+    // Brings the real-time unit and all that follows its triggers up to the present: the sensors, of which the fitted
+    // one takes the frames, and the illumination.
     void advance_imaging();
     // Null for none.
     ImageSensor* sensor(hal::imx_te type);

@@ -79,7 +79,8 @@ unsigned int gravest(hal::spot_flags const& flags) {
 
 }  // namespace
 
-void Illumination::advance(Time now) {
+void Illumination::advance(Time now, ExposureSignal const& signal) {
+    signal_ = signal;
     if (now <= now_) {
         return;
     }
@@ -88,7 +89,7 @@ void Illumination::advance(Time now) {
     watch_temperature();
     while (rest > 0.0) {
         double const mark = too_hot_ ? off_limit_ - static_cast<double>(decrease_) : off_limit_;
-        double const goal = surroundings.temperature + load() * kFullLoadRise;
+        double const goal = ambient_temperature + load() * kFullLoadRise;
         double const change = time_to_reach(mark, inside_, goal, kInnerTimeConstant);
         pass(std::min(rest, change));
         if (change < rest) {
@@ -102,8 +103,8 @@ void Illumination::advance(Time now) {
 
 void Illumination::pass(double seconds) {
     double const heat = load();
-    inside_ = approach(inside_, surroundings.temperature + heat * kFullLoadRise, seconds, kInnerTimeConstant);
-    outside_ = approach(outside_, surroundings.temperature + heat * kFullLoadOuterRise, seconds, kOuterTimeConstant);
+    inside_ = approach(inside_, ambient_temperature + heat * kFullLoadRise, seconds, kInnerTimeConstant);
+    outside_ = approach(outside_, ambient_temperature + heat * kFullLoadOuterRise, seconds, kOuterTimeConstant);
 }
 
 void Illumination::watch_temperature() {
@@ -117,6 +118,10 @@ void Illumination::watch_temperature() {
 void Illumination::set_internal_temperature(double temperature) {
     inside_ = temperature;
     watch_temperature();
+}
+
+int Illumination::answer() const {
+    return module.present ? 0 : refuse(ENODEV);
 }
 
 int Illumination::set_pattern(hal::light_pattern_te pattern) {
@@ -214,8 +219,8 @@ double Illumination::duty() const {
     if (pattern_ == hal::light_pattern_te::continuous && exposure_mode_ == hal::exposure_mode::continuous) {
         return 1.0;
     }
-    double const length = flashing() ? flash_time_ : surroundings.exposure_time;
-    return std::min(1.0, surroundings.trigger_rate * length / 1e6);
+    double const length = flashing() ? flash_time_ : signal_.time_us;
+    return std::min(1.0, signal_.rate * length / 1e6);
 }
 
 unsigned int Illumination::overdrive() const {
@@ -267,7 +272,7 @@ hal::spot_flags Illumination::flags() const {
     flags.bc = disturbances.bc;
     flags.over_temperature = too_hot_;
     // The next trigger comes before the flash has ended.
-    flags.trigger_overflow = flashing() && lit() && surroundings.trigger_rate * flash_time_ > 1e6;
+    flags.trigger_overflow = flashing() && lit() && signal_.rate * flash_time_ > 1e6;
     flags.general_error = gravest(flags) != 0;
     return flags;
 }
@@ -276,86 +281,64 @@ hal::illu_error_code Illumination::error_code() const {
     return static_cast<hal::illu_error_code>(gravest(flags()));
 }
 
-void Illumination::describe(Properties& properties, std::function<Time()> now) {
-    auto const add = [&](std::string const& name, char const* help, auto get) {
-        properties.add("illumination." + name, help, [this, now, get] {
-            advance(now());
-            return get();
-        });
-    };
-    // What is set by hand takes effect from now on, not from the last look on.
-    auto const add_input = [&](std::string const& name, char const* help, auto& variable, auto min, auto max) {
-        using T = std::decay_t<decltype(variable)>;
-        properties.add(
-            "illumination." + name, help, [&variable] { return variable; },
-            [this, now, &variable, min, max](T value) -> Error {
-                if (value < min || value > max) {
-                    return "out of range";
-                }
-                advance(now());
-                variable = value;
-                return {};
-            });
-    };
-    auto const add_temperature = [&](std::string const& name, char const* help, double const& variable,
+void Illumination::describe(Properties& properties) {
+    auto const add_temperature = [&](char const* name, char const* help, double const& variable,
                                      void (Illumination::*set)(double)) {
         properties.add(
-            "illumination.temperature." + name, help,
-            [this, now, &variable] {
-                advance(now());
-                return variable;
-            },
-            [this, now, set](double temperature) -> Error {
+            name, help, [&variable] { return variable; },
+            [this, set](double temperature) -> Error {
                 if (temperature < kColdest || temperature > kHottest) {
                     return "out of range";
                 }
-                advance(now());
                 (this->*set)(temperature);
                 return {};
             });
     };
-
-    add_input("present", "whether the module is fitted", module.present, false, true);
-    add_input("rgbw", "whether it has colours; otherwise it is white", module.rgbw, false, true);
-    add_temperature("internal", "C, inside; set: goes on from there", inside_, &Illumination::set_internal_temperature);
-    add_temperature("external", "C, outside; set: goes on from there", outside_,
+    properties.add_variable("illumination.present", "whether the module is fitted", module.present);
+    properties.add_variable("illumination.rgbw", "whether it has colours; otherwise it is white", module.rgbw);
+    add_temperature("illumination.temperature.internal", "C, inside, -40 to 125; set: goes on from there", inside_,
+                    &Illumination::set_internal_temperature);
+    add_temperature("illumination.temperature.external", "C, outside, -40 to 125; set: goes on from there", outside_,
                     &Illumination::set_external_temperature);
-    add_input("temperature.ambient", "C, of the surroundings", surroundings.temperature, kColdest, kHottest);
-    add_input("trigger.rate", "Hz, of the exposure signal, 0-10000", surroundings.trigger_rate, 0.0, 10000.0);
-    add_input("trigger.exposure", "us, length of the exposure signal", surroundings.exposure_time, 0U, 1000000U);
-    add_input("flags.low_power", "set by hand", disturbances.low_power, false, true);
-    add_input("flags.driver_error", "set by hand", disturbances.driver_error, false, true);
-    add_input("flags.calibration_error", "set by hand", disturbances.calibration_error, false, true);
-    add_input("flags.dvsc", "set by hand", disturbances.dvsc, false, true);
-    add_input("flags.bc", "set by hand", disturbances.bc, false, true);
-    add("flags.trigger_overflow", "the flash is longer than the triggers are apart",
-        [this] { return flags().trigger_overflow; });
-    add("flags.over_temperature", "from the off limit until it has cooled by the decrease",
-        [this] { return too_hot_; });
-    add("error_code", "number of the gravest flag; 0: none", [this] { return error_code(); });
-    add("lit", "whether it gives light", [this] { return lit(); });
-    add("load", "heat that it makes, as a share of full light: 0-1", [this] { return load(); });
-    add("pattern", "0 continuous, 65535 strobe", [this] { return pattern_; });
-    add("mode", "0 inactive, 1 active", [this] { return mode_; });
-    add("exposure.mode", "0 continuous, 65534 flash, 65535 switch", [this] { return exposure_mode_; });
-    add("exposure.time", "us, of the flash", [this] { return flash_time_; });
-    add("segments", "mask, one bit per segment", [this] { return segments_; });
-    add("brightness.total", "0-14", [this] { return brightness_; });
-    add("brightness.red", "percent", [this] { return colours_[red]; });
-    add("brightness.green", "percent", [this] { return colours_[green]; });
-    add("brightness.blue", "percent", [this] { return colours_[blue]; });
-    add("write_protection", "limits and guards are refused while it is on", [this] { return write_protected_; });
-    add("limit.dc", "highest brightness of steady light", [this] { return dc_limit_; });
-    add("limit.flash", "highest brightness of a flash", [this] { return flash_limit_; });
-    add("limit.ot_off", "C, at which the guard switches the light off", [this] { return off_limit_; });
-    add("limit.ot_decrease", "K below that limit, at which the light comes back", [this] { return decrease_; });
-    add("guards.ot", "over-temperature guard", [this] { return guards_.over_temperature; });
-    add("guards.dvs", "kept, without effect", [this] { return guards_.dvs; });
-    add("guards.autocal", "kept, without effect", [this] { return guards_.autocal; });
-    add("guards.pvd", "kept, without effect", [this] { return guards_.pvd; });
-    add("led.red", "indicator LED", [this] { return leds_[red_led]; });
-    add("led.green", "indicator LED", [this] { return leds_[green_led]; });
-    add("led.alter", "indicator LED", [this] { return leds_[alter_led]; });
+    properties.add_variable("illumination.temperature.ambient", "C, of the surroundings, -40 to 125",
+                            ambient_temperature, kColdest, kHottest);
+    properties.add_variable("illumination.flags.low_power", "set by hand", disturbances.low_power);
+    properties.add_variable("illumination.flags.driver_error", "set by hand", disturbances.driver_error);
+    properties.add_variable("illumination.flags.calibration_error", "set by hand", disturbances.calibration_error);
+    properties.add_variable("illumination.flags.dvsc", "set by hand", disturbances.dvsc);
+    properties.add_variable("illumination.flags.bc", "set by hand", disturbances.bc);
+    properties.add("illumination.flags.trigger_overflow", "the flash is longer than the triggers are apart",
+                   [this] { return flags().trigger_overflow; });
+    properties.add("illumination.flags.over_temperature", "from the off limit until it has cooled by the decrease",
+                   [this] { return too_hot_; });
+    properties.add("illumination.error_code", "number of the gravest flag; 0: none", [this] { return error_code(); });
+    properties.add("illumination.lit", "whether it gives light", [this] { return lit(); });
+    properties.add("illumination.load", "heat that it makes, as a share of full light: 0-1", [this] { return load(); });
+    properties.add("illumination.pattern", "0 continuous, 65535 strobe", [this] { return pattern_; });
+    properties.add("illumination.mode", "0 inactive, 1 active", [this] { return mode_; });
+    properties.add("illumination.exposure.mode", "0 continuous, 65534 flash, 65535 switch",
+                   [this] { return exposure_mode_; });
+    properties.add("illumination.exposure.time", "us, of the flash", [this] { return flash_time_; });
+    properties.add("illumination.segments", "mask, one bit per segment", [this] { return segments_; });
+    properties.add("illumination.brightness.total", "0-14", [this] { return brightness_; });
+    properties.add("illumination.brightness.red", "percent", [this] { return colours_[red]; });
+    properties.add("illumination.brightness.green", "percent", [this] { return colours_[green]; });
+    properties.add("illumination.brightness.blue", "percent", [this] { return colours_[blue]; });
+    properties.add("illumination.write_protection", "limits and guards are refused while it is on",
+                   [this] { return write_protected_; });
+    properties.add("illumination.limit.dc", "highest brightness of steady light", [this] { return dc_limit_; });
+    properties.add("illumination.limit.flash", "highest brightness of a flash", [this] { return flash_limit_; });
+    properties.add("illumination.limit.ot_off", "C, at which the guard switches the light off",
+                   [this] { return off_limit_; });
+    properties.add("illumination.limit.ot_decrease", "K below that limit, at which the light comes back",
+                   [this] { return decrease_; });
+    properties.add("illumination.guards.ot", "over-temperature guard", [this] { return guards_.over_temperature; });
+    properties.add("illumination.guards.dvs", "kept, without effect", [this] { return guards_.dvs; });
+    properties.add("illumination.guards.autocal", "kept, without effect", [this] { return guards_.autocal; });
+    properties.add("illumination.guards.pvd", "kept, without effect", [this] { return guards_.pvd; });
+    properties.add("illumination.led.red", "indicator LED", [this] { return leds_[red_led]; });
+    properties.add("illumination.led.green", "indicator LED", [this] { return leds_[green_led]; });
+    properties.add("illumination.led.alter", "indicator LED", [this] { return leds_[alter_led]; });
 }
 
 }  // namespace sim

@@ -1,9 +1,6 @@
 // The illumination module: what it is told to shine, what it really shines, and how warm it gets from that.
 #pragma once
 
-#include <functional>
-#include <string>
-
 #include "hal/illumination.h"
 #include "sim/device/clock.h"
 #include "sim/device/properties.h"
@@ -17,7 +14,13 @@ struct Limits {
     unsigned int step;
 };
 
-// Time passes in advance() alone: call it before every other operation.
+// The exposure signal of the real-time unit.
+struct ExposureSignal {
+    double rate;           // Hz; 0: none comes
+    unsigned int time_us;  // of one exposure
+};
+
+// Time passes in advance() alone: call it before every other operation, and before the exposure signal changes.
 // Operations that return an int answer 0, or -1 and errno where they refuse; a refused value leaves the old one.
 // Units: brightness 0-14, colours in percent, temperatures in degrees Celsius.
 class Illumination {
@@ -39,12 +42,6 @@ public:
         bool present = true;
         bool rgbw = true;  // otherwise white alone: it has no colours
     };
-    // What happens to the module from outside; set by hand.
-    struct Surroundings {
-        double temperature = 25.0;
-        double trigger_rate = 0.0;          // Hz, of the exposure signal that it is coupled to
-        unsigned int exposure_time = 1000;  // us, the length of that signal
-    };
     // Flags that nothing in this model raises; set by hand.
     struct Disturbances {
         bool low_power = false;
@@ -55,10 +52,14 @@ public:
     };
 
     Module module;
-    Surroundings surroundings;
+    double ambient_temperature = 25.0;
     Disturbances disturbances;
 
-    void advance(Time now);
+    // `signal` is what came since the last call.
+    void advance(Time now, ExposureSignal const& signal);
+
+    // Whether the module is there at all: ENODEV. The operations below take that as given.
+    int answer() const;
 
     int set_pattern(hal::light_pattern_te pattern);
     hal::light_pattern_te pattern() const { return pattern_; }
@@ -109,8 +110,7 @@ public:
     void set_internal_temperature(double temperature);
     void set_external_temperature(double temperature) { outside_ = temperature; }
 
-    // `now` answers the device's time.
-    void describe(Properties& properties, std::function<Time()> now);
+    void describe(Properties& properties);
 
 private:
     bool flashing() const;
@@ -120,6 +120,7 @@ private:
     void watch_temperature();
 
     Time now_{0};
+    ExposureSignal signal_{0.0, 0};
     hal::light_pattern_te pattern_ = hal::light_pattern_te::continuous;
     hal::illumination_mode_te mode_ = hal::illumination_mode_te::active;
     hal::exposure_mode exposure_mode_ = hal::exposure_mode::continuous;

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cmath>
 #include <string>
-#include <utility>
 
 namespace sim {
 

@@ -82,7 +82,7 @@ private:
     Scene scene_;
     bool emitter_healthy_ = true;
     double noise_ = 1.0;      // times the usual
-    double crosstalk_ = 0.0;  // percent by which the cover pulls a target at 4 m nearer
+    double crosstalk_ = 2.0;  // percent by which the cover pulls a target at 4 m nearer
     double ambient_ = 10.0;   // kcps/SPAD
     double temperature_ = 30.0;
     std::uint32_t seed_ = 1;
