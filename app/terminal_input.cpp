@@ -143,12 +143,19 @@ Terminal& terminal() {
     return *instance;
 }
 
+// What was printed appears before anything is read. An output that is full or closed loses what it cannot take,
+// and is tried again the next time.
+void flush_output() {
+    std::cout << std::flush;
+    std::cout.clear();
+}
+
 // One read of a menu.
 class Reading {
 public:
     Reading() : lock_(terminal().mutex) {
         terminal().taken = true;
-        std::cout << std::flush;
+        flush_output();
     }
 
     Terminal* operator->() { return &terminal(); }
@@ -250,7 +257,7 @@ void read_word(std::string& word) {
 }
 
 bool read_local_option(char& option) {
-    std::cout << std::flush;
+    flush_output();
     Terminal& input = terminal();
     while (true) {
         {

@@ -1,7 +1,8 @@
 // Transcripts of socket mode: a real TCP client at one end, an operator at the other.
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <csignal>
+#include <memory>
 #include <random>
 
 #include "tests/support/console_session.h"
@@ -195,6 +196,160 @@ TEST_F(SocketConsoleTest, EndOfTheTerminalsInputServesTheClientToItsEnd) {
 TEST_F(SocketConsoleTest, EndOfTheTerminalsInputEndsWithTheClient) {
     session.end_input();
     client.close();
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
+// The states of the mode in which a client is served.
+struct ClientState {
+    char const* name;
+    char const* lines;   // that bring the client there
+    char const* prompt;  // that shows it has arrived
+};
+
+constexpr ClientState kClientStates[] = {
+    {"MainMenu", "s\n", "x. Exit (also 0)"},
+    {"ClientDrivenMenu", "k\n", "  x: Exit               Exit\n"},
+    {"TerminalMenu", "b\n", "x: Return to main               \n"},
+};
+
+// The console in socket mode, with its client in one of these states.
+class ClientStateTest : public testing::TestWithParam<ClientState> {
+protected:
+    void start(support::SessionOptions options = socket_word()) {
+        session = std::make_unique<ConsoleSession>(options);
+        client = std::make_unique<StationClient>();
+        session->wait_for("x. Exit (also 0)");
+        client->send(GetParam().lines);
+        session->wait_for(GetParam().prompt);
+        session->wait_for("Please enter your option: ");
+    }
+
+    bool in_terminal_menu() const { return std::string(GetParam().name) == "TerminalMenu"; }
+
+    void expect_operator_ends_it() {
+        session->type("x\n");
+        EXPECT_EQ(session->wait_for_exit(), 0);
+    }
+
+    std::unique_ptr<ConsoleSession> session;
+    std::unique_ptr<StationClient> client;
+};
+
+INSTANTIATE_TEST_SUITE_P(EveryState, ClientStateTest, testing::ValuesIn(kClientStates),
+                         [](auto const& state) { return std::string(state.param.name); });
+
+TEST_P(ClientStateTest, OperatorEndsTheMode) {
+    start();
+    if (in_terminal_menu()) {
+        session->type("x\n");
+        session->wait_for("Your Option = x\n");
+        session->wait_for("x. Exit (also 0)");
+    }
+    expect_operator_ends_it();
+}
+
+TEST_P(ClientStateTest, OrderlyEndOfTheClientEndsItsMenus) {
+    start();
+    client->close();
+    session->wait_for("Entered Option = x\n");
+    expect_operator_ends_it();
+}
+
+TEST_P(ClientStateTest, ResetByTheClientEndsItsMenus) {
+    start();
+    client->reset();
+    session->wait_for("Entered Option = x\n");
+    expect_operator_ends_it();
+}
+
+TEST_P(ClientStateTest, HalfOpenClientDoesNotKeepTheOperator) {
+    start();
+    support::cut_network();
+    client->close();
+    if (in_terminal_menu()) {
+        session->type("x\n");
+        session->wait_for("Your Option = x\n");
+        session->wait_for("x. Exit (also 0)");
+    }
+    expect_operator_ends_it();
+}
+
+TEST_P(ClientStateTest, EndOfTheTerminalsInputEndsWithTheClient) {
+    start();
+    session->end_input();
+    if (in_terminal_menu()) {
+        session->wait_for("Your Option = x\n");  // that menu has no more input
+    }
+    EXPECT_FALSE(session->has_exited());
+    client->close();
+    EXPECT_EQ(session->wait_for_exit(), 0);
+}
+
+TEST_P(ClientStateTest, SignalsEndTheConsole) {
+    for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
+        start();
+        ::kill(session->console_pid(), number);
+        EXPECT_EQ(session->wait_for_exit(), 128 + number);
+        client->reset();  // nothing of the port is held for the next one
+    }
+}
+
+TEST_P(ClientStateTest, ControlDCostsOneRedisplay) {
+    support::SessionOptions options = socket_word();
+    options.terminal = true;
+    session = std::make_unique<ConsoleSession>(options);
+    client = std::make_unique<StationClient>();
+    session->wait_for("x. Exit (also 0)");
+    client->send(GetParam().lines);
+    session->wait_for(std::string(GetParam().prompt).substr(0, 10));
+    session->wait_for("Please enter your option: ");
+    session->type("\x04");
+    session->wait_for(std::string("Your Option = ") + '\0');
+    session->wait_for("Please enter your option: ");
+    session->type(in_terminal_menu() ? "x\n" : "");
+    session->type("x\n");
+    EXPECT_EQ(session->wait_for_exit(), 0);
+}
+
+TEST_P(ClientStateTest, ClosedOutputDoesNotKeepTheClientFromBeingServed) {
+    start();
+    session->close_output();
+    bool const in_client_driven_menu = std::string(GetParam().name) == "ClientDrivenMenu";
+    session->type(in_terminal_menu() ? "x\n" : "");
+    client->send(in_client_driven_menu ? "x\nA\n" : "A\n");
+    EXPECT_EQ(client->receive_reply(), "0;\\n");
+    expect_operator_ends_it();
+}
+
+TEST_P(ClientStateTest, FullOutputDoesNotKeepTheClientFromBeingServed) {
+    support::SessionOptions options = support::in_shell("exec \"$@\" >/dev/full");
+    options.arguments = {"socket"};
+    session = std::make_unique<ConsoleSession>(options);
+    client = std::make_unique<StationClient>();
+    client->send("A\n");
+    EXPECT_EQ(client->receive_reply(), "0;\\n");
+    client->send(GetParam().lines);
+    client->close();
+    session->end_input();
+    EXPECT_EQ(session->wait_for_exit(), 0);
+}
+
+TEST(ListeningTest, SignalsEndTheConsole) {
+    for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
+        ConsoleSession session(socket_word());
+        session.wait_for("int test_socket()\n");
+        ::kill(session.console_pid(), number);
+        EXPECT_EQ(session.wait_for_exit(), 128 + number);
+    }
+}
+
+TEST(ListeningTest, EndOfTheTerminalsInputWaitsForTheClient) {
+    ConsoleSession session(socket_word());
+    session.end_input();
+    session.wait_for("int test_socket()\n");
+    StationClient client;
+    client.send("A\nx\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
     EXPECT_EQ(session.wait_for_exit(), 0);
 }
 

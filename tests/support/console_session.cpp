@@ -3,11 +3,13 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <net/if.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -452,6 +454,17 @@ void StationClient::reset() {
     linger const at_once{1, 0};
     ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
     close();
+}
+
+void cut_network() {
+    int const any_socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    ifreq request{};
+    std::strcpy(request.ifr_name, "lo");
+    bool const down = ::ioctl(any_socket, SIOCSIFFLAGS, &request) == 0;  // no flags: down
+    ::close(any_socket);
+    if (!down) {
+        fail_with_errno("taking the loopback interface down");
+    }
 }
 
 }  // namespace support

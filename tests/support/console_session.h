@@ -124,4 +124,7 @@ private:
     int socket_ = -1;
 };
 
+// From now on no packet reaches anybody, in the network of this test.
+void cut_network();
+
 }  // namespace support
