@@ -1,0 +1,131 @@
+// The control grammar: one-line commands, each a verb and its words.
+#include "sim/control/command.h"
+
+#include <algorithm>
+
+#include "sim/control/verbs.h"
+#include "sim/hal/text.h"
+
+namespace sim {
+
+namespace {
+
+bool is_blank(char c) {
+    return c == ' ' || c == '\t' || c == '\r';
+}
+
+// Takes one word from `line` at `at`; false when a quote is not closed.
+bool take_word(std::string_view line, std::size_t& at, std::string& word) {
+    bool in_quotes = false;
+    for (; at < line.size() && (in_quotes || !is_blank(line[at])); ++at) {
+        char const c = line[at];
+        if (c == '"') {
+            in_quotes = !in_quotes;
+        } else if (in_quotes && c == '\\' && at + 1 < line.size()) {
+            word += line[++at];
+        } else {
+            word += c;
+        }
+    }
+    return !in_quotes;
+}
+
+}  // namespace
+
+void Commands::add(Verb verb) {
+    verbs_.push_back(std::move(verb));
+}
+
+Reply Commands::run(Caller const& caller, std::string_view line) const {
+    Words words;
+    if (!split_words(line, words)) {
+        return Reply::error("a quote is not closed");
+    }
+    if (words.empty() || words.front().front() == '#') {
+        return Reply::done();
+    }
+    std::string const name = words.front();
+    auto const verb = std::find_if(verbs_.begin(), verbs_.end(), [&](Verb const& v) { return v.name == name; });
+    if (verb == verbs_.end()) {
+        return Reply::error("unknown command " + quoted(name) + ": try help");
+    }
+    words.erase(words.begin());
+    if (verb->locking == Verb::Locking::unlocked) {
+        return verb->run(caller, words);
+    }
+    auto const lock = caller.device.lock();
+    caller.device.advance();
+    return verb->run(caller, words);
+}
+
+std::string Commands::help() const {
+    std::string help;
+    for (Verb const& verb : verbs_) {
+        help += verb.usage + "\n    " + verb.help + "\n";
+    }
+    return help;
+}
+
+Commands const& device_commands() {
+    // Never destroyed: the library's threads may outlive the program's statics.
+    static Commands const& commands = *[] {
+        auto* all = new Commands;
+        add_state_verbs(*all);
+        add_fault_verbs(*all);
+        add_node_verbs(*all);
+        add_time_verbs(*all);
+        add_journal_verbs(*all);
+        all->add({"help", "help", "this list", [all](Caller const&, Words const&) { return Reply::done(all->help()); },
+                  Verb::Locking::unlocked});
+        return all;
+    }();
+    return commands;
+}
+
+Reply usage_error(std::string const& usage) {
+    std::string line = usage;
+    for (std::size_t at = line.find('\n'); at != std::string::npos; at = line.find('\n', at)) {
+        line.replace(at, 1, " | ");
+    }
+    return Reply::error("usage: " + line);
+}
+
+bool split_words(std::string_view line, Words& words) {
+    for (std::size_t at = 0; at < line.size();) {
+        if (is_blank(line[at])) {
+            ++at;
+            continue;
+        }
+        bool const quoted_word = line[at] == '"';
+        std::string word;
+        if (!take_word(line, at, word)) {
+            return false;
+        }
+        if (!word.empty() || quoted_word) {
+            words.push_back(word);
+        }
+    }
+    return true;
+}
+
+std::string join_words(Words const& words) {
+    std::string line;
+    for (std::string const& word : words) {
+        line += line.empty() ? "" : " ";
+        if (!word.empty() && word.find_first_of(" \t\r\"") == std::string::npos) {
+            line += word;
+            continue;
+        }
+        line += '"';
+        for (char const c : word) {
+            if (c == '"' || c == '\\') {
+                line += '\\';
+            }
+            line += c;
+        }
+        line += '"';
+    }
+    return line;
+}
+
+}  // namespace sim

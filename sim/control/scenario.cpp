@@ -1,0 +1,105 @@
+// Scenario files: commands that a device carries out by itself, at its start or at their time.
+#include "sim/control/scenario.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+
+#include "sim/control/command.h"
+
+namespace sim {
+
+namespace {
+
+char const* const kBlanks = " \t\r";
+
+std::optional<ScenarioLine> parse_line(std::string const& text, int number) {
+    std::size_t const first = text.find_first_not_of(kBlanks);
+    if (first == std::string::npos || text[first] == '#') {
+        return std::nullopt;
+    }
+    std::size_t const end = std::min(text.find_first_of(kBlanks, first), text.size());
+    auto const due = parse_duration(std::string_view(text).substr(first, end - first));
+    return ScenarioLine{number, due, text.substr(due ? end : first)};
+}
+
+Error carry_out(ScenarioLine const& line, Device& device) {
+    Reply const reply = device_commands().run({device, {}}, line.command);
+    return reply.ok ? Error() : "line " + std::to_string(line.number) + ": " + reply.text;
+}
+
+Scenario sorted_by_time(Scenario scenario) {
+    std::stable_sort(scenario.begin(), scenario.end(), [](ScenarioLine const& a, ScenarioLine const& b) {
+        return a.due.value_or(Time(-1)) < b.due.value_or(Time(-1));
+    });
+    return scenario;
+}
+
+// The whole scenario on a device that nobody uses, as fast as it goes.
+Error rehearse(Scenario const& scenario) {
+    Device device(std::make_unique<MemoryFileSystem>());
+    device.timeline.run_stepped();
+    for (ScenarioLine const& line : sorted_by_time(scenario)) {
+        Time const due = line.due.value_or(Time(0));
+        device.timeline.step(std::max(Duration(0), due - device.now()));
+        Error const error = carry_out(line, device);
+        if (!error.empty()) {
+            return error;
+        }
+    }
+    return {};
+}
+
+// Half a scenario must not go on as if it were whole.
+void carry_out_or_end(ScenarioLine const& line, Device& device) {
+    Error const error = carry_out(line, device);
+    if (!error.empty()) {
+        std::fprintf(stderr, "libhal: scenario %s\n", error.c_str());
+        std::_Exit(2);
+    }
+}
+
+}  // namespace
+
+Scenario parse_scenario(std::istream& lines) {
+    Scenario scenario;
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        if (auto const parsed = parse_line(line, number)) {
+            scenario.push_back(*parsed);
+        }
+    }
+    return scenario;
+}
+
+Error load_scenario(std::string const& path, Scenario& scenario) {
+    std::ifstream file(path);
+    if (file) {
+        scenario = parse_scenario(file);
+    }
+    if (!file.is_open() || file.bad()) {
+        return "cannot read the scenario " + path + ": " + std::strerror(errno);
+    }
+    Error const error = rehearse(scenario);
+    return error.empty() ? error : "scenario " + path + ", " + error;
+}
+
+Error start_scenario(Scenario const& scenario, Device& device) {
+    for (ScenarioLine const& line : scenario) {
+        Error const error = line.due ? Error() : carry_out(line, device);
+        if (!error.empty()) {
+            return error;
+        }
+    }
+    for (ScenarioLine const& line : scenario) {
+        if (line.due) {
+            device.timeline.at(*line.due, [line, &device] { carry_out_or_end(line, device); });
+        }
+    }
+    return {};
+}
+
+}  // namespace sim

@@ -1,0 +1,154 @@
+// The verbs that every part of the device shares: its state, faults, nodes, time and journal.
+#include "sim/control/verbs.h"
+
+#include <algorithm>
+
+#include "sim/device/numbers.h"
+
+namespace sim {
+
+namespace {
+
+char const* const kShowUsage = "show [--json] [PREFIX]";
+char const* const kSetUsage = "set NAME VALUE";
+char const* const kFaultUsage =
+    "fault add OPERATION [skip N] [count M] status S | delay MS | value V[,V...]\nfault list\nfault clear [ID]";
+char const* const kNodeUsage = "node remove PATH\nnode restore PATH\nnode list";
+char const* const kClockUsage = "clock [real | scaled FACTOR | stepped]";
+char const* const kStepUsage = "step DURATION";
+char const* const kJournalUsage = "journal follow";
+
+constexpr double kLargestFactor = 1e6;
+
+Reply show(Caller const& caller, Words const& words) {
+    bool const json = !words.empty() && words.front() == "--json";
+    std::size_t const options = json ? 1 : 0;
+    if (words.size() > options + 1) {
+        return usage_error(kShowUsage);
+    }
+    std::string const prefix = words.size() > options ? words.back() : "";
+    Properties const& properties = caller.device.properties;
+    std::string const table = properties.table(prefix);
+    if (table.empty()) {
+        return Reply::error("unknown property " + prefix);
+    }
+    return Reply::done(json ? properties.json(prefix) : table);
+}
+
+Reply set(Caller const& caller, Words const& words) {
+    if (words.size() != 2) {
+        return usage_error(kSetUsage);
+    }
+    return Reply::of(caller.device.properties.set(words[0], words[1]));
+}
+
+Reply clear_faults(FaultRules& faults, Words const& words) {
+    if (words.size() == 1) {
+        faults.clear();
+        return Reply::done();
+    }
+    auto const id = parse_value<int>(words[1]);
+    return id ? Reply::of(faults.clear(*id)) : Reply::error("no fault rule " + words[1]);
+}
+
+Reply fault(Caller const& caller, Words const& words) {
+    FaultRules& faults = caller.device.faults;
+    std::string const form = words.empty() ? "" : words.front();
+    if (form == "add" && words.size() > 1) {
+        return Reply::of(faults.add(Words(words.begin() + 1, words.end())));
+    }
+    if (form == "list" && words.size() == 1) {
+        return Reply::done(faults.list());
+    }
+    if (form == "clear" && words.size() <= 2) {
+        return clear_faults(faults, words);
+    }
+    return usage_error(kFaultUsage);
+}
+
+Reply node(Caller const& caller, Words const& words) {
+    Nodes& nodes = caller.device.nodes;
+    std::string const form = words.empty() ? "" : words.front();
+    if (form == "remove" && words.size() == 2) {
+        return Reply::of(nodes.remove(words[1]));
+    }
+    if (form == "restore" && words.size() == 2) {
+        return Reply::of(nodes.restore(words[1]));
+    }
+    if (form == "list" && words.size() == 1) {
+        return Reply::done(nodes.list());
+    }
+    return usage_error(kNodeUsage);
+}
+
+Reply clock(Caller const& caller, Words const& words) {
+    Timeline& timeline = caller.device.timeline;
+    std::string const mode = words.empty() ? "" : words.front();
+    if (words.empty()) {
+        return Reply::done(timeline.clock_setting() + "\n");
+    }
+    if (mode == "real" && words.size() == 1) {
+        timeline.run_real();
+    } else if (mode == "stepped" && words.size() == 1) {
+        timeline.run_stepped();
+    } else if (mode == "scaled" && words.size() == 2) {
+        auto const factor = parse_float(words[1]);
+        if (!factor || *factor <= 0 || *factor > kLargestFactor) {
+            return Reply::error("bad factor " + words[1] + ": above 0, up to 1000000");
+        }
+        timeline.run_scaled(*factor);
+    } else {
+        return usage_error(kClockUsage);
+    }
+    return Reply::done();
+}
+
+Reply step(Caller const& caller, Words const& words) {
+    if (words.size() != 1) {
+        return usage_error(kStepUsage);
+    }
+    auto const length = parse_duration(words.front());
+    if (!length) {
+        return Reply::error("bad duration " + words.front() + ": as 3s, 250ms or 10us");
+    }
+    return caller.device.timeline.step(*length) ? Reply::done() : Reply::error("the clock is not stepped");
+}
+
+Reply journal(Caller const& caller, Words const& words) {
+    if (words != Words{"follow"}) {
+        return usage_error(kJournalUsage);
+    }
+    if (!caller.follow_journal) {
+        return Reply::error("journal follow needs a connection");
+    }
+    caller.follow_journal();
+    return Reply::done();
+}
+
+}  // namespace
+
+void add_state_verbs(Commands& commands) {
+    commands.add({"show", kShowUsage, "the device's state: all of it, or what begins with PREFIX", show});
+    commands.add({"set", kSetUsage, "sets one property of the state", set});
+}
+
+void add_fault_verbs(Commands& commands) {
+    commands.add({"fault", kFaultUsage, "makes calls of an operation fail, take long or answer other values", fault});
+}
+
+void add_node_verbs(Commands& commands) {
+    commands.add({"node", kNodeUsage, "takes files of the device away and puts them back", node});
+}
+
+void add_time_verbs(Commands& commands) {
+    commands.add({"clock", kClockUsage, "how the device's time passes", clock, Verb::Locking::unlocked});
+    commands.add({"step", kStepUsage, "moves the stepped clock on; done when all that fell due has been delivered",
+                  step, Verb::Locking::unlocked});
+}
+
+void add_journal_verbs(Commands& commands) {
+    commands.add(
+        {"journal", kJournalUsage, "sends the journal's lines as they are written", journal, Verb::Locking::unlocked});
+}
+
+}  // namespace sim
