@@ -7,12 +7,6 @@
 
 namespace screens {
 
-// A line that is filled with blanks to `length` characters, its tabs and its line end counted.
-inline std::string padded(std::string line, std::size_t length) {
-    line.resize(length - 1, ' ');
-    return line + "\n";
-}
-
 // The real-time unit menu: what it prints on entry, and its screen with the echo of the key that answers it.
 inline std::string const kRtuStart = "\n\n\n\n\nStarted Rtu Low Level Control \n";
 inline std::string rtu_menu(char key) {

@@ -5,6 +5,12 @@
 
 namespace screens {
 
+// A line that is filled with blanks to `length` characters, its tabs and its line end counted.
+inline std::string padded(std::string line, std::size_t length) {
+    line.resize(length - 1, ' ');
+    return line + "\n";
+}
+
 // What every run starts with.
 inline std::string const kStart = "System calls\n";
 
