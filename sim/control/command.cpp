@@ -73,6 +73,8 @@ Commands const& device_commands() {
         add_state_verbs(*all);
         add_fault_verbs(*all);
         add_node_verbs(*all);
+        add_imaging_verbs(*all);
+        add_motion_verbs(*all);
         add_time_verbs(*all);
         add_journal_verbs(*all);
         all->add({"help", "help", "this list", [all](Caller const&, Words const&) { return Reply::done(all->help()); },

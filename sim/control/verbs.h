@@ -8,6 +8,8 @@ namespace sim {
 void add_state_verbs(Commands& commands);    // show, set
 void add_fault_verbs(Commands& commands);    // fault
 void add_node_verbs(Commands& commands);     // node
+void add_imaging_verbs(Commands& commands);  // drive, power, fit, trigger
+void add_motion_verbs(Commands& commands);   // tilt, press, button
 void add_time_verbs(Commands& commands);     // clock, step
 void add_journal_verbs(Commands& commands);  // journal
 

@@ -1,0 +1,89 @@
+// The verbs for what surrounds the camera: wires, supply, fitted sensor and triggers from outside.
+#include <array>
+
+#include "sim/control/verbs.h"
+
+namespace sim {
+
+namespace {
+
+char const* const kDriveUsage = "drive PIN high | low";
+char const* const kPowerUsage = "power 24v | poe";
+char const* const kFitUsage = "fit imx296 | imx567 | none";
+char const* const kTriggerUsage = "trigger COUNT [at RATE]";
+
+constexpr unsigned int kMostTriggers = 1'000'000;
+
+struct Sensor {
+    char const* name;
+    char const* node;
+};
+constexpr std::array<Sensor, 2> kSensors{{{"imx296", "/dev/imx296"}, {"imx567", "/dev/imx567"}}};
+
+std::optional<unsigned int> parse_count(std::string const& text) {
+    auto const count = parse_value<unsigned int>(text);
+    return count && *count >= 1 && *count <= kMostTriggers ? count : std::nullopt;
+}
+
+Reply drive(Caller const& caller, Words const& words) {
+    if (words.size() != 2 || (words[1] != "high" && words[1] != "low")) {
+        return usage_error(kDriveUsage);
+    }
+    auto const pin = parse_value<unsigned char>(words[0]);
+    if (!pin || *pin >= DigitalIo::kPins) {
+        return Reply::error("no pin " + words[0] + ": 0 to 5");
+    }
+    caller.device.rtu.drive_pin(*pin, words[1] == "high");
+    return Reply::done();
+}
+
+Reply power(Caller const& caller, Words const& words) {
+    return words.size() == 1 ? Reply::of(caller.device.rtu.set_power(words.front())) : usage_error(kPowerUsage);
+}
+
+Error make_present(Nodes& nodes, std::string const& node, bool present) {
+    if (nodes.present(node) == present) {
+        return {};
+    }
+    return present ? nodes.restore(node) : nodes.remove(node);
+}
+
+Reply fit(Caller const& caller, Words const& words) {
+    std::string const name = words.size() == 1 ? words.front() : "";
+    if (name != "none" && name != kSensors[0].name && name != kSensors[1].name) {
+        return usage_error(kFitUsage);
+    }
+    for (Sensor const& sensor : kSensors) {
+        Error const error = make_present(caller.device.nodes, sensor.node, name == sensor.name);
+        if (!error.empty()) {
+            return Reply::error(error);
+        }
+    }
+    return Reply::done();
+}
+
+Reply trigger(Caller const& caller, Words const& words) {
+    bool const at_rate = words.size() == 3 && words[1] == "at";
+    if (words.size() != 1 && !at_rate) {
+        return usage_error(kTriggerUsage);
+    }
+    auto const count = parse_count(words[0]);
+    auto const rate = at_rate ? parse_count(words[2]) : std::nullopt;
+    if (!count || (at_rate && !rate)) {
+        return Reply::error("a count and a rate are 1 to " + std::to_string(kMostTriggers));
+    }
+    caller.device.rtu.trigger_from_outside(*count, rate);
+    return Reply::done();
+}
+
+}  // namespace
+
+void add_imaging_verbs(Commands& commands) {
+    commands.add({"drive", kDriveUsage, "puts a level on the wire of a digital input", drive});
+    commands.add({"power", kPowerUsage, "what supplies the device; only 24 V powers the digital I/O", power});
+    commands.add({"fit", kFitUsage, "fits an image sensor: its node is there, the other's is not", fit});
+    commands.add(
+        {"trigger", kTriggerUsage, "triggers from outside: all at once, or RATE in a second, the first now", trigger});
+}
+
+}  // namespace sim
