@@ -23,7 +23,7 @@ socket_base::socket_base(int domain, int type, int protocol, block_type mode)
         throw std::runtime_error("Cannot create socket");
     }
     descriptor_ = created;
-    if (mode == non_blocking) {
+    if (block_type_ == non_blocking) {
         ::fcntl(descriptor_, F_SETFL, ::fcntl(descriptor_, F_GETFL) | O_NONBLOCK);
     }
 }
