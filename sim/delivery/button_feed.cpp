@@ -24,15 +24,15 @@ void copy_records(HalRecords const& from, ButtonEvents::Records& to) {
 
 }  // namespace
 
-ButtonFeed::ButtonFeed(Timeline& timeline, Owner owner, Duration debounce)
-    : timeline_(timeline), owner_(std::move(owner)), events_(debounce) {}
+ButtonFeed::ButtonFeed(Timeline& timeline, std::shared_ptr<Subscription> subscription, Owner owner, Duration debounce)
+    : timeline_(timeline), subscription_(std::move(subscription)), owner_(std::move(owner)), events_(debounce) {}
 
 void ButtonFeed::hold(bool held) {
     {
         std::lock_guard<std::mutex> const lock(mutex_);
         held_ = held;
     }
-    subscription_.hold(held);
+    subscription_->hold(held);
     if (!held) {
         wake(timeline_.now());
     }
@@ -43,7 +43,7 @@ void ButtonFeed::close() {
         std::lock_guard<std::mutex> const lock(mutex_);
         held_ = true;
     }
-    subscription_.close();
+    subscription_->close();
 }
 
 void ButtonFeed::edge(Time time, bool closes) {
@@ -61,7 +61,7 @@ void ButtonFeed::wake(Time due) {
 }
 
 void ButtonFeed::process() {
-    subscription_.deliver([this] {
+    subscription_->deliver([this] {
         ButtonEvents::Event event{};
         while (next_event(event)) {
             auto const& records = event.press ? owner_.button->press_records : owner_.button->release_records;

@@ -30,7 +30,7 @@ public:
         std::function<void(ButtonEvents::Event)> note;
     };
 
-    ButtonFeed(Timeline& timeline, Owner owner, Duration debounce);
+    ButtonFeed(Timeline& timeline, std::shared_ptr<Subscription> subscription, Owner owner, Duration debounce);
 
     bool sees() const { return owner_.sees(); }
     void hold(bool held);
@@ -51,8 +51,8 @@ private:
     void queue(std::vector<ButtonEvents::Event> const& events);
 
     Timeline& timeline_;
+    std::shared_ptr<Subscription> const subscription_;
     Owner const owner_;
-    Subscription subscription_{true};
     std::mutex mutex_;  // guards what follows
     bool held_ = true;
     std::deque<Edge> edges_;

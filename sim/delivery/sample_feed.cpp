@@ -27,7 +27,7 @@ void SampleFeed::hold(bool held) {
         held_ = held;
         released_ = released_ || !held;
     }
-    subscription_.hold(held);
+    subscription_->hold(held);
 }
 
 void SampleFeed::close() {
@@ -35,11 +35,11 @@ void SampleFeed::close() {
         std::lock_guard<std::mutex> const lock(mutex_);
         held_ = true;
     }
-    subscription_.close();
+    subscription_->close();
 }
 
 void SampleFeed::publish(Sample const& sample) {
-    subscription_.deliver([&] {
+    subscription_->deliver([&] {
         for (Entry const& entry : entries()) {
             entry.subscription->deliver([&] {
                 if (takes(entry)) {

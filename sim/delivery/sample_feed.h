@@ -23,7 +23,8 @@ public:
     enum class From { now, first_release };
 
     // `reachable` tells, with the device's lock held, whether the hub's samples reach the object at all.
-    explicit SampleFeed(std::function<bool()> reachable) : reachable_(std::move(reachable)) {}
+    SampleFeed(std::shared_ptr<Subscription> subscription, std::function<bool()> reachable)
+        : subscription_(std::move(subscription)), reachable_(std::move(reachable)) {}
 
     bool reachable() const { return reachable_(); }
     // Calls `listener` with every sample from now on, or from the first hold(false) on.
@@ -44,8 +45,8 @@ private:
     std::vector<Entry> entries();
     bool takes(Entry const& entry);
 
+    std::shared_ptr<Subscription> const subscription_;
     std::function<bool()> const reachable_;
-    Subscription subscription_{false};
     std::mutex mutex_;  // guards what follows
     std::vector<Entry> entries_;
     bool held_ = false;

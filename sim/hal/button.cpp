@@ -3,6 +3,7 @@
 
 #include "sim/delivery/button_feed.h"
 #include "sim/hal/gate.h"
+#include "sim/hal/subscribe.h"
 
 namespace hal {
 
@@ -32,7 +33,7 @@ button_t::button_t(char const* device, long line, bool active_low, unsigned long
                               in(event.index));
     };
     impl_->feed = std::make_shared<sim::ButtonFeed>(
-        Device::instance().timeline,
+        Device::instance().timeline, sim::subscribe(true),
         sim::ButtonFeed::Owner{this, [object = impl_] { return object->sees_button(); }, note},
         sim::Duration(debounce_us));
     auto const lock = Device::instance().lock();

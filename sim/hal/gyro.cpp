@@ -10,6 +10,7 @@
 #include "sim/hal/base_impl.h"
 #include "sim/hal/gate.h"
 #include "sim/hal/gyro_impl.h"
+#include "sim/hal/subscribe.h"
 
 namespace sim {
 
@@ -116,7 +117,8 @@ gyro_t::gyro_t(char const* device, int access, char const* firmware, char const*
     auto extra = std::make_unique<sim::GyroExtra>();
     extra->firmware = firmware != nullptr ? firmware : "";
     extra->irq_value = irq_value != nullptr ? irq_value : "";
-    extra->feed = std::make_shared<sim::SampleFeed>([object = impl_] { return object->ready(); });
+    extra->feed =
+        std::make_shared<sim::SampleFeed>(sim::subscribe(false), [object = impl_] { return object->ready(); });
     for (std::size_t i = 0; i < std::size(callback_records); ++i) {
         extra->feed->listen(
             sim::SampleFeed::From::first_release,
