@@ -7,6 +7,8 @@
 #include "app/device_type.h"
 #include "app/module_information.h"
 #include "app/value_prompts.h"
+#include "menus/imaging/dio.h"
+#include "menus/imaging/rtu.h"
 #include "net/socket_console.h"
 
 namespace {
@@ -44,6 +46,23 @@ void sensor_set_of_an_accepting_module() {
         "gain");
 }
 
+void print_rtu_version(hal::revision_t& revision) {
+    int const result = get_version_rtu(revision);
+    std::cout << "returned " << result << ":";
+    for (unsigned int const number :
+         {revision.major, revision.minor, revision.patch, revision.num, revision.year, revision.week}) {
+        std::cout << " " << number;
+    }
+    std::cout << std::endl;
+}
+
+// Twice, into one record.
+void rtu_version() {
+    hal::revision_t revision{};
+    print_rtu_version(revision);
+    print_rtu_version(revision);
+}
+
 struct EntryPoint {
     char const* name;
     void (*run)();
@@ -52,6 +71,10 @@ struct EntryPoint {
 constexpr EntryPoint kEntryPoints[] = {
     {"button_irq_line", [] { std::cout << "\nline " << get_button_irq_line() << std::endl; }},
     {"device_type", [] { std::cout << "\ntype " << determine_device_type() << std::endl; }},
+    {"nothing", [] {}},
+    {"read_dio_config", read_dio_config},
+    {"rtu_delegate", [] { std::cout << "returned " << test_rtu_delegate() << std::endl; }},
+    {"rtu_version", rtu_version},
     {"sensor_set_accepted", sensor_set_of_an_accepting_module},
     {"sensor_set_refused", sensor_set_of_a_refusing_module},
     {"socket_mode_while_active", socket_mode_while_active},

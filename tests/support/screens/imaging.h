@@ -94,10 +94,9 @@ inline std::string image_sensor_menu(char key) {
 inline std::string const kDioStart = "\n\n\n\n\nStarted test program for dio kernel driver\n";
 inline std::string dio_menu(char key) {
     std::string text = kTopUsage;
-    for (char const* line :
-         {"f. Set io config", "F. Read io config", "G. Get io config", "h. Set io value", "H. Get io value",
-          "j. Set trigger from input", "k. Set autotrigger", "l. Set analog conf", "m. Set analog value",
-          "n. Enable analog out", "o. set status led"}) {
+    for (char const* line : {"f. Set io config", "F. Read io config", "G. Get io config", "h. Set io value",
+                             "H. Get io value", "j. Set trigger from input", "k. Set autotrigger", "l. Set analog conf",
+                             "m. Set analog value", "n. Enable analog out", "o. set status led"}) {
         text += padded(std::string("\t\t ") + line, 29);
     }
     text += padded("\t\t p. Read all io values", 28);

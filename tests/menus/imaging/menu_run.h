@@ -1,0 +1,119 @@
+// Runs of one menu, key by key, and sessions of a client with the console.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/console_session.h"
+#include "tests/support/screens/imaging.h"
+
+namespace imaging {
+
+// One key of the menu: what is typed after it, what it prints, what it calls.
+struct Step {
+    char key;
+    std::string typed;
+    std::string printed;
+    support::Calls calls;
+};
+
+struct Menu {
+    char main_key;
+    std::string start;            // printed once on entry
+    std::string (*screen)(char);  // the menu with the echo of the key that answers it
+    support::Calls opening;       // calls on entry
+    support::Calls closing;       // calls after the last key
+};
+
+// Visits the menu, answers it with the steps and 'x', and leaves the console.
+inline support::Transcript expect_run(Menu const& menu, std::vector<Step> const& steps,
+                                      support::SessionOptions const& options = {}) {
+    std::string typed(1, menu.main_key);
+    std::string printed = menu.start;
+    support::Calls calls = menu.opening;
+    for (Step const& step : steps) {
+        typed += step.key + step.typed;
+        printed += menu.screen(step.key) + step.printed;
+        calls.insert(calls.end(), step.calls.begin(), step.calls.end());
+    }
+    calls.insert(calls.end(), menu.closing.begin(), menu.closing.end());
+    auto const run = support::run_console(typed + "xx", options);
+    EXPECT_EQ(run.output, screens::visit(menu.main_key, printed + menu.screen('x')));
+    EXPECT_EQ(run.calls, calls);
+    EXPECT_EQ(run.status, 0);
+    return run;
+}
+
+// Each of the keys does nothing but show the menu again.
+inline std::vector<Step> ignored(std::string const& keys) {
+    std::vector<Step> steps;
+    for (char const key : keys) {
+        steps.push_back({key, "", "", {}});
+    }
+    return steps;
+}
+
+// The menu ends the process by key '0', whose objects are not destroyed.
+inline void expect_exit_by_zero(Menu const& menu) {
+    auto const run = support::run_console(std::string{menu.main_key, '0'});
+    EXPECT_EQ(run.output,
+              screens::kStart + screens::main_menu(menu.main_key) + menu.start + menu.screen('0') + screens::kGoodBye);
+    EXPECT_EQ(run.status, 0);
+}
+
+inline support::SessionOptions with_scenario(std::vector<std::string> const& scenario) {
+    support::SessionOptions options;
+    options.scenario = scenario;
+    return options;
+}
+
+// What the module information commands print on standard error when the library fails.
+inline std::string const kInformationError = "Failed read rev\n: Input/output error\n";
+
+// The lines of the text that begin with `start`, each with its line end.
+inline std::vector<std::string> lines_with(std::string const& start, std::string const& text) {
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < text.size();) {
+        std::size_t const next = text.find('\n', at) + 1;
+        if (text.compare(at, start.size(), start) == 0) {
+            lines.push_back(text.substr(at, next - at));
+        }
+        at = next == 0 ? text.size() : next;
+    }
+    return lines;
+}
+
+// The console in socket mode, with its client at the main menu.
+class ClientTest : public testing::Test {
+protected:
+    ClientTest() { session.wait_for("****  Enter the Option ******\n"); }
+
+    static support::SessionOptions socket_mode() {
+        support::SessionOptions options;
+        options.arguments = {"socket"};
+        return options;
+    }
+
+    // The device check of the main menu: it sends what waits, with its own 0 behind it.
+    void expect_waiting(std::string const& items) {
+        client.send("A\n");
+        EXPECT_EQ(client.receive_reply(), items + "0;\\n");
+    }
+
+    // The client leaves the main menu, then the operator the mode; the calls that were made.
+    support::Calls end() {
+        client.send("x\n");
+        session.wait_for("Entered Option = x\n");
+        session.type("x\n");
+        EXPECT_EQ(session.wait_for_exit(), 0);
+        EXPECT_EQ(session.errors(), "");
+        return session.calls();
+    }
+
+    support::ConsoleSession session{socket_mode()};
+    support::StationClient client;
+};
+
+}  // namespace imaging
