@@ -84,14 +84,13 @@ public:
         return c;
     }
 
-    void drop_line() {
-        int c = peek();
-        while (c >= 0) {
+    // Drops the rest of the line, from `c` on, which peek() has answered. What comes instead of a character ends it.
+    void drop_line(int c) {
+        for (; c >= 0; c = peek()) {
             drop();
             if (c == '\n') {
                 return;
             }
-            c = peek();
         }
     }
 
@@ -185,7 +184,7 @@ std::optional<long long> read_integer(long long min, long long max) {
     }
     long long const value = negative ? -magnitude : magnitude;
     if (!converts || value < min || value > max) {
-        input->drop_line();
+        input->drop_line(c);
         return std::nullopt;
     }
     return value;
@@ -241,7 +240,7 @@ void read_number(float& value) {
     char* end = nullptr;
     float const number = std::strtof(text.c_str(), &end);
     if (text.empty() || *end != '\0' || !std::isfinite(number) || text.size() == kLongestFloat) {
-        input->drop_line();
+        input->drop_line(c);
         return;
     }
     value = number;

@@ -85,6 +85,19 @@ TEST(TerminalInputTest, ControlDAtANumberPromptStandsForZeroAndCostsNothingMore)
     EXPECT_EQ(calls[1], "system_t::set_device_status(0) = -1");
 }
 
+TEST(TerminalInputTest, ControlDEndsAMistypedNumberWithoutWaitingForTheLine) {
+    support::SessionOptions options;
+    options.terminal = true;
+    support::ConsoleSession session(options);
+    session.wait_for("option: ");
+    session.type("lf\n");
+    session.wait_for("Enter device state: ");
+    session.type("-\x04\x04");  // the first hands over what is typed, the second is seen by itself
+    session.wait_for("Enter your option = ");
+    session.type("x\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
 TEST(TerminalInputTest, ControlDInAComponentMenuCostsOneRedisplay) {
     support::SessionOptions options;
     options.terminal = true;
