@@ -202,18 +202,20 @@ TEST(DioTest, CodesGoToTheLibraryUnchanged) {
 }
 
 TEST(DioTest, AnswersAreShownAsTheLibraryGivesThem) {
-    expect_run(kDio,
-               {
-                   {'F',
-                    "2\n",
-                    config_printout({"2", "-1", "9", "5", "1", "1", "-3", "0", "-2", "1", "-4"}),
-                    {"rtu_t::get_io_pin_config(2) = 0 [{-1, 9, 5, true, false, true, true, -2, -3, -4, {}}]"}},
-                   {'p', "", "All DIO status: 111111\n", {"rtu_t::get_all_pin_values() = -1 [111111]"}},
-                   {'H', "0\n", "DIO Pin:Value: 1\n", {"rtu_t::get_pin_value(0) = -1 [true]"}},
-               },
-               with_scenario({"fault add rtu_t::get_io_pin_config value -1,9,5,1,0,1,1,-2,-3,-4",
-                              "fault add rtu_t::get_all_pin_values status -1 value 63",
-                              "fault add rtu_t::get_pin_value status -1 value true"}));
+    expect_run(
+        kDio,
+        {
+            {'F',
+             "2\n",
+             config_printout({"2", "-1", "9", "5", "1", "1", "-3", "0", "-2", "1", "-4"}),
+             {"rtu_t::get_io_pin_config(2) = 0 [{-1, 9, 5, true, false, true, true, -2, -3, -4, {0: 0, 1: 0, 2: 0, "
+              "3: 0, 4: 0, 5: 0}}]"}},
+            {'p', "", "All DIO status: 111111\n", {"rtu_t::get_all_pin_values() = -1 [111111]"}},
+            {'H', "0\n", "DIO Pin:Value: 1\n", {"rtu_t::get_pin_value(0) = -1 [true]"}},
+        },
+        with_scenario({"fault add rtu_t::get_io_pin_config value -1,9,5,1,0,1,1,-2,-3,-4",
+                       "fault add rtu_t::get_all_pin_values status -1 value 63",
+                       "fault add rtu_t::get_pin_value status -1 value true"}));
 }
 
 TEST(DioTest, PinNumberThatIsNoNumberIsZero) {
@@ -383,7 +385,7 @@ TEST_F(DioClientTest, StationConfiguresReadsDrivesAndReadsAPin) {
 
 TEST_F(DioClientTest, ValuesOfTheRecordAreSentInTheOrderOfThePrintout) {
     client.send("f\n4\n1\n5\n7\n-1\n0\n30\n2\n40\n0\n50\n");
-    EXPECT_EQ(client.receive(16), "4157-10302400050" + std::string());
+    EXPECT_EQ(client.receive(15), "4157-1030240050");
     client.receive_reply();
     client.send("F\n4\n");
     EXPECT_EQ(client.receive_reply(), "44;1;5;1;1;0;30;1;40;0;50;\\n");
