@@ -1,0 +1,122 @@
+// The commands for what surrounds the camera.
+#include <gtest/gtest.h>
+
+#include "sim/control/command.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using sim::Device;
+using sim::Reply;
+
+class ImagingVerbsTest : public testing::Test {
+protected:
+    ImagingVerbsTest() { device_.timeline.run_stepped(); }
+
+    Reply run(std::string const& line) { return sim::device_commands().run({device_, {}}, line); }
+
+    void expect_done(std::string const& line) {
+        Reply const reply = run(line);
+        EXPECT_TRUE(reply.ok) << line << ": " << reply.text;
+        EXPECT_EQ(reply.text, "");
+    }
+
+    // The value of one property.
+    std::string value(std::string const& name) {
+        auto const lock = device_.lock();
+        device_.advance();
+        return sim::value_text(device_.properties.all().at(name).get());
+    }
+
+    void make_trigger_input(unsigned char pin) {
+        auto const lock = device_.lock();
+        hal::dio_pin_config_t config;
+        config.func = hal::dio_pin_config_t::pin_func::trigger_input;
+        ASSERT_EQ(device_.rtu.set_pin_config(pin, config), 0);
+    }
+
+    Device device_{std::make_unique<sim::MemoryFileSystem>()};
+};
+
+TEST_F(ImagingVerbsTest, DrivenTriggerInputTakesAFrame) {
+    make_trigger_input(2);
+    expect_done("drive 2 high");
+    EXPECT_EQ(value("dio.2.value"), "true");
+    expect_done("drive 2 low");
+    EXPECT_EQ(value("dio.2.value"), "false");
+    EXPECT_EQ(value("imx296.frames"), "1");
+}
+
+TEST_F(ImagingVerbsTest, PowerChoosesTheSupply) {
+    EXPECT_EQ(value("rtu.power"), "24v");
+    expect_done("power poe");
+    EXPECT_EQ(value("rtu.power"), "poe");
+    expect_done("set rtu.power 24v");
+    EXPECT_EQ(value("rtu.power"), "24v");
+}
+
+TEST_F(ImagingVerbsTest, FittedSensorIsTheOneWhoseNodeIsThere) {
+    for (auto const& [name, type] : {std::pair("imx567", "2"), {"none", "0"}, {"none", "0"}, {"imx296", "1"}}) {
+        expect_done(std::string("fit ") + name);
+        EXPECT_EQ(value("camera.fitted"), type);
+    }
+    expect_done("trigger 1");
+    expect_done("fit imx567");
+    expect_done("step 1s");
+    expect_done("trigger 1");
+    expect_done("fit none");
+    expect_done("step 1s");
+    expect_done("trigger 1");
+    EXPECT_EQ(value("imx296.frames"), "1");
+    EXPECT_EQ(value("imx567.frames"), "1");
+    EXPECT_EQ(value("rtu.trigger.count"), "3");
+}
+
+TEST_F(ImagingVerbsTest, TriggersComeAtOnceOrAtTheirRate) {
+    expect_done("trigger 3");
+    EXPECT_EQ(value("imx296.frames"), "1");
+    EXPECT_EQ(value("rtu.trigger.missed"), "2");
+    expect_done("step 1s");
+    expect_done("trigger 3 at 2");
+    EXPECT_EQ(value("imx296.frames"), "2");
+    expect_done("step 500ms");
+    EXPECT_EQ(value("imx296.frames"), "3");
+    expect_done("step 10s");
+    EXPECT_EQ(value("imx296.frames"), "4");
+}
+
+TEST_F(ImagingVerbsTest, BadCommandsAnswerOneLineAndChangeNothing) {
+    make_trigger_input(2);
+    std::string const before = run("show rtu").text + run("show dio").text + run("show camera").text;
+    for (char const* line : {"drive",
+                             "drive 2",
+                             "drive 6 high",
+                             "drive -1 high",
+                             "drive two high",
+                             "drive 2 on",
+                             "drive 2 high low",
+                             "power",
+                             "power 12v",
+                             "power 24v poe",
+                             "fit",
+                             "fit imx999",
+                             "fit imx296 imx567",
+                             "trigger",
+                             "trigger 0",
+                             "trigger -1",
+                             "trigger 1000001",
+                             "trigger x",
+                             "trigger 1 at",
+                             "trigger 1 at 0",
+                             "trigger 1 at -5",
+                             "trigger 1 by 5",
+                             "trigger 1 at 5 6"}) {
+        Reply const reply = run(line);
+        EXPECT_FALSE(reply.ok) << line;
+        EXPECT_FALSE(reply.text.empty()) << line;
+        EXPECT_EQ(reply.text.find('\n'), std::string::npos) << line;
+    }
+    EXPECT_EQ(run("show rtu").text + run("show dio").text + run("show camera").text, before);
+}
+
+}  // namespace
