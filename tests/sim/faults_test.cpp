@@ -1,0 +1,118 @@
+// Tests of the fault rules.
+#include "sim/device/faults.h"
+
+#include <gtest/gtest.h>
+
+#include "sim/device/operations.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using sim::Error;
+using sim::FaultRules;
+
+class FaultsTest : public testing::Test {
+protected:
+    Error add(std::vector<std::string> const& words) { return rules_.add(words); }
+    // The status that the rules give the next call of an operation; 99 for none.
+    int next(char const* operation = "rtu_t::get_exposure") { return rules_.next_call(operation).status.value_or(99); }
+
+    FaultRules rules_;
+};
+
+TEST_F(FaultsTest, ARuleAppliesForEver) {
+    EXPECT_EQ(add({"rtu_t::get_exposure", "status", "-1"}), "");
+    EXPECT_EQ(next(), -1);
+    EXPECT_EQ(next(), -1);
+    EXPECT_EQ(next("rtu_t::set_exposure"), 99);
+}
+
+TEST_F(FaultsTest, SkipAndCountChooseTheCalls) {
+    EXPECT_EQ(add({"rtu_t::get_exposure", "count", "2", "status", "5", "skip", "1"}), "");
+    EXPECT_EQ(next(), 99);
+    EXPECT_EQ(next(), 5);
+    EXPECT_EQ(next(), 5);
+    EXPECT_EQ(next(), 99);
+    EXPECT_EQ(rules_.list(), "1  rtu_t::get_exposure count 2 status 5 skip 1  fired 2\n");
+}
+
+TEST_F(FaultsTest, TheFirstRuleThatAppliesTakesTheCall) {
+    add({"rtu_t::get_exposure", "status", "1", "count", "1"});
+    add({"rtu_t::*", "status", "2", "count", "1"});
+    add({"*", "status", "3"});
+    EXPECT_EQ(next(), 1);
+    EXPECT_EQ(next(), 2);
+    EXPECT_EQ(next(), 3);
+    EXPECT_EQ(next("tof_t::shot"), 3);
+}
+
+TEST_F(FaultsTest, EffectsCanBeCombined) {
+    EXPECT_EQ(add({"rtu_t::get_exposure", "value", "0x30,-1,1.5,true", "delay", "2.5", "status", "4"}), "");
+    auto const effect = rules_.next_call("rtu_t::get_exposure");
+    EXPECT_EQ(effect.status, 4);
+    EXPECT_EQ(effect.delay, 2500us);
+    EXPECT_EQ(effect.values, (std::vector<long double>{0x30, -1, 1.5, 1}));
+    EXPECT_TRUE(effect.answers());
+}
+
+TEST_F(FaultsTest, ADelayAloneLetsTheDeviceAnswer) {
+    EXPECT_EQ(add({"*", "delay", "1"}), "");
+    EXPECT_FALSE(rules_.next_call("tof_t::shot").answers());
+}
+
+TEST_F(FaultsTest, RulesAreCleared) {
+    add({"rtu_t::get_exposure", "status", "1"});
+    add({"rtu_t::get_exposure", "status", "2"});
+    EXPECT_EQ(rules_.clear(1), "");
+    EXPECT_EQ(next(), 2);
+    EXPECT_EQ(rules_.clear(1), "no fault rule 1");
+    rules_.clear();
+    EXPECT_EQ(rules_.list(), "");
+    EXPECT_EQ(next(), 99);
+}
+
+TEST_F(FaultsTest, BadRulesAreRefused) {
+    std::vector<std::vector<std::string>> const bad{
+        {},
+        {"rtu_t::get_exposur", "status", "1"},
+        {"rtu_t", "status", "1"},
+        {"", "status", "1"},
+        {"rtu_t::get_exposure"},
+        {"rtu_t::get_exposure", "skip", "1"},
+        {"rtu_t::get_exposure", "status"},
+        {"rtu_t::get_exposure", "status", "x"},
+        {"rtu_t::get_exposure", "status", "99999999999"},
+        {"rtu_t::get_exposure", "status", "1", "skip", "-1"},
+        {"rtu_t::get_exposure", "status", "1", "count", "0"},
+        {"rtu_t::get_exposure", "delay", "-1"},
+        {"rtu_t::get_exposure", "delay", "1e99"},
+        {"rtu_t::get_exposure", "value", "1,,2"},
+        {"rtu_t::get_exposure", "value", "1,"},
+        {"rtu_t::get_exposure", "value", "inf"},
+        {"rtu_t::get_exposure", "explode", "1"},
+    };
+    for (auto const& words : bad) {
+        EXPECT_NE(add(words), "") << testing::PrintToString(words);
+    }
+    EXPECT_EQ(rules_.list(), "");
+}
+
+TEST(OperationsTest, PatternsMatchWholeNames) {
+    EXPECT_TRUE(sim::matches("*", "rtu_t::get_exposure"));
+    EXPECT_TRUE(sim::matches("rtu_t::*", "rtu_t::get_exposure"));
+    EXPECT_TRUE(sim::matches("*::get_*e", "rtu_t::get_exposure"));
+    EXPECT_TRUE(sim::matches("rtu_t::get_exposure*", "rtu_t::get_exposure"));
+    EXPECT_FALSE(sim::matches("rtu_t::get", "rtu_t::get_exposure"));
+    EXPECT_FALSE(sim::matches("*::get_*x", "rtu_t::get_exposure"));
+    EXPECT_FALSE(sim::matches("", "rtu_t::get_exposure"));
+}
+
+TEST(OperationsTest, ManyStarsAreNoBurden) {
+    std::string pattern;
+    for (int i = 0; i < 1000; ++i) {
+        pattern += "*e";
+    }
+    EXPECT_FALSE(sim::matches(pattern, "rtu_t::get_exposure"));
+}
+
+}  // namespace

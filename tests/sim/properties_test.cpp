@@ -1,0 +1,97 @@
+// Tests of the table of the device's state.
+#include "sim/device/properties.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+namespace {
+
+using sim::Error;
+using sim::Properties;
+
+enum class Colour : std::uint8_t { red = 1, green = 2 };
+
+class PropertiesTest : public testing::Test {
+protected:
+    PropertiesTest() {
+        properties_.add_variable("a.count", "how many, 0-10", count_, 0U, 10U);
+        properties_.add_variable("a.small", "a byte", small_);
+        properties_.add_variable("a.factor", "a factor", factor_);
+        properties_.add_variable("a.on", "a switch", on_);
+        properties_.add("a.colour", "1 red, 2 green", [this] { return colour_; });
+        properties_.add(
+            "ab", "a text", [this] { return text_; },
+            [this](std::string const& text) -> Error {
+                if (text == "bad") {
+                    return "not that one";
+                }
+                text_ = text;
+                return {};
+            });
+    }
+
+    unsigned int count_ = 3;
+    unsigned char small_ = 200;
+    float factor_ = 0.5F;
+    bool on_ = true;
+    Colour colour_ = Colour::green;
+    std::string text_ = "x\"y\n";
+    Properties properties_;
+};
+
+TEST_F(PropertiesTest, TableListsWhatBeginsWithThePrefix) {
+    EXPECT_EQ(properties_.table("a"),
+              "a.colour  2     1 red, 2 green\n"
+              "a.count   3     how many, 0-10\n"
+              "a.factor  0.5   a factor\n"
+              "a.on      true  a switch\n"
+              "a.small   200   a byte\n");
+    EXPECT_EQ(properties_.table("a.count"), "a.count  3  how many, 0-10\n");
+    EXPECT_EQ(properties_.table("a.c"), "");
+}
+
+TEST_F(PropertiesTest, JsonHasTypedValues) {
+    EXPECT_EQ(properties_.json(""),
+              "{\n"
+              "  \"a.colour\": 2,\n"
+              "  \"a.count\": 3,\n"
+              "  \"a.factor\": 0.5,\n"
+              "  \"a.on\": true,\n"
+              "  \"a.small\": 200,\n"
+              "  \"ab\": \"x\\\"y\\u000a\"\n"
+              "}\n");
+    EXPECT_EQ(properties_.json("nothing"), "{}\n");
+}
+
+TEST_F(PropertiesTest, SetTakesEveryType) {
+    EXPECT_EQ(properties_.set("a.count", "0x0A"), "");
+    EXPECT_EQ(count_, 10U);
+    EXPECT_EQ(properties_.set("a.small", "255"), "");
+    EXPECT_EQ(small_, 255);
+    EXPECT_EQ(properties_.set("a.factor", "-2.25"), "");
+    EXPECT_EQ(factor_, -2.25F);
+    EXPECT_EQ(properties_.set("a.on", "off"), "");
+    EXPECT_FALSE(on_);
+    EXPECT_EQ(properties_.set("ab", "new"), "");
+    EXPECT_EQ(text_, "new");
+}
+
+TEST_F(PropertiesTest, RefusedValuesChangeNothing) {
+    EXPECT_EQ(properties_.set("a.count", "11"), "a.count: out of range 0 to 10");
+    EXPECT_EQ(properties_.set("a.count", "-1"), "a.count: not a value of this property: -1");
+    EXPECT_EQ(properties_.set("a.small", "256"), "a.small: not a value of this property: 256");
+    EXPECT_EQ(properties_.set("a.factor", "1.5x"), "a.factor: not a value of this property: 1.5x");
+    EXPECT_EQ(properties_.set("a.factor", "nan"), "a.factor: not a value of this property: nan");
+    EXPECT_EQ(properties_.set("a.on", "maybe"), "a.on: not a value of this property: maybe");
+    EXPECT_EQ(properties_.set("ab", "bad"), "ab: not that one");
+    EXPECT_EQ(properties_.set("a.colour", "1"), "a.colour is read only");
+    EXPECT_EQ(properties_.set("a", "1"), "unknown property a");
+    EXPECT_EQ(count_, 3U);
+    EXPECT_EQ(small_, 200);
+    EXPECT_EQ(factor_, 0.5F);
+    EXPECT_TRUE(on_);
+    EXPECT_EQ(text_, "x\"y\n");
+}
+
+}  // namespace
