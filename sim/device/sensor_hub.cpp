@@ -242,9 +242,9 @@ int SensorHub::report_physical_sensors(std::string& report) const {
     if (!running()) {
         return not_running(report);
     }
-    report = line("Physical sensors\n  %3s  %-36s\n", "id", "name");
+    report = line("Physical sensors\n  %3s  %s\n", "id", "name");
     for (PhysicalSensor const& sensor : physical_sensors()) {
-        report += line("  %3u  %-36s\n", sensor.id, std::string(sensor.name).c_str());
+        report += line("  %3u  %s\n", sensor.id, std::string(sensor.name).c_str());
     }
     return 0;
 }
