@@ -28,6 +28,10 @@ SensorFacts const& facts_of(hal::imx_te type) {
     }
 }
 
+Error error_of(int status) {
+    return status == 0 ? Error() : Error("out of range");
+}
+
 Duration frame_period(SensorFacts const& facts) {
     return Duration(kSecond / facts.max_fps);
 }
@@ -278,14 +282,21 @@ void RealTimeUnit::trigger_from_outside(unsigned int count, std::optional<unsign
 }
 
 void RealTimeUnit::describe(Properties& properties) {
-    properties.add("rtu.imager_type", "0 none, 1 IMX296, 2 IMX567", [this] { return imager_type_; });
-    properties.add("rtu.prohibited_time", "us after a trigger in which the next one is missed",
-                   [this] { return prohibited_time_us_; });
-    properties.add("rtu.exposure.offset", "us from the trigger to the exposure",
-                   [this] { return exposure_offset_us_; });
-    properties.add("rtu.exposure.time", "us", [this] { return exposure_us_; });
-    properties.add("rtu.trigger.continuous", "whether the unit triggers by itself", [this] { return continuous_; });
-    properties.add("rtu.trigger.rate", "of the unit itself, frames per second", [this] { return fps_; });
+    properties.add(
+        "rtu.imager_type", "0 none, 1 IMX296, 2 IMX567", [this] { return imager_type_; },
+        [this](hal::imx_te type) { return error_of(set_imager_type(type)); });
+    properties.add_variable("rtu.prohibited_time", "us after a trigger in which the next one is missed",
+                            prohibited_time_us_);
+    properties.add_variable("rtu.exposure.offset", "us from the trigger to the exposure", exposure_offset_us_);
+    properties.add(
+        "rtu.exposure.time", "us, within the limits of the imager", [this] { return exposure_us_; },
+        [this](unsigned int exposure_us) { return error_of(set_exposure(exposure_us)); });
+    properties.add(
+        "rtu.trigger.continuous", "whether the unit triggers by itself", [this] { return continuous_; },
+        [this](bool continuous) { return error_of(set_continuous(continuous)); });
+    properties.add(
+        "rtu.trigger.rate", "of the unit itself, frames per second, within the limits of the imager",
+        [this] { return fps_; }, [this](unsigned int fps) { return error_of(set_rate(fps)); });
     properties.add("rtu.trigger.count", "triggers since the start, from everywhere", [this] { return triggers_; });
     properties.add("rtu.trigger.missed", "triggers that were missed since the last reset", [this] { return missed_; });
     properties.add("rtu.trigger.missed_frame", "frame that was running when the last one was missed",

@@ -237,6 +237,20 @@ TEST_F(RealTimeUnitTest, PinsHavePowerFromTheSupplyOnly) {
     EXPECT_TRUE(available);
 }
 
+TEST_F(RealTimeUnitTest, SettingsAreProperties) {
+    sim::Properties properties;
+    unit_.describe(properties);
+    EXPECT_EQ(properties.set("rtu.imager_type", "1"), "");
+    EXPECT_EQ(properties.set("rtu.exposure.time", "30"), "");
+    EXPECT_NE(properties.set("rtu.exposure.time", "29"), "");
+    EXPECT_EQ(properties.set("rtu.trigger.rate", "60"), "");
+    EXPECT_NE(properties.set("rtu.trigger.rate", "61"), "");
+    EXPECT_EQ(properties.set("rtu.prohibited_time", "7"), "");
+    EXPECT_EQ(properties.set("rtu.trigger.continuous", "true"), "");
+    run_until(Time(1s));
+    EXPECT_EQ(sensor_.frames(), 60U);
+}
+
 TEST_F(RealTimeUnitTest, FramesAreAcquiredOnlyWhileTheCameraTakesThemOver) {
     sim::Properties properties;
     unit_.describe(properties);

@@ -39,7 +39,7 @@ inline support::Transcript expect_run(Menu const& menu, std::vector<Step> const&
         calls.insert(calls.end(), step.calls.begin(), step.calls.end());
     }
     calls.insert(calls.end(), menu.closing.begin(), menu.closing.end());
-    auto const run = support::run_console(typed + "xx", options);
+    auto run = support::run_console(typed + "xx", options);
     EXPECT_EQ(run.output, screens::visit(menu.main_key, printed + menu.screen('x')));
     EXPECT_EQ(run.calls, calls);
     EXPECT_EQ(run.status, 0);
