@@ -9,6 +9,8 @@
 #include "app/value_prompts.h"
 #include "menus/imaging/dio.h"
 #include "menus/imaging/rtu.h"
+#include "menus/light/illumination.h"
+#include "net/socket.h"
 #include "net/socket_console.h"
 
 namespace {
@@ -63,14 +65,50 @@ void rtu_version() {
     print_rtu_version(revision);
 }
 
+void print_button_irq_line() {
+    int const line = get_button_irq_line();
+    std::cout << "\nline " << line << std::endl;
+}
+
+void print_device_type() {
+    int const type = determine_device_type();
+    std::cout << "\ntype " << type << std::endl;
+}
+
+void on_illumination(void (*command)()) {
+    hal::illumination_t illumination("/dev/r47-illumination-driver", 2);
+    p_illumination = &illumination;
+    command();
+}
+
+// The commands of the illumination that no key calls, for the client that connects.
+void serve_illumination_client() {
+    server_tcp const server("0.0.0.0", 32360);
+    socket_tcp client = server.accept();
+    p_client_socket = &client;
+    bsock = true;
+    on_illumination([] {
+        set_segments();
+        get_segments();
+        set_brightness();
+        get_brightness();
+    });
+    kosstream_send();
+}
+
 struct EntryPoint {
     char const* name;
     void (*run)();
 };
 
 constexpr EntryPoint kEntryPoints[] = {
-    {"button_irq_line", [] { std::cout << "\nline " << get_button_irq_line() << std::endl; }},
-    {"device_type", [] { std::cout << "\ntype " << determine_device_type() << std::endl; }},
+    {"button_irq_line", print_button_irq_line},
+    {"device_type", print_device_type},
+    {"illumination_client", serve_illumination_client},
+    {"illumination_get_brightness", [] { on_illumination(get_brightness); }},
+    {"illumination_get_segments", [] { on_illumination(get_segments); }},
+    {"illumination_set_brightness", [] { on_illumination(set_brightness); }},
+    {"illumination_set_segments", [] { on_illumination(set_segments); }},
     {"nothing", [] {}},
     {"read_dio_config", read_dio_config},
     {"rtu_delegate", [] { std::cout << "returned " << test_rtu_delegate() << std::endl; }},

@@ -1,0 +1,23 @@
+// Runs of the illumination menu.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/menus/imaging/menu_run.h"
+#include "tests/support/screens/light.h"
+
+namespace light {
+
+using namespace imaging;
+
+inline Menu const kIllumination{'c',
+                                "",
+                                screens::illumination_menu,
+                                {"illumination_t::illumination_t(\"/dev/r47-illumination-driver\", 2)"},
+                                {"illumination_t::~illumination_t()"}};
+
+inline std::string const kFailure = "Communication Failure\n";
+inline std::string const kPatternPrompt = "Enter a value for the pattern 0 - Strobe, 1 - Continuous:";
+
+}  // namespace light
