@@ -50,6 +50,9 @@ public:
             if (next_ < end_) {
                 return static_cast<unsigned char>(buffer_[next_]);
             }
+            if (!is_standard_input()) {
+                return kEnded;
+            }
             pollfd waited[] = {{STDIN_FILENO, POLLIN, 0}, {connection, POLLRDHUP, 0}};
             if (::poll(waited, 2, -1) > 0 && waited[0].revents != 0) {
                 if (std::optional<int> const end = fill()) {
@@ -63,6 +66,9 @@ public:
 
     // As peek, for the local menu: nothing where there is no character at once.
     std::optional<int> peek_at_once() {
+        if (next_ == end_ && !is_standard_input()) {
+            return kEnded;
+        }
         pollfd waited{STDIN_FILENO, POLLIN, 0};
         if (next_ == end_ && ::poll(&waited, 1, 0) > 0) {
             if (std::optional<int> const end = fill()) {
@@ -98,9 +104,6 @@ private:
     // Takes what standard input has; an answer only where it has ended. Nothing is kept of an end: the next
     // read tries again.
     std::optional<int> fill() {
-        if (!is_standard_input()) {
-            return kEnded;
-        }
         ssize_t const count = ::read(STDIN_FILENO, buffer_, sizeof buffer_);
         if (count > 0) {
             next_ = 0;

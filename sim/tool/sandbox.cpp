@@ -233,11 +233,14 @@ int try_quietly(Arguments const& arguments) {
     return child > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }
 
+// Root of a user namespace, where the host allows that and this program is to be seen from it (root's clone of
+// another user's private files is not); otherwise root itself, which may then still read them. No other rights:
+// a file that nobody may read is not read.
 Error choose_user(Arguments& arguments) {
-    Arguments const as_root{"--unshare-user", "--uid", "0", "--gid", "0"};
+    Arguments const as_root{"--unshare-user", "--uid", "0", "--gid", "0", "--cap-drop", "ALL"};
     Arguments trial{"bwrap"};
     trial.insert(trial.end(), as_root.begin(), as_root.end());
-    add(trial, {"--ro-bind", "/", "/", "--", "true"});
+    add(trial, {"--ro-bind", "/", "/", "--", "test", "-r", own_path()});
     int const status = try_quietly(trial);
     if (status == 127) {
         return "bwrap is missing: install the package bubblewrap";
@@ -245,7 +248,7 @@ Error choose_user(Arguments& arguments) {
     if (status == 0) {
         arguments.insert(arguments.end(), as_root.begin(), as_root.end());
     } else if (::geteuid() == 0) {
-        add(arguments, {"--cap-drop", "ALL"});
+        add(arguments, {"--cap-drop", "ALL", "--cap-add", "CAP_DAC_READ_SEARCH"});
     } else {
         return "this host does not let users make user namespaces: run it with sudo";
     }

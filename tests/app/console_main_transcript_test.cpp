@@ -32,6 +32,7 @@ TEST(ConsoleMainTest, RealTimeUnitIsOpenedBeforeTheRootCheckAndClosedAtTheEnd) {
 
 TEST(ConsoleMainTest, WithoutRootRightsTheConsoleRefusesToRun) {
     support::SessionOptions options;
+    options.outside = true;  // inside, everybody is root
     options.wrapper = {"bwrap", "--unshare-user", "--uid", "1000", "--dev-bind", "/", "/", "--"};
     auto const run = run_console("", options);
     EXPECT_EQ(run.output, "You must be root, terminating\n");

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <ostream>
 #include <string>
 #include <tuple>
 
@@ -16,6 +17,10 @@ struct Menu {
     char const* key;     // at the main menu; empty: the main menu itself
     char const* prompt;  // the end of its screen
 };
+
+void PrintTo(Menu const& menu, std::ostream* out) {
+    *out << menu.name;
+}
 
 constexpr Menu kMenus[] = {
     {"Main", "", "\nPlease enter your option: "},

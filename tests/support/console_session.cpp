@@ -152,16 +152,23 @@ ConsoleSession::~ConsoleSession() {
 std::vector<std::string> ConsoleSession::command_line(SessionOptions const& options) const {
     std::vector<std::string> const emulator = words_of(R47_EMULATOR);
     std::vector<std::string> line = emulator;
-    line.insert(line.end(), {R47_SIM, "run", "--control", directory_ + "/control.sock", "--journal",
-                             directory_ + "/journal", "--scenario", directory_ + "/scenario", "--clock"});
-    std::istringstream clock(options.clock);
-    for (std::string word; clock >> word;) {
-        line.push_back(word);
+    if (options.outside) {
+        line.clear();
+    } else {
+        line.insert(line.end(), {R47_SIM, "run", "--control", directory_ + "/control.sock"});
+        if (options.journal) {
+            line.insert(line.end(), {"--journal", directory_ + "/journal"});
+        }
+        line.insert(line.end(), {"--scenario", directory_ + "/scenario", "--clock"});
+        std::istringstream clock(options.clock);
+        for (std::string word; clock >> word;) {
+            line.push_back(word);
+        }
+        for (std::string const& path : options.without) {
+            line.insert(line.end(), {"--without", path});
+        }
+        line.push_back("--");
     }
-    for (std::string const& path : options.without) {
-        line.insert(line.end(), {"--without", path});
-    }
-    line.push_back("--");
     if (!options.script.empty()) {
         line.insert(line.end(), {"sh", "-c", options.script, "sh"});
     }
@@ -296,6 +303,19 @@ bool ConsoleSession::has_exited() {
     return reap(false);
 }
 
+bool ConsoleSession::ends_within(std::chrono::milliseconds longest) {
+    auto const deadline = Clock::now() + longest;
+    while (!reap(false)) {
+        if (Clock::now() > deadline) {
+            return false;
+        }
+        if (!take_output(kRetry)) {
+            std::this_thread::sleep_for(kRetry);
+        }
+    }
+    return true;
+}
+
 int ConsoleSession::wait_for_exit() {
     auto const deadline = Clock::now() + kLimit;
     while (!reap(false)) {
@@ -408,6 +428,21 @@ void StationClient::send_bytewise(std::string_view text) {
     for (char const& c : text) {
         send({&c, 1});
     }
+}
+
+bool StationClient::offer(std::string_view text, std::chrono::milliseconds patience) {
+    while (!text.empty()) {
+        pollfd waited{socket_, POLLOUT, 0};
+        if (::poll(&waited, 1, static_cast<int>(patience.count())) <= 0) {
+            return false;
+        }
+        ssize_t const count = ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (count < 0) {
+            return false;
+        }
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
 }
 
 std::string StationClient::receive(std::size_t size) {

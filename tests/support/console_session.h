@@ -24,7 +24,9 @@ struct SessionOptions {
     bool terminal = false;                 // input and output are a pseudo-terminal instead of pipes
     std::string entry_point{};             // run this function of the console instead of its main (entry_points.cpp)
     std::string script{};                  // a shell script that starts the console as "$@"
+    bool outside = false;                  // of the virtual device, on the host as it is
     std::vector<std::string> wrapper{};    // a command that starts the console, given as its last arguments
+    bool journal = true;                   // without it calls() and journal() are empty
 };
 
 // Options for a run of the console from a shell script, as "$@".
@@ -48,6 +50,8 @@ public:
     // Waits until the process has ended; its exit status, 128 + number for a signal.
     int wait_for_exit();
     bool has_exited();
+    // Takes what the console prints until its process has ended, for at most so long. Whether it has.
+    bool ends_within(std::chrono::milliseconds longest);
 
     // All output so far. Complete after wait_for_exit().
     std::string const& output() const { return output_; }
@@ -107,6 +111,8 @@ public:
     void send(std::string_view text);
     // Each byte as a segment of its own.
     void send_bytewise(std::string_view text);
+    // Sends the text as far as the console takes it: false when that is nothing for so long, or no more at all.
+    bool offer(std::string_view text, std::chrono::milliseconds patience);
     // Waits for exactly so many bytes; fewer when the console ended the connection.
     std::string receive(std::size_t size);
     // Waits for a whole reply, its end mark included.
