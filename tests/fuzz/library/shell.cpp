@@ -1,0 +1,48 @@
+// The fuzzers' library: what every module has, and the system state.
+#include "hal/base.h"
+#include "hal/system.h"
+#include "tests/fuzz/library/double.h"
+
+namespace hal {
+
+using library_double::answer;
+using library_double::born;
+using library_double::dies;
+
+base_t::base_t(char const*, int) : impl_(nullptr) {
+    born(this);
+}
+
+base_t::~base_t() {
+    dies(this);
+}
+
+int base_t::get_status(unsigned char& status) const {
+    return answer(this, status);
+}
+
+int base_t::get_revision(revision_t& revision) const {
+    return answer(this, revision);
+}
+
+system_t::system_t(char const*, int) : impl_(nullptr) {
+    born(this);
+}
+
+system_t::~system_t() {
+    dies(this);
+}
+
+int system_t::get_device_status(device_state_te& state) const {
+    return answer(this, state);
+}
+
+int system_t::set_device_status(device_state_te) {
+    return answer(this);
+}
+
+int system_t::trigger_heartbeat() const {
+    return answer(this);
+}
+
+}  // namespace hal
