@@ -391,7 +391,8 @@ TEST(SocketConsoleKeyTest, WhileItIsActiveItRefusesToStart) {
     EXPECT_EQ(support::run_console("", options).output, "int test_socket()\nreturned -1\n");
 }
 
-// Clients that are cut at a random byte of a session that visits menus, by an orderly end or by a reset.
+// Clients that are cut at a random byte of a session that visits menus, by an orderly end or by a reset. The first
+// one is not cut: by then the library has its threads, and standard input is closed, as it stays.
 TEST(SocketConsoleKeyTest, CutConnectionsLeaveNothingBehind) {
     std::string const script = "A\r\nk\nm\nu\n25\nabc\nx\na\nH\n\\2\\np\nx\n\\\\n\nA\\nt\nr\nx\nA\n";
     std::mt19937 random(32360);
@@ -399,13 +400,13 @@ TEST(SocketConsoleKeyTest, CutConnectionsLeaveNothingBehind) {
     options.entry_point = "two_hundred_socket_modes";
     ConsoleSession session(options);
     session.end_input();
-    std::string counts;
-    for (int i = 1; i <= 200; ++i) {
+    std::string before;
+    for (int i = 0; i <= 200; ++i) {
         {
             StationClient client;
             session.wait_for("System calls\n");  // a connection reset before this never came to be
-            client.send(script.substr(0, random() % (script.size() + 1)));
-            if (random() % 2 == 0) {
+            client.send(i == 0 ? script : script.substr(0, random() % (script.size() + 1)));
+            if (i != 0 && random() % 2 == 0) {
                 client.reset();
             }
         }
@@ -414,10 +415,10 @@ TEST(SocketConsoleKeyTest, CutConnectionsLeaveNothingBehind) {
         session.wait_for("\n");
         std::size_t const at = session.output().rfind(served) + served.size();
         std::string const left = session.output().substr(at, session.output().find('\n', at) - at);
-        if (i == 1) {
-            counts = left;  // after the first end standard input is closed, as it stays
+        if (i == 0) {
+            before = left;
         }
-        ASSERT_EQ(left, counts) << "after connection " << i;
+        ASSERT_EQ(left, before) << "after connection " << i;
     }
     EXPECT_EQ(session.wait_for_exit(), 0);
 }

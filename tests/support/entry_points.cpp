@@ -1,15 +1,28 @@
 // Runs one function of the console that no menu reaches: r47-entry-points NAME
+#include <atomic>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <limits>
+#include <memory>
+#include <thread>
 
 #include "app/console_io.h"
+#include "app/console_main.h"
 #include "app/device_type.h"
 #include "app/module_information.h"
+#include "app/terminal_input.h"
 #include "app/value_prompts.h"
+#include "hal/gyro.h"
+#include "hal/gyro_alarm.h"
+#include "hal/gyro_delegate.h"
 #include "menus/imaging/dio.h"
 #include "menus/imaging/rtu.h"
 #include "menus/light/illumination.h"
+#include "menus/motion/alarm_old.h"
+#include "menus/motion/button.h"
+#include "menus/motion/gyro_delegate.h"
 #include "net/socket.h"
 #include "net/socket_console.h"
 
@@ -26,12 +39,24 @@ long count_of(char const* directory) {
     return std::distance(std::filesystem::directory_iterator(directory), std::filesystem::directory_iterator());
 }
 
-// Serves 200 clients, one socket mode after the other, and tells after each what is left of it.
+// The threads of this process; one that was joined may take a moment to go.
+long count_threads(long expected) {
+    long threads = count_of("/proc/self/task");
+    for (int tries = 0; tries < 1000 && threads > expected; ++tries) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        threads = count_of("/proc/self/task");
+    }
+    return threads;
+}
+
+// Serves one client and 200 more, one socket mode after the other, and tells after each what is left of it.
 void two_hundred_socket_modes() {
-    for (int i = 1; i <= 200; ++i) {
+    long threads = std::numeric_limits<long>::max();
+    for (int i = 0; i <= 200; ++i) {
         test_socket();
-        std::cout << "served " << i << " descriptors " << count_of("/proc/self/fd") << " threads "
-                  << count_of("/proc/self/task") << std::endl;
+        threads = count_threads(threads);
+        std::cout << "served " << i << " descriptors " << count_of("/proc/self/fd") << " threads " << threads
+                  << std::endl;
     }
 }
 
@@ -96,12 +121,70 @@ void serve_illumination_client() {
     kosstream_send();
 }
 
+// The press actions in their order, and the first once more when the real-time unit is gone.
+void lightbar_actions() {
+    auto rtu = std::make_shared<hal::rtu_t>("/dev/r47-rtu-driver", 2);
+    set_lightbar_actions(rtu);
+    testButtonp1();
+    testButtonp2();
+    testButtonp3();
+    testButtonp4();
+    rtu.reset();
+    testButtonp1();
+}
+
+// Gives the orientation printer samples that it takes and samples that it does not.
+void orientation_printer() {
+    constexpr auto kQuaternion = hal::cb_struct_te::quaternion_s16;
+    hal::quaternion_s16_t upside_down{16384, 0, 0, 0, 0};
+    for (unsigned const sensor_id : {37U, 38U, 36U, 39U}) {
+        std::cout << sensor_id << ": ";
+        print_orientation(static_cast<unsigned char>(sensor_id), kQuaternion, &upside_down);
+        std::cout << (sensor_id == 37 || sensor_id == 38 ? "" : "\n");
+    }
+    std::cout << "no kind: ";
+    print_orientation(37, hal::cb_struct_te::none, &upside_down);
+    std::cout << "\nkind 2: ";
+    print_orientation(37, static_cast<hal::cb_struct_te>(2), &upside_down);
+    std::cout << "\nno data: ";
+    print_orientation(37, kQuaternion, nullptr);
+    std::cout << "\n";
+}
+
+// A delegate and an alarm at the hub's greatest rate; each key is one stage.
+void samples_of_a_minute() {
+    std::atomic<int> samples{0};
+    std::atomic<int> transitions{0};
+    auto const wait_for_key = [] {
+        char key = kExitKey;
+        read_option(key);
+    };
+    auto const print = [&](char const* stage) {
+        std::cout << stage << ": samples " << samples << " transitions " << transitions << std::endl;
+    };
+    hal::gyro_t gyro("/dev/i2c-2", 2, g_gyro_firmware, "/sys/class/gpio/gpio481/value", 200);
+    hal::gyro_alarm_t alarm(gyro, 37);
+    alarm.on_position_reached = [&] { ++transitions; };
+    alarm.on_position_left = [&] { ++transitions; };
+    hal::gyro_delegate_t const delegate(gyro, 37, [&](unsigned char, hal::cb_struct_te, void*) { ++samples; });
+    gyro.boot();
+    gyro.irq_callback_hold(false);
+    gyro.activate_vsensor(37, 400, 1);
+    std::cout << "ready" << std::endl;
+    wait_for_key();
+    gyro.irq_callback_hold(true);
+    print("held");
+    wait_for_key();
+    print("end");
+}
+
 struct EntryPoint {
     char const* name;
     void (*run)();
 };
 
 constexpr EntryPoint kEntryPoints[] = {
+    {"alarm_old", [] { test_alarm_old(); }},
     {"button_irq_line", print_button_irq_line},
     {"device_type", print_device_type},
     {"illumination_client", serve_illumination_client},
@@ -109,7 +192,10 @@ constexpr EntryPoint kEntryPoints[] = {
     {"illumination_get_segments", [] { on_illumination(get_segments); }},
     {"illumination_set_brightness", [] { on_illumination(set_brightness); }},
     {"illumination_set_segments", [] { on_illumination(set_segments); }},
+    {"lightbar_actions", lightbar_actions},
     {"nothing", [] {}},
+    {"orientation_printer", orientation_printer},
+    {"samples_of_a_minute", samples_of_a_minute},
     {"read_dio_config", read_dio_config},
     {"rtu_delegate", [] { std::cout << "returned " << test_rtu_delegate() << std::endl; }},
     {"rtu_version", rtu_version},
