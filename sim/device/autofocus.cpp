@@ -158,8 +158,11 @@ int Autofocus::set_position_mm(unsigned int position) {
     if (!module.table_filled || type == nullptr) {
         return refuse(ENODATA);
     }
-    double const step = std::round(step_at(*type, position));
-    return set_position(step < 0.0 ? kHighestStep + 1U : static_cast<unsigned int>(step));
+    if (position < type->table[kEntries - 1].mm || position > type->table[0].mm) {
+        raised_.target_unreachable = true;
+        return refuse(ERANGE);
+    }
+    return set_position(rounded(step_at(*type, position)));
 }
 
 int Autofocus::get_position_limits_mm(std::string const& device_type, unsigned short& min, unsigned short& max) const {

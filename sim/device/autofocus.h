@@ -45,7 +45,7 @@ public:
     int set_position(unsigned int position);
     // Maintenance mode takes the limits back to the mechanical stops.
     int get_position_limits(unsigned short& min, unsigned short& max) const;
-    // Millimetres by the table of the fitted device type; ENODATA where the table is empty.
+    // Millimetres by the table of the fitted device type, which none are set beyond; ENODATA where it is empty.
     int get_position_mm(unsigned short& position) const;
     int set_position_mm(unsigned int position);
     // EINVAL for a word that is no device type.
