@@ -1,0 +1,245 @@
+// Transcripts of the legacy tilt alarm test, which r47-entry-points starts.
+#include <gtest/gtest.h>
+
+#include "tests/menus/motion/motion_run.h"
+#include "tests/support/screens/motion.h"
+
+namespace {
+
+using namespace motion;
+using namespace screens;
+using support::Calls;
+using support::ConsoleSession;
+using support::SessionOptions;
+
+std::string const kLegacyStart = "int test_alarm_old()\n" + firmware_report("AP", true);
+
+Calls const kStartCalls = {kRtuConstruction,
+                           gyro_construction(),
+                           "gyro_alarm_t::gyro_alarm_t(#3, 37)",
+                           "gyro_t::boot() = 0",
+                           "gyro_t::install_callbacks() = 0",
+                           "gyro_t::irq_callback_hold(true) = 0",
+                           "gyro_t::info_firmware() = 0",
+                           "gyro_t::activate_vsensor(37, 1, 1) = 0",
+                           button_construction(44),
+                           "button_t::irq_callback_hold(false) = 0",
+                           "rtu_t::set_device_status(3) = 0",
+                           "gyro_t::irq_callback_hold(false) = 0",
+                           "gyro_t::irq_callback_hold(false) = 0"};
+
+Calls const kEndCalls = {"button_t::~button_t()", "gyro_alarm_t::~gyro_alarm_t()", "gyro_t::~gyro_t()",
+                         "rtu_t::~rtu_t()"};
+
+SessionOptions legacy(SessionOptions options = stepped()) {
+    options.entry_point = "alarm_old";
+    return options;
+}
+
+// The test at its prompt.
+class LegacyAlarmTest : public testing::Test {
+protected:
+    explicit LegacyAlarmTest(SessionOptions const& options = legacy()) : session(options) {
+        session.wait_for(kLegacyAlarmMenu);
+    }
+
+    void step(std::string const& length) { session.control("step " + length); }
+
+    // One sample of the orientation sensor.
+    void sample() { step("1s"); }
+
+    void type(char key) {
+        session.type({&key, 1});
+        session.wait_for(legacy_alarm_menu(key).substr(kLegacyAlarmMenu.size()));
+        session.wait_for(kLegacyAlarmMenu);
+    }
+
+    // The whole output, where `shown` stands between the start and the last menu.
+    void expect_output(std::string const& shown) {
+        session.type("x");
+        EXPECT_EQ(session.wait_for_exit(), 0);
+        EXPECT_EQ(session.output(), kLegacyStart + shown + legacy_alarm_menu('x').substr(kLegacyAlarmMenu.size()));
+        EXPECT_EQ(session.errors(), "");
+    }
+
+    Calls later_calls() { return calls_from(kStartCalls.size(), session.calls()); }
+
+    ConsoleSession session;
+};
+
+std::string const kToWarning = "################################################# Changing to warning  \n";
+std::string const kToRunning =
+    "void cb_sensor_data(uint8_t, hal::cb_struct_te, void*)"
+    "################################################# Changing to running\n";
+std::string const kLevelSaved =
+    "Saved Pos0  : 0Saved Pos1  : 0Saved Pos2  : 0###############   Saving done  ###################\n";
+
+Calls const kSample = {"callback gyro_t::callback_records(0, 37)"};
+
+TEST_F(LegacyAlarmTest, StartsAndLeavesInItsOrder) {
+    expect_output(kLegacyAlarmMenu);
+    EXPECT_EQ(session.calls(), kStartCalls + kEndCalls);
+}
+
+TEST_F(LegacyAlarmTest, DeviceShowsRunningBeforeAnySample) {
+    EXPECT_EQ(device_state(session), 3);
+}
+
+TEST_F(LegacyAlarmTest, ListAndHoldKeysCallTheLibrary) {
+    type('i');
+    type('t');
+    type('t');
+    type('t');
+    expect_output(kLegacyAlarmMenu + legacy_alarm_menu('i').substr(kLegacyAlarmMenu.size()) + kVirtualSensors +
+                  legacy_alarm_menu('t') + legacy_alarm_menu('t') + "Running" + legacy_alarm_menu('t') +
+                  kLegacyAlarmMenu);
+    Calls const of_keys{"gyro_t::info_vsensor_list() = 0", "gyro_t::irq_callback_hold(true) = 0",
+                        "gyro_t::irq_callback_hold(false) = 0", "gyro_t::irq_callback_hold(true) = 0"};
+    EXPECT_EQ(session.calls(), kStartCalls + of_keys + kEndCalls);
+}
+
+TEST_F(LegacyAlarmTest, AllOtherKeysShowTheMenuAgain) {
+    std::string const keys = "abcdefghjklmnopqruvwyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789;-";
+    session.type(keys);
+    std::string shown;
+    for (char const key : keys) {
+        shown += legacy_alarm_menu(key);
+    }
+    expect_output(shown + kLegacyAlarmMenu);
+    EXPECT_EQ(session.calls(), kStartCalls + kEndCalls);
+}
+
+TEST_F(LegacyAlarmTest, TiltWarnsAndReturnRuns) {
+    step("1ms");
+    session.control("tilt 0 20 0");
+    sample();
+    EXPECT_EQ(device_state(session), 5);
+    sample();
+    session.control("tilt 0 0 0");
+    sample();
+    EXPECT_EQ(device_state(session), 3);
+    expect_output(kLegacyAlarmMenu + kSampleTrace + kToWarning + kSampleTrace + kSampleTrace + kToRunning);
+    EXPECT_EQ(later_calls(), kSample + Calls{"rtu_t::set_device_status(5) = 0"} + kSample + kSample +
+                                 Calls{"rtu_t::set_device_status(3) = 0"} + kEndCalls);
+}
+
+TEST_F(LegacyAlarmTest, SaveKeyTakesTheNextSample) {
+    step("1ms");
+    session.control("tilt 0 0 180");
+    sample();
+    EXPECT_EQ(device_state(session), 5);
+    type('s');
+    sample();
+    sample();
+    EXPECT_EQ(device_state(session), 3);
+    expect_output(kLegacyAlarmMenu + kSampleTrace + kToWarning +
+                  legacy_alarm_menu('s').substr(kLegacyAlarmMenu.size()) + kLegacyAlarmMenu + kSampleTrace +
+                  "Saved Pos0  : 0Saved Pos1  : 0Saved Pos2  : 180"
+                  "###############   Saving done  ###################\n" +
+                  kSampleTrace + kToRunning);
+}
+
+TEST_F(LegacyAlarmTest, HeldCallbacksBringNoSample) {
+    step("1ms");
+    type('t');
+    session.control("tilt 0 20 0");
+    step("10s");
+    EXPECT_EQ(device_state(session), 3);
+    EXPECT_EQ(later_calls(), Calls{"gyro_t::irq_callback_hold(true) = 0"});
+}
+
+TEST_F(LegacyAlarmTest, ButtonOfAnR47IsOnAnotherLine) {
+    session.control("press 6s");
+    step("6s");
+    for (std::string const& call : later_calls()) {
+        EXPECT_EQ(call, kSample.front());
+    }
+}
+
+class LegacyAlarmOnOtherVariantTest : public LegacyAlarmTest {
+protected:
+    static SessionOptions other_variant() {
+        SessionOptions options = legacy();
+        options.without = {"/dev/r47-rtu-driver", "/dev/r47-autofocus-driver", "/dev/r47-illumination-driver"};
+        return options;
+    }
+
+    LegacyAlarmOnOtherVariantTest() : LegacyAlarmTest(other_variant()) {}
+};
+
+TEST_F(LegacyAlarmOnOtherVariantTest, PressOf5SecondsSavesThePosition) {
+    step("1ms");
+    session.control("press 5s");
+    step("4s");
+    step("1s");
+    sample();
+    std::string traces;
+    for (int i = 0; i < 5; ++i) {
+        traces += kSampleTrace;
+    }
+    expect_output(kLegacyAlarmMenu + traces + kSampleTrace + kLevelSaved);
+}
+
+TEST(LegacyAlarmStartTest, FailuresOfTheLibraryAreNotReported) {
+    SessionOptions options =
+        legacy(stepped({"fault add *::boot status -1", "fault add *::in* status -1", "fault add *::activate* status -1",
+                        "fault add *::set_* status -1", "fault add *::irq_* status -1"}));
+    auto const run = support::run_console("itx", options);
+    EXPECT_EQ(run.output,
+              "int test_alarm_old()\n" + legacy_alarm_menu('i') + legacy_alarm_menu('t') + legacy_alarm_menu('x'));
+    Calls expected = kStartCalls + Calls{"gyro_t::info_vsensor_list() = 0", "gyro_t::irq_callback_hold(true) = 0"};
+    for (std::string& call : expected) {
+        if (call.compare(call.size() - 4, 4, " = 0") == 0) {
+            call.replace(call.size() - 1, 1, "-1");
+        }
+    }
+    EXPECT_EQ(run.calls, expected + kEndCalls);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(run.status, 0);
+}
+
+TEST(LegacyAlarmStartTest, HubIsGiven3SecondsBeforeTheMenu) {
+    SessionOptions options = legacy();
+    options.clock = "real";
+    ConsoleSession session(options);
+    session.wait_for(kSampleTrace);
+    session.wait_for(kSampleTrace);
+    session.wait_for(kLegacyAlarmMenu);
+    session.type("x");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    std::vector<double> releases;
+    for (std::string const& line : session.journal()) {
+        if (line.find("gyro_t::irq_callback_hold(false)") != std::string::npos) {
+            releases.push_back(std::stod(line));
+        }
+    }
+    ASSERT_EQ(releases.size(), 2U);
+    EXPECT_GE(releases[1] - releases[0], 3.0);
+    EXPECT_LT(releases[1] - releases[0], 4.5);
+}
+
+TEST(LegacyAlarmStartTest, LogFileIsEmptiedAndStaysEmpty) {
+    SessionOptions options = legacy();
+    options.script = "echo old > /tmp/gyro.txt; \"$@\"; echo \"size $(stat -c %s /tmp/gyro.txt)\"";
+    ConsoleSession session(options);
+    session.wait_for(kLegacyAlarmMenu);
+    session.control("step 1ms");
+    session.type("s");
+    session.wait_for(kLegacyAlarmMenu);
+    session.control("step 2s");
+    session.wait_for(kLevelSaved);
+    session.type("x");
+    session.wait_for("size 0\n");
+}
+
+TEST(LegacyAlarmStartTest, EndOfInputLeavesTheMenu) {
+    auto const run = [] {
+        ConsoleSession session(legacy());
+        session.end_input();
+        EXPECT_EQ(session.wait_for_exit(), 0);
+        return session.output();
+    }();
+    EXPECT_EQ(run, kLegacyStart + legacy_alarm_menu('x'));
+}
+
+}  // namespace
