@@ -75,6 +75,7 @@ Commands const& device_commands() {
         add_node_verbs(*all);
         add_imaging_verbs(*all);
         add_motion_verbs(*all);
+        add_ranging_verbs(*all);
         add_time_verbs(*all);
         add_journal_verbs(*all);
         all->add({"help", "help", "this list", [all](Caller const&, Words const&) { return Reply::done(all->help()); },

@@ -10,6 +10,7 @@ void add_fault_verbs(Commands& commands);    // fault
 void add_node_verbs(Commands& commands);     // node
 void add_imaging_verbs(Commands& commands);  // drive, power, fit, trigger
 void add_motion_verbs(Commands& commands);   // tilt, press, button
+void add_ranging_verbs(Commands& commands);  // scene
 void add_time_verbs(Commands& commands);     // clock, step
 void add_journal_verbs(Commands& commands);  // journal
 

@@ -1,0 +1,32 @@
+// The verb that puts something in front of the ranging sensor.
+#include "sim/control/verbs.h"
+#include "sim/device/scene.h"
+
+namespace sim {
+
+namespace {
+
+char const* const kSceneUsage =
+    "scene none\n"
+    "scene plane MM [reflectance PERCENT]\n"
+    "scene tilted MM YAW [PITCH] [reflectance PERCENT]\n"
+    "scene step LEFT_MM RIGHT_MM [reflectance PERCENT]\n"
+    "scene hole MM [DEPTH_MM] [reflectance PERCENT]";
+
+Reply scene(Caller const& caller, Words const& words) {
+    auto const parsed = Scene::parse(join_words(words));
+    if (!parsed) {
+        return usage_error(kSceneUsage);
+    }
+    caller.device.ranging.set_scene(*parsed);
+    return Reply::done();
+}
+
+}  // namespace
+
+void add_ranging_verbs(Commands& commands) {
+    commands.add(
+        {"scene", kSceneUsage, "what lies in front of the ranging sensor, 50 percent reflecting unless told", scene});
+}
+
+}  // namespace sim

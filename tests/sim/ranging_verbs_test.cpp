@@ -1,0 +1,93 @@
+// The command for the scene, and what the commands for every property do to light, focus and ranging.
+#include <gtest/gtest.h>
+
+#include "sim/control/command.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using sim::Device;
+using sim::Reply;
+
+class RangingVerbsTest : public testing::Test {
+protected:
+    RangingVerbsTest() { device_.timeline.run_stepped(); }
+
+    Reply run(std::string const& line) { return sim::device_commands().run({device_, {}}, line); }
+
+    void expect_done(std::string const& line) {
+        Reply const reply = run(line);
+        EXPECT_TRUE(reply.ok) << line << ": " << reply.text;
+        EXPECT_EQ(reply.text, "");
+    }
+
+    std::string value(std::string const& name) {
+        auto const lock = device_.lock();
+        device_.advance();
+        return sim::value_text(device_.properties.all().at(name).get());
+    }
+
+    Device device_{std::make_unique<sim::MemoryFileSystem>()};
+};
+
+TEST_F(RangingVerbsTest, SceneIsPutInFrontOfTheSensor) {
+    for (std::string const scene :
+         {"none", "plane 700", "tilted 800 -20 5", "step 500 900 reflectance 10", "hole 600 0"}) {
+        expect_done("scene " + scene);
+        EXPECT_EQ(value("ranging.scene"), scene);
+    }
+    expect_done("set ranging.scene \"plane 333\"");
+    EXPECT_EQ(value("ranging.scene"), "plane 333");
+}
+
+TEST_F(RangingVerbsTest, BadSceneAnswersOneLineAndChangesNothing) {
+    for (char const* line : {"scene", "scene wall 3", "scene plane", "scene plane -1", "scene plane 800 900"}) {
+        Reply const reply = run(line);
+        EXPECT_FALSE(reply.ok) << line;
+        EXPECT_EQ(reply.text.find("usage: scene none | scene plane MM"), 0U) << reply.text;
+        EXPECT_EQ(reply.text.find('\n'), std::string::npos);
+    }
+    EXPECT_EQ(value("ranging.scene"), "plane 800");
+}
+
+TEST_F(RangingVerbsTest, TemperatureThatIsSetGoesOnFromThere) {
+    {
+        auto const lock = device_.lock();
+        device_.advance();
+        device_.illumination.set_brightness(sim::Illumination::kBrightnessLimits.max);
+    }
+    expect_done("step 60s");
+    expect_done("set illumination.temperature.internal 90");
+    EXPECT_EQ(value("illumination.lit"), "false");
+    expect_done("step 32s");  // from 90 to 75 in 120 ln(65/50) = 31.5 s
+    EXPECT_EQ(value("illumination.lit"), "true");
+}
+
+TEST_F(RangingVerbsTest, LightFollowsTheTriggersOfTheRealTimeUnit) {
+    {
+        auto const lock = device_.lock();
+        device_.advance();
+        device_.illumination.set_brightness(sim::Illumination::kBrightnessLimits.max);
+        EXPECT_EQ(device_.illumination.set_exposure_mode(hal::exposure_mode::flash, 5000), 0);
+        device_.advance();
+        EXPECT_EQ(device_.rtu.set_rate(20), 0);
+        EXPECT_EQ(device_.rtu.set_continuous(true), 0);
+    }
+    EXPECT_EQ(value("illumination.load"), "0.1");
+}
+
+TEST_F(RangingVerbsTest, MotorMovesWhileTheTimeIsStepped) {
+    {
+        auto const lock = device_.lock();
+        device_.advance();
+        EXPECT_EQ(device_.autofocus.set_position(1100), 0);
+    }
+    expect_done("step 250ms");
+    EXPECT_EQ(value("autofocus.position"), "350");
+    EXPECT_EQ(value("autofocus.moving"), "true");
+    expect_done("set autofocus.motor.free false");
+    expect_done("step 600ms");
+    EXPECT_EQ(value("autofocus.error.motor_stuck"), "true");
+}
+
+}  // namespace
