@@ -259,14 +259,22 @@ void Autofocus::describe(Properties& properties) {
     properties.add_variable("autofocus.mirror.healthy", "whether the mirror swings", module.mirror_healthy);
     properties.add_variable("autofocus.table.filled", "whether there is a calibration table", module.table_filled);
     properties.add("autofocus.position", "steps", [this] { return position_; });
-    properties.add("autofocus.target", "steps, where the motor goes", [this] { return target_; });
+    properties.add(
+        "autofocus.target", "steps, where the motor goes", [this] { return static_cast<unsigned int>(target_); },
+        [this](unsigned int target) { return set_position(target) == 0 ? Error() : "the motor cannot go there now"; });
     properties.add("autofocus.moving", "whether the motor is on its way", [this] { return moving(); });
     properties.add("autofocus.calibrating", "whether the calibration runs", [this] { return calibrating(); });
     properties.add("autofocus.frequency", "Hz, that the calibration found; 0: none",
                    [this] { return frequency_hz_.value_or(0); });
-    properties.add("autofocus.doe.mode", "0 disabled, 1 enabled and off by the trigger", [this] { return doe_mode_; });
-    properties.add("autofocus.doe.forced", "active whatever its mode", [this] { return doe_forced_; });
-    properties.add("autofocus.maintenance", "the limits are the mechanical stops", [this] { return maintenance_; });
+    properties.add_variable("autofocus.doe.mode", "0 disabled, 1 enabled and off by the trigger", doe_mode_,
+                            hal::doe_mode_te::disabled, hal::doe_mode_te::off_by_trigger);
+    properties.add_variable("autofocus.doe.forced", "active whatever its mode", doe_forced_);
+    properties.add(
+        "autofocus.maintenance", "the limits are the mechanical stops", [this] { return maintenance_; },
+        [this](bool enabled) -> Error {
+            set_maintenance_mode(enabled);
+            return {};
+        });
     properties.add("autofocus.error.no_valid_frequency", "no calibration has found one",
                    [this] { return errors().no_valid_frequency; });
     properties.add("autofocus.error.initialization", "the reset did not reach its end",

@@ -314,31 +314,37 @@ void Illumination::describe(Properties& properties) {
     properties.add("illumination.error_code", "number of the gravest flag; 0: none", [this] { return error_code(); });
     properties.add("illumination.lit", "whether it gives light", [this] { return lit(); });
     properties.add("illumination.load", "heat that it makes, as a share of full light: 0-1", [this] { return load(); });
-    properties.add("illumination.pattern", "0 continuous, 65535 strobe", [this] { return pattern_; });
-    properties.add("illumination.mode", "0 inactive, 1 active", [this] { return mode_; });
     properties.add("illumination.exposure.mode", "0 continuous, 65534 flash, 65535 switch",
                    [this] { return exposure_mode_; });
     properties.add("illumination.exposure.time", "us, of the flash", [this] { return flash_time_; });
-    properties.add("illumination.segments", "mask, one bit per segment", [this] { return segments_; });
-    properties.add("illumination.brightness.total", "0-14", [this] { return brightness_; });
-    properties.add("illumination.brightness.red", "percent", [this] { return colours_[red]; });
-    properties.add("illumination.brightness.green", "percent", [this] { return colours_[green]; });
-    properties.add("illumination.brightness.blue", "percent", [this] { return colours_[blue]; });
-    properties.add("illumination.write_protection", "limits and guards are refused while it is on",
-                   [this] { return write_protected_; });
-    properties.add("illumination.limit.dc", "highest brightness of steady light", [this] { return dc_limit_; });
-    properties.add("illumination.limit.flash", "highest brightness of a flash", [this] { return flash_limit_; });
-    properties.add("illumination.limit.ot_off", "C, at which the guard switches the light off",
-                   [this] { return off_limit_; });
-    properties.add("illumination.limit.ot_decrease", "K below that limit, at which the light comes back",
-                   [this] { return decrease_; });
-    properties.add("illumination.guards.ot", "over-temperature guard", [this] { return guards_.over_temperature; });
-    properties.add("illumination.guards.dvs", "kept, without effect", [this] { return guards_.dvs; });
-    properties.add("illumination.guards.autocal", "kept, without effect", [this] { return guards_.autocal; });
-    properties.add("illumination.guards.pvd", "kept, without effect", [this] { return guards_.pvd; });
-    properties.add("illumination.led.red", "indicator LED", [this] { return leds_[red_led]; });
-    properties.add("illumination.led.green", "indicator LED", [this] { return leds_[green_led]; });
-    properties.add("illumination.led.alter", "indicator LED", [this] { return leds_[alter_led]; });
+    properties.add(
+        "illumination.pattern", "0 continuous, 65535 strobe", [this] { return pattern_; },
+        [this](hal::light_pattern_te pattern) { return set_pattern(pattern) == 0 ? Error() : "not a pattern"; });
+    properties.add_variable("illumination.mode", "0 inactive, 1 active", mode_, hal::illumination_mode_te::inactive,
+                            hal::illumination_mode_te::active);
+    auto const add_number = [&](char const* name, char const* help, unsigned int& setting, Limits const& limits) {
+        properties.add_variable(name, help, setting, limits.min, limits.max);
+    };
+    add_number("illumination.segments", "mask, one bit per segment, 0-15", segments_, kSegmentLimits);
+    add_number("illumination.brightness.total", "0-14", brightness_, kBrightnessLimits);
+    add_number("illumination.brightness.red", "percent", colours_[red], kColourLimits);
+    add_number("illumination.brightness.green", "percent", colours_[green], kColourLimits);
+    add_number("illumination.brightness.blue", "percent", colours_[blue], kColourLimits);
+    add_number("illumination.limit.dc", "highest brightness of steady light, 0-14", dc_limit_, kBrightnessLimits);
+    add_number("illumination.limit.flash", "highest brightness of a flash, 0-14", flash_limit_, kBrightnessLimits);
+    add_number("illumination.limit.ot_off", "C, at which the guard switches the light off, 40-100", off_limit_,
+               kOffLimits);
+    add_number("illumination.limit.ot_decrease", "K below that limit, at which the light comes back, 1-30", decrease_,
+               kDecreaseLimits);
+    properties.add_variable("illumination.write_protection",
+                            "the library's limits and guards are refused while it is on", write_protected_);
+    properties.add_variable("illumination.guards.ot", "over-temperature guard", guards_.over_temperature);
+    properties.add_variable("illumination.guards.dvs", "kept, without effect", guards_.dvs);
+    properties.add_variable("illumination.guards.autocal", "kept, without effect", guards_.autocal);
+    properties.add_variable("illumination.guards.pvd", "kept, without effect", guards_.pvd);
+    properties.add_variable("illumination.led.red", "indicator LED", leds_[red_led]);
+    properties.add_variable("illumination.led.green", "indicator LED", leds_[green_led]);
+    properties.add_variable("illumination.led.alter", "indicator LED", leds_[alter_led]);
 }
 
 }  // namespace sim

@@ -191,11 +191,24 @@ int Ranging::test_illumination_module(bool illumination_present) const {
 }
 
 void Ranging::describe(Properties& properties) {
-    properties.add("ranging.resolution", "zones: 16 or 64", [this] { return resolution_; });
-    properties.add("ranging.frequency", "Hz", [this] { return frequency_hz_; });
-    properties.add("ranging.mode", "1 continuous, 3 autonomous", [this] { return mode_; });
-    properties.add("ranging.integration_time", "ms, of the autonomous mode", [this] { return integration_ms_; });
-    properties.add("ranging.power", "0 sleep, 1 wakeup", [this] { return power_; });
+    auto const add_setting = [&](char const* name, char const* help, auto get, auto set) {
+        properties.add(name, help, get, [set](auto value) { return set(value) == 0 ? Error() : "not a legal value"; });
+    };
+    add_setting(
+        "ranging.resolution", "zones: 16 or 64", [this] { return resolution_; },
+        [this](Resolution resolution) { return set_resolution(resolution); });
+    add_setting(
+        "ranging.frequency", "Hz, 1-60 with 16 zones, 1-15 with 64", [this] { return frequency_hz_; },
+        [this](unsigned char hz) { return set_frequency(hz); });
+    add_setting(
+        "ranging.mode", "1 continuous, 3 autonomous", [this] { return mode_; },
+        [this](RangingMode mode) { return set_ranging_mode(mode); });
+    add_setting(
+        "ranging.integration_time", "ms, of the autonomous mode, 2-1000", [this] { return integration_ms_; },
+        [this](unsigned int ms) { return set_integration_time(ms); });
+    add_setting(
+        "ranging.power", "0 sleep, 1 wakeup", [this] { return power_; },
+        [this](PowerMode mode) { return set_power_mode(mode); });
     properties.add("ranging.crosstalk.compensated", "whether a calibration took the cover's cross-talk away",
                    [this] { return compensated_; });
     properties.add_variable("ranging.crosstalk.pull", "percent by which the cover pulls a target at 4 m nearer, 0-50",

@@ -245,6 +245,10 @@ TEST(AutofocusTest, PropertiesShowTheMotorAndBreakThings) {
     EXPECT_EQ(properties.set("autofocus.device_type", "R47XXXX3"), "");
     EXPECT_NE(properties.set("autofocus.device_type", "3"), "");
     EXPECT_NE(properties.set("autofocus.position", "5"), "");
+    EXPECT_NE(properties.set("autofocus.target", "5"), "");
+    EXPECT_EQ(properties.set("autofocus.maintenance", "true"), "");
+    EXPECT_EQ(properties.set("autofocus.target", "5"), "");
+    EXPECT_TRUE(autofocus.moving());
 }
 
 }  // namespace

@@ -286,7 +286,14 @@ TEST(IlluminationTest, PropertiesShowAndSetTheModule) {
     illumination.describe(properties);
     EXPECT_EQ(properties.set("illumination.temperature.ambient", "35"), "");
     EXPECT_DOUBLE_EQ(illumination.ambient_temperature, 35.0);
-    shine(illumination);
+    EXPECT_EQ(properties.set("illumination.brightness.total", "14"), "");
+    EXPECT_NE(properties.set("illumination.brightness.total", "15"), "");
+    EXPECT_EQ(properties.set("illumination.pattern", "65535"), "");
+    EXPECT_NE(properties.set("illumination.pattern", "1"), "");
+    EXPECT_EQ(properties.set("illumination.limit.ot_off", "70"), "");
+    EXPECT_EQ(illumination.brightness(), 14U);
+    EXPECT_EQ(illumination.pattern(), hal::light_pattern_te::strobe);
+    EXPECT_EQ(illumination.ot_off_limit(), 70U);
     EXPECT_TRUE(illumination.lit());
     EXPECT_EQ(properties.set("illumination.temperature.internal", "90"), "");
     EXPECT_FALSE(illumination.lit());

@@ -243,6 +243,24 @@ TEST(RangingTest, ModuleTestNeedsTheModuleAndTheEmitter) {
     EXPECT_EQ(ranging.shot(1, results), 255);
 }
 
+TEST(RangingTest, SettingsArePropertiesWithTheSameLimits) {
+    Ranging ranging;
+    sim::Properties properties;
+    ranging.describe(properties);
+    EXPECT_EQ(properties.set("ranging.resolution", "64"), "");
+    EXPECT_EQ(properties.set("ranging.frequency", "15"), "");
+    EXPECT_NE(properties.set("ranging.frequency", "16"), "");
+    EXPECT_NE(properties.set("ranging.frequency", "300"), "");
+    EXPECT_EQ(properties.set("ranging.mode", "1"), "");
+    EXPECT_EQ(properties.set("ranging.integration_time", "20"), "");
+    EXPECT_NE(properties.set("ranging.power", "2"), "");
+    EXPECT_EQ(ranging.resolution(), Ranging::Resolution::zones_8x8);
+    EXPECT_EQ(ranging.frequency(), 15);
+    EXPECT_EQ(ranging.ranging_mode(), Ranging::RangingMode::continuous);
+    EXPECT_EQ(ranging.integration_time(), 20U);
+    EXPECT_EQ(ranging.power_mode(), Ranging::PowerMode::wakeup);
+}
+
 TEST(RangingTest, SceneIsAPropertyToo) {
     Ranging ranging;
     sim::Properties properties;
