@@ -232,6 +232,10 @@ int Autofocus::set_doe_mode(hal::doe_mode_te mode) {
     return 0;
 }
 
+bool Autofocus::doe_active(bool exposing) const {
+    return module.present && (doe_forced_ || (doe_mode_ == hal::doe_mode_te::off_by_trigger && !exposing));
+}
+
 void Autofocus::set_maintenance_mode(bool enabled) {
     maintenance_ = enabled;
     unsigned short min = 0;

@@ -61,6 +61,8 @@ public:
 
     int set_doe_mode(hal::doe_mode_te mode);
     void set_doe_force_active(bool active) { doe_forced_ = active; }
+    // Enabled it is off while a trigger's exposure lasts; forced it is always on.
+    bool doe_active(bool exposing) const;
     // Leaving it drives the motor back between the limits.
     void set_maintenance_mode(bool enabled);
 

@@ -50,6 +50,8 @@ void Device::describe() {
     imx567.describe(properties, "imx567");
     illumination.describe(properties);
     autofocus.describe(properties);
+    properties.add("autofocus.doe.active", "whether it shines now",
+                   [this] { return autofocus.doe_active(rtu.exposing()); });
     ranging.describe(properties);
     hub.describe(properties, time);
     presses.describe(properties);

@@ -37,6 +37,7 @@ public:
     unsigned int drive(unsigned char pin, bool high, Time now);
     // Illumination outputs follow the exposure.
     void set_exposing(bool exposing, Time now);
+    bool exposing() const { return exposing_; }
 
     // When the next pin changes by itself.
     std::optional<Time> next_change() const;

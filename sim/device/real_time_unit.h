@@ -39,6 +39,7 @@ public:
     // The first trigger comes one period after the mode or the rate was set.
     int set_continuous(bool continuous);
     bool continuous() const { return continuous_; }
+    bool exposing() const { return pins_.exposing(); }
     // Frames per second. The limits are those of the imager type that is set.
     int set_rate(unsigned int fps);
     unsigned int rate() const { return fps_; }

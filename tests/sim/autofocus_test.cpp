@@ -232,6 +232,20 @@ TEST(AutofocusTest, DoeModeIsNoughtOrOne) {
     EXPECT_EQ(sim::value_text(properties.all().at("autofocus.doe.mode").get()), "1");
 }
 
+TEST(AutofocusTest, DoeIsOffWhileATriggerExposesUnlessForced) {
+    Autofocus autofocus;
+    EXPECT_FALSE(autofocus.doe_active(false));
+    autofocus.set_doe_mode(hal::doe_mode_te::off_by_trigger);
+    EXPECT_TRUE(autofocus.doe_active(false));
+    EXPECT_FALSE(autofocus.doe_active(true));
+    autofocus.set_doe_force_active(true);
+    EXPECT_TRUE(autofocus.doe_active(true));
+    autofocus.set_doe_mode(hal::doe_mode_te::disabled);
+    EXPECT_TRUE(autofocus.doe_active(false));
+    autofocus.set_doe_force_active(false);
+    EXPECT_FALSE(autofocus.doe_active(false));
+}
+
 TEST(AutofocusTest, PropertiesShowTheMotorAndBreakThings) {
     Autofocus autofocus;
     sim::Properties properties;

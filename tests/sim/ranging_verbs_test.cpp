@@ -76,6 +76,16 @@ TEST_F(RangingVerbsTest, LightFollowsTheTriggersOfTheRealTimeUnit) {
     EXPECT_EQ(value("illumination.load"), "0.1");
 }
 
+TEST_F(RangingVerbsTest, DoeGoesOffForTheExposuresOfTheRealTimeUnit) {
+    expect_done("set rtu.exposure.time 5000");
+    expect_done("set autofocus.doe.mode 1");
+    EXPECT_EQ(value("autofocus.doe.active"), "true");
+    expect_done("trigger 1");
+    EXPECT_EQ(value("autofocus.doe.active"), "false");
+    expect_done("step 10ms");
+    EXPECT_EQ(value("autofocus.doe.active"), "true");
+}
+
 TEST_F(RangingVerbsTest, MotorMovesWhileTheTimeIsStepped) {
     {
         auto const lock = device_.lock();
