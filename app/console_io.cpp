@@ -1,6 +1,7 @@
 // Options, numbers and results, exchanged with the terminal or, in socket mode, with the TCP client.
 #include "app/console_io.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -20,13 +21,15 @@ constexpr char kLineFeed = '\n';
 constexpr char kBackslash = '\\';
 constexpr char const* kEndMark = "\\n";  // a backslash and an n, not a newline
 
-// The next byte of the client; false at the end of the stream or on an error.
+std::atomic<bool> client_dismissed{false};
+
+// The next byte of the client; false at the end of the stream, on an error, or when nobody wants it any more.
 bool read_byte(char& byte) {
     int count;
     do {
         count = p_client_socket->read_data(&byte, 1);
     } while (count == -1 && errno == EINTR);
-    return count == 1;
+    return count == 1 && !client_dismissed;
 }
 
 // A line while it is read. What does not fit is dropped.
@@ -88,6 +91,10 @@ bool collect(Line& line) {
 }
 
 }  // namespace
+
+void dismiss_client(bool dismissed) {
+    client_dismissed = dismissed;
+}
 
 bool sckt_read_line(char* buffer) {
     release_terminal();

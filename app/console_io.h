@@ -35,5 +35,9 @@ int kosstream_send();
 // an empty line, when the client has gone.
 bool sckt_read_line(char* buffer);
 
+// True: from now on the client counts as gone, whatever lines of it still wait; a read that is pending ends with the
+// connection. From any thread.
+void dismiss_client(bool dismissed);
+
 // Sends the text as it is.
 void sckt_write_line(std::string text);

@@ -61,10 +61,12 @@ int test_socket() {
     socket_tcp client = server.accept();
     p_client_socket = &client;
     BrokenPipeIgnored const ignored;
+    dismiss_client(false);
     watch_connection(client.descriptor());
     release_terminal();
     std::thread menu_thread(serve_client);
     if (operator_ends_socket_mode()) {
+        dismiss_client(true);
         client.shutdown();  // the menu thread's pending read returns, and its menus unwind
     }
     menu_thread.join();

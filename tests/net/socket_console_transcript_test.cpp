@@ -138,6 +138,22 @@ TEST_F(SocketConsoleTest, OperatorEndsItWithTheClientInAClientDrivenMenu) {
     EXPECT_TRUE(client.ended());
 }
 
+TEST_F(SocketConsoleTest, OperatorEndsItWhateverLinesStillWait) {
+    constexpr int kCount = 20000;
+    std::string lines;
+    for (int i = 0; i < kCount; ++i) {
+        lines += "A\n";
+    }
+    client.send(lines);
+    session.wait_for("File Error Code: 0\n");
+    expect_operator_ends_it();
+    int answered = 0;
+    for (std::size_t at = 0; (at = session.output().find("ReadLine: A\n", at)) != std::string::npos; ++at) {
+        ++answered;
+    }
+    EXPECT_LT(answered, kCount);
+}
+
 TEST_F(SocketConsoleTest, MenuThatReadsTheTerminalHasItUntilItReturns) {
     client.send("b\nA\n");
     session.wait_for("Started Rtu Low Level Control \n");
