@@ -31,6 +31,8 @@ constexpr char const* kKinds[] = {"fail", "delay"};
 constexpr char const* kEffects[] = {"status -1", "delay 20"};
 constexpr long kDelay = 20000;  // microseconds, as above
 
+constexpr auto kLongestRun = std::chrono::minutes(3);
+
 // A key of no menu, whose echo shows that all commands before it are done.
 constexpr char const* kMarker = "?\n";
 
@@ -310,18 +312,15 @@ public:
             commands.back().insert(commands.back().end(),
                                    {std::to_string(task.fault.call), std::to_string(task.fault.kind)});
         }
-        run_all(commands, jobs_, [&](std::size_t i, Outcome const& outcome) { count(tasks[i], outcome); });
+        run_all(commands, {jobs_, kLongestRun},
+                [&](std::size_t i, Outcome const& outcome) { count(tasks[i], outcome); });
         return report();
     }
 
 private:
     Command command(std::size_t session) const {
-        Command words;
-        std::istringstream emulator(R47_EMULATOR);
-        for (std::string word; std::getline(emulator, word, ';');) {
-            words.push_back(word);
-        }
-        words.insert(words.end(), {R47_SELF, "run", sessions_[session].name});
+        Command words = command_of(R47_SELF);
+        words.insert(words.end(), {"run", sessions_[session].name});
         return words;
     }
 
@@ -330,7 +329,7 @@ private:
         for (std::size_t i = 0; i < sessions_.size(); ++i) {
             commands.push_back(command(i));
         }
-        for (Outcome const& outcome : run_all(commands, jobs_)) {
+        for (Outcome const& outcome : run_all(commands, {jobs_, kLongestRun})) {
             plain_.push_back(read_run(outcome));
             std::size_t const session = plain_.size() - 1;
             tell(session, "plain", plain_.back().problems);

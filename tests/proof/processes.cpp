@@ -12,6 +12,7 @@
 #include <atomic>
 #include <chrono>
 #include <mutex>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -20,8 +21,6 @@ namespace proof {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr auto kLongest = std::chrono::minutes(3);
 
 pid_t start(Command const& command, int output) {
     std::vector<char*> words{const_cast<char*>(R47_OWN_NETWORK)};
@@ -44,12 +43,16 @@ pid_t start(Command const& command, int output) {
 }
 
 // Reads until the other end is closed; false when that takes too long.
-bool read_all(int descriptor, std::string& text) {
-    auto const deadline = Clock::now() + kLongest;
+bool read_all(int descriptor, std::chrono::seconds longest, std::string& text) {
+    auto const deadline = Clock::now() + longest;
     while (true) {
-        auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+        int wait = -1;
+        if (longest.count() > 0) {
+            auto const left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+            wait = std::max(static_cast<int>(left.count()), 0);
+        }
         pollfd waited{descriptor, POLLIN, 0};
-        if (left <= 0 || ::poll(&waited, 1, static_cast<int>(left)) <= 0) {
+        if (::poll(&waited, 1, wait) == 0) {
             return false;
         }
         char buffer[4096];
@@ -61,7 +64,7 @@ bool read_all(int descriptor, std::string& text) {
     }
 }
 
-Outcome run(Command const& command) {
+Outcome run(Command const& command, std::chrono::seconds longest) {
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe");
@@ -69,7 +72,7 @@ Outcome run(Command const& command) {
     pid_t const pid = start(command, ends[1]);
     ::close(ends[1]);
     Outcome outcome;
-    if (!read_all(ends[0], outcome.output)) {
+    if (!read_all(ends[0], longest, outcome.output)) {
         ::kill(pid, SIGKILL);  // what it started dies with it
         outcome.output += "\nkilled: still running\n";
     }
@@ -82,7 +85,7 @@ Outcome run(Command const& command) {
 
 }  // namespace
 
-std::vector<Outcome> run_all(std::vector<Command> const& commands, unsigned int jobs,
+std::vector<Outcome> run_all(std::vector<Command> const& commands, Limits const& limits,
                              std::function<void(std::size_t, Outcome const&)> const& on_end) {
     std::vector<Outcome> outcomes(commands.size());
     std::atomic<std::size_t> next{0};
@@ -91,7 +94,7 @@ std::vector<Outcome> run_all(std::vector<Command> const& commands, unsigned int 
     auto const work = [&] {
         for (std::size_t i = next++; i < commands.size(); i = next++) {
             try {
-                outcomes[i] = run(commands[i]);
+                outcomes[i] = run(commands[i], limits.longest);
                 std::lock_guard<std::mutex> const lock(ending);
                 if (on_end) {
                     on_end(i, outcomes[i]);
@@ -105,7 +108,7 @@ std::vector<Outcome> run_all(std::vector<Command> const& commands, unsigned int 
     };
     // A command dies with the thread that started it, so each thread stays until its commands have ended.
     std::vector<std::thread> workers;
-    for (unsigned int i = 0; i < std::max(jobs, 1U); ++i) {
+    for (unsigned int i = 0; i < std::max(limits.jobs, 1U); ++i) {
         workers.emplace_back(work);
     }
     for (std::thread& worker : workers) {
@@ -115,6 +118,16 @@ std::vector<Outcome> run_all(std::vector<Command> const& commands, unsigned int 
         std::rethrow_exception(failure);
     }
     return outcomes;
+}
+
+Command command_of(std::string const& program) {
+    Command words;
+    std::istringstream emulator(R47_EMULATOR);
+    for (std::string word; std::getline(emulator, word, ';');) {
+        words.push_back(word);
+    }
+    words.push_back(program);
+    return words;
 }
 
 unsigned long take_option(std::vector<std::string>& arguments, std::string const& name, unsigned long fallback) {

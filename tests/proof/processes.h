@@ -1,6 +1,7 @@
 // Runs programs beside each other, each in a network of its own.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -14,10 +15,18 @@ struct Outcome {
     std::string output;  // both streams
 };
 
-// Runs the commands, at most `jobs` at once, and answers in their order. `on_end` is called as each ends, never
-// twice at once. A command that has not ended after three minutes is killed. Throws where one cannot be started.
-std::vector<Outcome> run_all(std::vector<Command> const& commands, unsigned int jobs,
+struct Limits {
+    unsigned int jobs;                // commands at once, at least 1
+    std::chrono::seconds longest{0};  // a command that has not ended by then is killed; 0: none is
+};
+
+// Runs the commands and answers in their order. `on_end` is called as each ends, never twice at once. Throws where
+// one cannot be started.
+std::vector<Outcome> run_all(std::vector<Command> const& commands, Limits const& limits,
                              std::function<void(std::size_t index, Outcome const&)> const& on_end = {});
+
+// The words that start `program`, one of this build's.
+Command command_of(std::string const& program);
 
 // The value behind the option `name`, which is taken out of `arguments` with it; `fallback` where it is not given.
 // Throws std::invalid_argument where it is no number.
