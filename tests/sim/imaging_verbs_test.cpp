@@ -1,41 +1,19 @@
 // The commands for what surrounds the camera.
-#include <gtest/gtest.h>
-
-#include "sim/control/command.h"
+#include "tests/sim/stepped_device.h"
 
 namespace {
 
 using namespace std::chrono_literals;
-using sim::Device;
 using sim::Reply;
 
-class ImagingVerbsTest : public testing::Test {
+class ImagingVerbsTest : public SteppedDeviceTest {
 protected:
-    ImagingVerbsTest() { device_.timeline.run_stepped(); }
-
-    Reply run(std::string const& line) { return sim::device_commands().run({device_, {}}, line); }
-
-    void expect_done(std::string const& line) {
-        Reply const reply = run(line);
-        EXPECT_TRUE(reply.ok) << line << ": " << reply.text;
-        EXPECT_EQ(reply.text, "");
-    }
-
-    // The value of one property.
-    std::string value(std::string const& name) {
-        auto const lock = device_.lock();
-        device_.advance();
-        return sim::value_text(device_.properties.all().at(name).get());
-    }
-
     void make_trigger_input(unsigned char pin) {
         auto const lock = device_.lock();
         hal::dio_pin_config_t config;
         config.func = hal::dio_pin_config_t::pin_func::trigger_input;
         ASSERT_EQ(device_.rtu.set_pin_config(pin, config), 0);
     }
-
-    Device device_{std::make_unique<sim::MemoryFileSystem>()};
 };
 
 TEST_F(ImagingVerbsTest, DrivenTriggerInputTakesAFrame) {

@@ -1,34 +1,11 @@
 // The command for the scene, and what the commands for every property do to light, focus and ranging.
-#include <gtest/gtest.h>
-
-#include "sim/control/command.h"
+#include "tests/sim/stepped_device.h"
 
 namespace {
 
-using namespace std::chrono_literals;
-using sim::Device;
 using sim::Reply;
 
-class RangingVerbsTest : public testing::Test {
-protected:
-    RangingVerbsTest() { device_.timeline.run_stepped(); }
-
-    Reply run(std::string const& line) { return sim::device_commands().run({device_, {}}, line); }
-
-    void expect_done(std::string const& line) {
-        Reply const reply = run(line);
-        EXPECT_TRUE(reply.ok) << line << ": " << reply.text;
-        EXPECT_EQ(reply.text, "");
-    }
-
-    std::string value(std::string const& name) {
-        auto const lock = device_.lock();
-        device_.advance();
-        return sim::value_text(device_.properties.all().at(name).get());
-    }
-
-    Device device_{std::make_unique<sim::MemoryFileSystem>()};
-};
+class RangingVerbsTest : public SteppedDeviceTest {};
 
 TEST_F(RangingVerbsTest, SceneIsPutInFrontOfTheSensor) {
     for (std::string const scene :

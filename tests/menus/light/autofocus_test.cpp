@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "tests/menus/imaging/menu_run.h"
+#include "tests/menus/light/stepped_menu.h"
 #include "tests/support/screens/light.h"
 
 namespace {
@@ -267,26 +268,9 @@ TEST_F(AutofocusClientTest, TerminalDrivesTheMenuAndTheClientGetsNothing) {
     end();
 }
 
-// One visit of the menu in which the time is stepped between the keys.
-class MovingAutofocusTest : public testing::Test {
+class MovingAutofocusTest : public light::SteppedMenuTest {
 protected:
-    MovingAutofocusTest() {
-        session.type("f");
-        session.wait_for(screens::main_menu('f'));
-    }
-
-    static support::SessionOptions stepped() {
-        support::SessionOptions options;
-        options.clock = "stepped";
-        return options;
-    }
-
-    void expect(char key, std::string const& typed, std::string const& printed) {
-        session.type(key + typed);
-        session.wait_for(std::string("Your Option = ") + key + "\n" + printed + screens::kTopUsage);
-    }
-
-    support::ConsoleSession session{stepped()};
+    MovingAutofocusTest() : SteppedMenuTest('f') {}
 };
 
 TEST_F(MovingAutofocusTest, MotorIsOnItsWayAtOnceAndThereLater) {

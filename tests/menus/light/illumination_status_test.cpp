@@ -1,5 +1,6 @@
 // Transcripts of the illumination menu's status readouts, and of how the module warms up and cools down.
 #include "tests/menus/light/illumination_run.h"
+#include "tests/menus/light/stepped_menu.h"
 
 namespace {
 
@@ -223,26 +224,9 @@ TEST(IlluminationStatusTest, ProtectedSettingsAreRefusedUntilTheProtectionIsOff)
     expect_run(kIllumination, steps);
 }
 
-// One visit of the menu in which the time is stepped between the keys.
-class WarmIlluminationTest : public testing::Test {
+class WarmIlluminationTest : public light::SteppedMenuTest {
 protected:
-    WarmIlluminationTest() {
-        session.type("c");
-        session.wait_for(screens::main_menu('c'));
-    }
-
-    static support::SessionOptions stepped() {
-        support::SessionOptions options;
-        options.clock = "stepped";
-        return options;
-    }
-
-    void expect(char key, std::string const& typed, std::string const& printed) {
-        session.type(key + typed);
-        session.wait_for(std::string("Your Option = ") + key + "\n" + printed + screens::kTopUsage);
-    }
-
-    support::ConsoleSession session{stepped()};
+    WarmIlluminationTest() : SteppedMenuTest('c') {}
 };
 
 TEST_F(WarmIlluminationTest, FullLightHeatsToTheLimitIsSwitchedOffAndComesBackCool) {
