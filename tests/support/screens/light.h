@@ -39,10 +39,10 @@ inline std::string illumination_menu(char key) {
                               "r: set OT limit decrease  "}) {
         text += std::string("\t\t ") + label + "\n";
     }
-    for (char const* label : {"s: set illum red brightness", "S: get illum red brightness",
-                              "t: set illum green brightness", "T: get illum green brightness",
-                              "u: set illum blue brightness", "U: get illum blue brightness",
-                              "v: check is illum available"}) {
+    for (char const* label :
+         {"s: set illum red brightness", "S: get illum red brightness", "t: set illum green brightness",
+          "T: get illum green brightness", "u: set illum blue brightness", "U: get illum blue brightness",
+          "v: check is illum available"}) {
         text += padded(std::string("\t\t  ") + label, 41);
     }
     for (char const* label : {"k: get red LED STATE ", "K: set red LED STATE  ", "z: get green LED STATE ",

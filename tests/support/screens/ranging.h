@@ -21,6 +21,8 @@ inline std::string tof_menu(char key) {
 }
 
 // What a key prints that no command has; the exit key too.
-inline std::string unknown_command(char key) { return std::string("unknown command ") + key + "\n"; }
+inline std::string unknown_command(char key) {
+    return std::string("unknown command ") + key + "\n";
+}
 
 }  // namespace screens
