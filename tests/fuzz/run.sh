@@ -6,7 +6,7 @@
 set -eu
 cd "$(dirname "$0")/../.."
 
-most_input=2048 # bytes; more only makes the runs slower
+most_input=1536 # bytes, a client's line that is too long among them; more only makes the runs slower
 
 run_one() { # SECONDS FUZZER
     mkdir -p "build-fuzz/corpus/$2" "build-fuzz/findings/$2"
@@ -14,7 +14,7 @@ run_one() { # SECONDS FUZZER
     [ ! -f "tests/fuzz/$2.dict" ] || dictionary="-dict=tests/fuzz/$2.dict"
     status=0
     # shellcheck disable=SC2086
-    "build-fuzz/$2" -max_total_time="$1" -max_len="$most_input" -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 \
+    "build-fuzz/$2" -max_total_time="$1" -max_len="$most_input" -len_control=20 -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 \
         -artifact_prefix="build-fuzz/findings/$2/" $dictionary "build-fuzz/corpus/$2" "tests/fuzz/seeds/$2" \
         </dev/null >/dev/null 2>"build-fuzz/$2.log" || status=$?
     awk -v name="$2" -v status="$status" '
