@@ -43,9 +43,8 @@ protected:
         return shell(sim_ + " run --control " + socket_ + " " + options + " -- " + command);
     }
 
-    std::string const emulator_ = R47_EMULATOR;
-    std::string const sim_ = emulator_ + " " + R47_SIM;
-    std::string const probe_ = emulator_ + " " + R47_PROBE;
+    std::string const sim_ = std::string(R47_SIM_EMULATOR) + " " + R47_SIM;
+    std::string const probe_ = std::string(R47_EMULATOR) + " " + R47_PROBE;
     TemporaryDirectory directory_;
     std::string const socket_ = directory_.path() + "/control.sock";
 };

@@ -151,7 +151,7 @@ ConsoleSession::~ConsoleSession() {
 
 std::vector<std::string> ConsoleSession::command_line(SessionOptions const& options) const {
     std::vector<std::string> const emulator = words_of(R47_EMULATOR);
-    std::vector<std::string> line = emulator;
+    std::vector<std::string> line = words_of(R47_SIM_EMULATOR);
     if (options.outside) {
         line.clear();
     } else {
