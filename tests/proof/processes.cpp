@@ -123,7 +123,7 @@ std::vector<Outcome> run_all(std::vector<Command> const& commands, Limits const&
 Command command_of(std::string const& program) {
     Command words;
     std::istringstream emulator(R47_EMULATOR);
-    for (std::string word; std::getline(emulator, word, ';');) {
+    for (std::string word; emulator >> word;) {
         words.push_back(word);
     }
     words.push_back(program);

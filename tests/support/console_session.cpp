@@ -69,11 +69,11 @@ std::string make_directory() {
     return path;
 }
 
-// The words of a list that CMake wrote with semicolons.
+// The words of an emulator's command line; none where there is no emulator.
 std::vector<std::string> words_of(std::string const& list) {
     std::vector<std::string> words;
     std::istringstream stream(list);
-    for (std::string word; std::getline(stream, word, ';');) {
+    for (std::string word; stream >> word;) {
         words.push_back(word);
     }
     return words;
