@@ -235,9 +235,10 @@ int try_quietly(Arguments const& arguments) {
 
 // Root of a user namespace, where the host allows that and this program is to be seen from it (root's clone of
 // another user's private files is not); otherwise root itself, which may then still read them. No other rights:
-// a file that nobody may read is not read.
+// a file that nobody may read is not read. With CAP_SETFCAP a sandbox inside this one may map its root as well.
 Error choose_user(Arguments& arguments) {
-    Arguments const as_root{"--unshare-user", "--uid", "0", "--gid", "0", "--cap-drop", "ALL"};
+    Arguments as_root{"--unshare-user", "--uid", "0", "--gid", "0"};
+    add(as_root, {"--cap-drop", "ALL", "--cap-add", "CAP_SETFCAP"});
     Arguments trial{"bwrap"};
     trial.insert(trial.end(), as_root.begin(), as_root.end());
     add(trial, {"--ro-bind", "/", "/", "--", "test", "-r", own_path()});

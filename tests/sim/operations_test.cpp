@@ -7,24 +7,46 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
+// Whether a quoted text is the name of an operation. Callbacks are journaled under the names of the fields that hold
+// them.
+bool is_operation(std::string const& text) {
+    auto const is_name_character = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == ':' || c == '~';
+    };
+    bool const is_callback = text.find("_records") != std::string::npos || text.find("::on_") != std::string::npos;
+    return text.find("_t::") != std::string::npos && !is_callback &&
+           std::all_of(text.begin(), text.end(), is_name_character);
+}
+
+// All that stands between double quotes.
+std::vector<std::string> quoted_texts(std::string const& source) {
+    std::vector<std::string> texts;
+    std::istringstream parts(source);
+    std::string part;
+    for (bool quoted = false; std::getline(parts, part, '"'); quoted = !quoted) {
+        if (quoted) {
+            texts.push_back(part);
+        }
+    }
+    return texts;
+}
+
 std::set<std::string> operations_in_sources() {
     std::set<std::string> names;
-    std::regex const name("\"([a-z0-9_]+_t::~?[a-z0-9_]+)\"");
     for (auto const& entry : std::filesystem::directory_iterator(R47_SOURCE_DIR "/sim/hal")) {
         std::ifstream file(entry.path());
-        std::string const text(std::istreambuf_iterator<char>(file), {});
-        for (std::sregex_iterator match(text.begin(), text.end(), name), end; match != end; ++match) {
-            std::string const operation = (*match)[1];
-            // Callbacks are journaled under the names of the fields that hold them.
-            bool const is_callback = std::regex_search(operation, std::regex("_records$|::on_"));
-            if (!is_callback) {
-                names.insert(operation);
+        for (std::string line; std::getline(file, line);) {
+            for (std::string const& text : quoted_texts(line)) {
+                if (is_operation(text)) {
+                    names.insert(text);
+                }
             }
         }
     }
