@@ -119,10 +119,13 @@ int Ranging::shot(unsigned int measurements, VL53L5CX_ResultsData& results) {
     results.silicon_temp_degc = static_cast<std::int8_t>(std::lround(temperature_));
     int const side = side_of(resolution_);
     double const half_width = std::tan(kDiagonalView / 2.0 * kDegree) / std::sqrt(2.0);
-    for (int zone = 0; zone < side * side; ++zone) {
-        double const right = ((zone % side + 0.5) / side * 2.0 - 1.0) * half_width;
-        double const down = ((zone / side + 0.5) / side * 2.0 - 1.0) * half_width;
-        measure(right, down, std::clamp(measurements, 1U, kMostMeasurements), static_cast<unsigned int>(zone), results);
+    unsigned int zone = 0;
+    for (int row = 0; row < side; ++row) {
+        for (int column = 0; column < side; ++column) {
+            double const right = ((column + 0.5) / side * 2.0 - 1.0) * half_width;
+            double const down = ((row + 0.5) / side * 2.0 - 1.0) * half_width;
+            measure(right, down, std::clamp(measurements, 1U, kMostMeasurements), zone++, results);
+        }
     }
     return 0;
 }

@@ -147,11 +147,12 @@ TEST(RangingTest, TiltedPlaneShowsItsTiltInTheGrid) {
     double const tilt = std::tan(20.0 * 3.14159265358979323846 / 180.0);
     for (int row = 0; row < 8; ++row) {
         SCOPED_TRACE(row);
+        std::int16_t const* const zones = results.distance_mm + row * std::ptrdiff_t{8};
         for (int column = 1; column < 8; ++column) {
-            EXPECT_GT(results.distance_mm[row * 8 + column], results.distance_mm[row * 8 + column - 1]);
+            EXPECT_GT(zones[column], zones[column - 1]);
         }
-        EXPECT_NEAR(results.distance_mm[row * 8], 1000.0 / (1.0 + slope * tilt), 1.0);
-        EXPECT_NEAR(results.distance_mm[row * 8 + 7], 1000.0 / (1.0 - slope * tilt), 1.0);
+        EXPECT_NEAR(zones[0], 1000.0 / (1.0 + slope * tilt), 1.0);
+        EXPECT_NEAR(zones[7], 1000.0 / (1.0 - slope * tilt), 1.0);
     }
 }
 

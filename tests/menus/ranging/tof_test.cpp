@@ -15,7 +15,7 @@ using support::Calls;
 std::string const kOpening = "tof_t::tof_t(\"/dev/r47-tof-driver\", 2)";
 std::string const kClosing = "tof_t::~tof_t()";
 
-support::Transcript expect_tof(std::vector<Step> const& steps, support::SessionOptions const& options = {}) {
+void expect_tof(std::vector<Step> const& steps, support::SessionOptions const& options = {}) {
     std::string typed = "p";
     std::string printed;
     Calls calls = {kOpening};
@@ -30,7 +30,6 @@ support::Transcript expect_tof(std::vector<Step> const& steps, support::SessionO
     EXPECT_EQ(run.calls, calls);
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.errors, "");
-    return run;
 }
 
 // One of the five settings that show their old and their new value.
