@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstring>
 #include <mutex>
 #include <sstream>
 #include <stdexcept>
@@ -37,7 +38,7 @@ pid_t start(Command const& command, int output) {
     int const error = ::posix_spawn(&pid, words.front(), &actions, nullptr, words.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
-        throw std::runtime_error("cannot start " + std::string(words.front()));
+        throw std::runtime_error("cannot start " + std::string(words.front()) + ": " + std::strerror(error));
     }
     return pid;
 }

@@ -13,10 +13,6 @@ Step typed(std::string const& text) {
     return {Step::Kind::type, text + "\n"};
 }
 
-Step connected() {
-    return {Step::Kind::connect, ""};
-}
-
 // Each word a line.
 Step sent(std::string const& words) {
     std::istringstream stream(words);
@@ -39,6 +35,11 @@ Steps operator+(Steps first, Steps const& second) {
     first.insert(first.end(), second.begin(), second.end());
     return first;
 }
+
+// From then on the local menu is silent until somebody types.
+Steps const kConnected = {
+    {Step::Kind::connect, ""},
+    {Step::Kind::wait, "Socket test menu     \n\t\t  x: Return to main     \n\n\n   Please enter your option: "}};
 
 // The ends of the screens, where a menu waits for its option.
 std::string const kRtu = "x: Return to main               \n\n\nPlease enter your option: ";
@@ -137,33 +138,29 @@ std::vector<Session> terminal_sessions() {
 std::vector<Session> client_sessions() {
     support::SessionOptions const real = word({}, "socket");
     return {
-        {"client: main", real, {connected(), sent("A s L D O A")}, Exit::client_first},
-        {"client: dio",
-         real,
-         {connected(), sent("a 1 2 3 f 0 0 0 0 0 1 5 1 5 1 5 F 0 h 0 1 H 0 p o O G D x A")},
+        {"client: main", real, kConnected + Steps{sent("A s L D O A")}, Exit::client_first},
+        {"client: dio", real, kConnected + Steps{sent("a 1 2 3 f 0 0 0 0 0 1 5 1 5 1 5 F 0 h 0 1 H 0 p o O G D x A")},
          Exit::client_first},
-        {"client: camera",
-         real,
-         {connected(), sent("k m t T W u 25 U L v V e E"), seen("Enter a value for gain: "), typed("100"), sent("f F"),
-          seen("Enter a value for exposure: "), typed("5000"), sent("w i j 8 16 J k s S 1 z Z D x A")},
+        {"client: camera", real,
+         kConnected + Steps{sent("k m t T W u 25 U L v V e E"), seen("Enter a value for gain: "), typed("100"),
+                            sent("f F"), seen("Enter a value for exposure: "), typed("5000"),
+                            sent("w i j 8 16 J k s S 1 z Z D x A")},
          Exit::client_first},
-        {"client: button", real, {connected(), sent("t r D r x")}, Exit::client_first},
+        {"client: button", real, kConnected + Steps{sent("t r D r x")}, Exit::client_first},
         // A number from the client gives the terminal back to the local menu, until this menu asks again.
-        {"client: rtu",
-         real,
-         {connected(), sent("b"), seen(kRtu), typed("123 A b100 B c5 C e5000 E a"), sent("1"), seen("ReadLine: 1\n"),
-          seen(kRtu), typed("t"), sent("25"), seen("ReadLine: 25\n"), seen(kRtu), typed("m T p D x"), sent("A")},
+        {"client: rtu", real,
+         kConnected + Steps{sent("b"), seen(kRtu), typed("123 A b100 B c5 C e5000 E a"), sent("1"),
+                            seen("ReadLine: 1\n"), seen(kRtu), typed("t"), sent("25"), seen("ReadLine: 25\n"),
+                            seen(kRtu), typed("m T p D x"), sent("A")},
          Exit::client_first},
-        {"client: illumination",
-         real,
-         {connected(), sent("c"), seen(kIllumination), typed("a A1 v D x"), sent("A")},
-         Exit::client_first},
+        {"client: illumination", real,
+         kConnected + Steps{sent("c"), seen(kIllumination), typed("a A1 v D x"), sent("A")}, Exit::client_first},
         {"client: others", word(stepped(), "socket"),
-         Steps{connected()} + visit("e", kImageSensor, "cx") + visit("E", kImageSensor, "cx") +
-             visit("f", kAutofocus, "ax") + visit("g", kGyro, "Fx") + visit("G", kAlarm, "tx") +
-             visit("h", kDelegate, "tx") + visit("H", kDelegate, "tx") + visit("p", kTof, "hx") + Steps{sent("A")},
+         kConnected + visit("e", kImageSensor, "cx") + visit("E", kImageSensor, "cx") + visit("f", kAutofocus, "ax") +
+             visit("g", kGyro, "Fx") + visit("G", kAlarm, "tx") + visit("h", kDelegate, "tx") +
+             visit("H", kDelegate, "tx") + visit("p", kTof, "hx") + Steps{sent("A")},
          Exit::client_first},
-        {"client: system", {}, {typed("L"), connected(), sent("l"), seen(kSystem)}},
+        {"client: system", {}, Steps{typed("L")} + kConnected + Steps{sent("l"), seen(kSystem)}},
     };
 }
 
