@@ -1,11 +1,12 @@
 // Transcripts of the camera menu.
 #include <algorithm>
 
-#include "tests/menus/imaging/menu_run.h"
+#include "tests/menus/menu_run.h"
+#include "tests/support/screens/imaging.h"
 
 namespace {
 
-using namespace imaging;
+using namespace menus;
 using namespace screens;
 using support::Calls;
 using support::run_console;

@@ -2,11 +2,12 @@
 #include <sstream>
 
 #include "hal/dio_pin_config.h"
-#include "tests/menus/imaging/menu_run.h"
+#include "tests/menus/menu_run.h"
+#include "tests/support/screens/imaging.h"
 
 namespace {
 
-using namespace imaging;
+using namespace menus;
 using namespace screens;
 using support::Calls;
 using support::run_console;

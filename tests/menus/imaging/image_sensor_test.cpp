@@ -1,9 +1,10 @@
 // Transcripts of the image sensor menu.
-#include "tests/menus/imaging/menu_run.h"
+#include "tests/menus/menu_run.h"
+#include "tests/support/screens/imaging.h"
 
 namespace {
 
-using namespace imaging;
+using namespace menus;
 using namespace screens;
 using support::Calls;
 using support::run_console;

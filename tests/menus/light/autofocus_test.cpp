@@ -1,13 +1,13 @@
 // Transcripts of the autofocus menu.
 #include <algorithm>
 
-#include "tests/menus/imaging/menu_run.h"
 #include "tests/menus/light/stepped_menu.h"
+#include "tests/menus/menu_run.h"
 #include "tests/support/screens/light.h"
 
 namespace {
 
-using namespace imaging;
+using namespace menus;
 using support::Calls;
 
 Menu const kAutofocus{

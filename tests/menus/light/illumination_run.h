@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "tests/menus/imaging/menu_run.h"
+#include "tests/menus/menu_run.h"
 #include "tests/support/screens/light.h"
 
 namespace light {
 
-using namespace imaging;
+using namespace menus;
 
 inline Menu const kIllumination{'c',
                                 "",

@@ -2,12 +2,12 @@
 #include <cmath>
 #include <sstream>
 
-#include "tests/menus/imaging/menu_run.h"
+#include "tests/menus/menu_run.h"
 #include "tests/support/screens/ranging.h"
 
 namespace {
 
-using namespace imaging;
+using namespace menus;
 using screens::unknown_command;
 using support::Calls;
 

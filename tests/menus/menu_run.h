@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "tests/support/console_session.h"
-#include "tests/support/screens/imaging.h"
+#include "tests/support/screens/shell.h"
 
-namespace imaging {
+namespace menus {
 
 // One key of the menu: what is typed after it, what it prints, what it calls.
 struct Step {
@@ -116,4 +116,4 @@ protected:
     support::StationClient client;
 };
 
-}  // namespace imaging
+}  // namespace menus
