@@ -45,7 +45,7 @@ Error rehearse(Scenario const& scenario) {
     for (ScenarioLine const& line : sorted_by_time(scenario)) {
         Time const due = line.due.value_or(Time(0));
         device.timeline.step(std::max(Duration(0), due - device.now()));
-        Error const error = carry_out(line, device);
+        Error error = carry_out(line, device);
         if (!error.empty()) {
             return error;
         }
@@ -89,7 +89,7 @@ Error load_scenario(std::string const& path, Scenario& scenario) {
 
 Error start_scenario(Scenario const& scenario, Device& device) {
     for (ScenarioLine const& line : scenario) {
-        Error const error = line.due ? Error() : carry_out(line, device);
+        Error error = line.due ? Error() : carry_out(line, device);
         if (!error.empty()) {
             return error;
         }

@@ -33,7 +33,7 @@ Error parse_values(std::string const& text, std::vector<long double>& values) {
 
 Error FaultRules::add(std::vector<std::string> const& words) {
     Rule rule;
-    Error const error = parse(words, rule);
+    Error error = parse(words, rule);
     if (!error.empty()) {
         return error;
     }
@@ -57,7 +57,7 @@ Error FaultRules::parse(std::vector<std::string> const& words, Rule& rule) {
         if (i + 1 == words.size()) {
             return words[i] + " needs a value";
         }
-        Error const error = parse_option(words[i], words[i + 1], rule);
+        Error error = parse_option(words[i], words[i + 1], rule);
         if (!error.empty()) {
             return error;
         }
@@ -69,7 +69,7 @@ Error FaultRules::parse(std::vector<std::string> const& words, Rule& rule) {
 }
 
 Error FaultRules::parse_option(std::string const& name, std::string const& text, Rule& rule) {
-    Error const bad = "bad " + name + ": " + text;
+    Error bad = "bad " + name + ": " + text;
     if (name == "skip") {
         auto const skip = parse_count(text);
         rule.skip = skip.value_or(0);

@@ -70,7 +70,7 @@ Error HostFileSystem::write(NodeFile const& file) {
     }
     bool const written =
         ::write(fd, file.content.data(), file.content.size()) == static_cast<ssize_t>(file.content.size());
-    Error const error = written ? Error() : system_error("cannot write " + file.path);
+    Error error = written ? Error() : system_error("cannot write " + file.path);
     ::close(fd);
     return error;
 }
@@ -108,7 +108,7 @@ hal::imx_te Nodes::fitted_sensor() const {
 
 Error Nodes::remove(std::string const& path) {
     NodeFile const* file = nullptr;
-    Error const error = find_file(path, file);
+    Error error = find_file(path, file);
     if (!error.empty()) {
         return error;
     }
@@ -120,7 +120,7 @@ Error Nodes::remove(std::string const& path) {
 
 Error Nodes::restore(std::string const& path) {
     NodeFile const* file = nullptr;
-    Error const error = find_file(path, file);
+    Error error = find_file(path, file);
     if (!error.empty()) {
         return error;
     }

@@ -43,7 +43,7 @@ bool SystemState::alive(Time now) const {
     return heartbeats_ > 0 && now - last_heartbeat_ <= std::chrono::milliseconds(timeout_ms_);
 }
 
-void SystemState::describe(Properties& properties, std::function<Time()> now) {
+void SystemState::describe(Properties& properties, std::function<Time()> const& now) {
     properties.add(
         "system.state", "state shown to the user: 1-6, 9, 10", [this] { return state_; },
         [this](hal::device_state_te state) { return set_state(state) == 0 ? Error() : Error("not a device state"); });

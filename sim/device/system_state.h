@@ -19,7 +19,7 @@ public:
     bool alive(Time now) const;
 
     // `now` answers the device's time.
-    void describe(Properties& properties, std::function<Time()> now);
+    void describe(Properties& properties, std::function<Time()> const& now);
 
 private:
     hal::device_state_te state_ = hal::device_state_te::boot;

@@ -18,6 +18,7 @@ int next_number() {
 
 std::vector<std::string> copy(std::vector<char const*> const& paths) {
     std::vector<std::string> copies;
+    copies.reserve(paths.size());
     for (char const* path : paths) {
         copies.emplace_back(path != nullptr ? path : "");
     }

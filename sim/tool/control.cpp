@@ -29,8 +29,12 @@ int fail(std::string const& message) {
 // The socket to talk to: the given one, that of the device around us, or the only one there is.
 Error find_socket(std::string const& given, std::string& path) {
     char const* const around = std::getenv("R47_SIM_CONTROL");
-    if (!given.empty() || (around != nullptr && *around != '\0')) {
-        path = !given.empty() ? given : around;
+    if (given.empty() && around != nullptr) {
+        path = around;
+    } else {
+        path = given;
+    }
+    if (!path.empty()) {
         return {};
     }
     std::string const directory = default_socket_directory();

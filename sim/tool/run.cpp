@@ -34,7 +34,7 @@ bool is_device_file(std::string const& path) {
 
 // Takes the option at `at` with its value; `at` moves on to the next.
 Error take_option(std::vector<std::string> const& words, std::size_t& at, SandboxOptions& options) {
-    std::string const name = words[at++];
+    std::string const& name = words[at++];
     if (name == "--private-network") {
         options.private_network = true;
         return {};
@@ -47,7 +47,7 @@ Error take_option(std::vector<std::string> const& words, std::size_t& at, Sandbo
     if (at == words.size()) {
         return name + " needs a value";
     }
-    std::string const value = words[at++];
+    std::string const& value = words[at++];
     if (name == "--without") {
         options.without.push_back(value);
         return is_device_file(value) ? Error() : value + " is no file of the device";
@@ -70,7 +70,7 @@ Error take_option(std::vector<std::string> const& words, std::size_t& at, Sandbo
 Error take_options(std::vector<std::string> const& words, SandboxOptions& options) {
     std::size_t at = 0;
     while (at < words.size() && words[at] != "--") {
-        Error const error = take_option(words, at, options);
+        Error error = take_option(words, at, options);
         if (!error.empty()) {
             return error;
         }

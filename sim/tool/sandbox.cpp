@@ -3,7 +3,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/auxv.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -139,21 +138,16 @@ void add_device(Arguments& arguments, SandboxOptions const& options) {
     add_file(arguments, {"/sys/class/gpio/unexport", ""});
 }
 
-// This program, also under an emulator, where /proc/self/exe is the emulator.
-std::string own_path() {
-    auto const* const name = reinterpret_cast<char const*>(::getauxval(AT_EXECFN));
-    return name != nullptr ? name : "/proc/self/exe";
-}
-
-// The command's file, found as execvp does.
-std::string command_path(std::string const& command) {
+// A program's file, found as execvp does.
+std::string program_path(std::string const& command) {
     char const* const search = std::getenv("PATH");
     if (command.find('/') != std::string::npos || search == nullptr) {
         return command;
     }
     std::istringstream directories(search);
     for (std::string directory; std::getline(directories, directory, ':');) {
-        std::string const path = directory + "/" + command;
+        std::string path = directory;
+        path += "/" + command;
         if (::access(path.c_str(), X_OK) == 0) {
             return path;
         }
@@ -241,7 +235,7 @@ Error choose_user(Arguments& arguments) {
     add(as_root, {"--cap-drop", "ALL", "--cap-add", "CAP_SETFCAP"});
     Arguments trial{"bwrap"};
     trial.insert(trial.end(), as_root.begin(), as_root.end());
-    add(trial, {"--ro-bind", "/", "/", "--", "test", "-r", own_path()});
+    add(trial, {"--ro-bind", "/", "/", "--", "test", "-r", program_path(program_invocation_name)});
     int const status = try_quietly(trial);
     if (status == 127) {
         return "bwrap is missing: install the package bubblewrap";
@@ -260,7 +254,7 @@ Error choose_user(Arguments& arguments) {
 
 Error become_sandbox(SandboxOptions const& options) {
     Arguments arguments{"bwrap"};
-    Error const error = choose_user(arguments);
+    Error error = choose_user(arguments);
     if (!error.empty()) {
         return error;
     }
@@ -270,8 +264,8 @@ Error become_sandbox(SandboxOptions const& options) {
     add(arguments, {"--die-with-parent"});
     add_host(arguments);
     add_device(arguments, options);
-    add_program(arguments, own_path());
-    add_program(arguments, command_path(options.command.front()));
+    add_program(arguments, program_path(program_invocation_name));
+    add_program(arguments, program_path(options.command.front()));
     add_working_directory(arguments);
     add_control(arguments, options);
     add(arguments, {"--"});

@@ -38,6 +38,12 @@ protected:
         device_.faults.clear();
     }
 
+    // Makes the file.
+    static std::string made(std::string const& path) {
+        std::ofstream const file(path);
+        return path;
+    }
+
     void add_fault(std::vector<std::string> const& words) {
         auto const lock = device_.lock();
         ASSERT_EQ(device_.faults.add(words), "");
@@ -63,11 +69,6 @@ protected:
     std::string journal_;
 
 private:
-    static std::string made(std::string const& path) {
-        std::ofstream{path};
-        return path;
-    }
-
     int follower_ = 0;
 };
 
@@ -100,7 +101,7 @@ TEST_F(AnnouncedGateTest, AMissingNodeRefusesTheCall) {
     EXPECT_EQ(errno, ENODEV);
     EXPECT_EQ(asked_, 0);
     EXPECT_EQ(number_, 1U);
-    std::ofstream{node_};
+    made(node_);
     EXPECT_EQ(call(number_, fraction_), 0) << "the node is back";
 }
 
@@ -108,7 +109,7 @@ TEST_F(AnnouncedGateTest, AnObjectThatCouldNotBeOpenedStaysSo) {
     std::string const other = directory_.path() + "/other";
     Object object{{other.c_str()}};
     object.announced = true;
-    std::ofstream{other};
+    made(other);
     auto const status = sim::gate(&object, "rtu_t::single_shot", [](Device&) { return 0; });
     EXPECT_EQ(status, -1);
     EXPECT_EQ(errno, ENOENT);
