@@ -39,8 +39,8 @@ Scenario sorted_by_time(Scenario scenario) {
 }
 
 // The whole scenario on a device that nobody uses, as fast as it goes.
-Error rehearse(Scenario const& scenario) {
-    Device device(std::make_unique<MemoryFileSystem>());
+Error rehearse(Scenario const& scenario, std::vector<std::string> const& missing) {
+    Device device(std::make_unique<MemoryFileSystem>(missing));
     device.timeline.run_stepped();
     for (ScenarioLine const& line : sorted_by_time(scenario)) {
         Time const due = line.due.value_or(Time(0));
@@ -75,7 +75,7 @@ Scenario parse_scenario(std::istream& lines) {
     return scenario;
 }
 
-Error load_scenario(std::string const& path, Scenario& scenario) {
+Error load_scenario(std::string const& path, Scenario& scenario, std::vector<std::string> const& missing) {
     std::ifstream file(path);
     if (file) {
         scenario = parse_scenario(file);
@@ -83,7 +83,7 @@ Error load_scenario(std::string const& path, Scenario& scenario) {
     if (!file.is_open() || file.bad()) {
         return "cannot read the scenario " + path + ": " + std::strerror(errno);
     }
-    Error const error = rehearse(scenario);
+    Error const error = rehearse(scenario, missing);
     return error.empty() ? error : "scenario " + path + ", " + error;
 }
 

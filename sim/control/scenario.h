@@ -20,9 +20,9 @@ using Scenario = std::vector<ScenarioLine>;
 
 // Reads lines of the form "[TIME] COMMAND"; empty lines and those that begin with # are left out.
 Scenario parse_scenario(std::istream& lines);
-// Reads the file and carries it out on a device of its own, so that a bad line is found before it is too late. An
-// error names the file and, for a bad line, its number.
-Error load_scenario(std::string const& path, Scenario& scenario);
+// Reads the file and carries it out on a device of its own without the files `missing`, so that a bad line is found
+// before it is too late. An error names the file and, for a bad line, its number.
+Error load_scenario(std::string const& path, Scenario& scenario, std::vector<std::string> const& missing = {});
 // Carries out what is due at the start and sets the rest to its time. The first error ends it.
 Error start_scenario(Scenario const& scenario, Device& device);
 

@@ -79,9 +79,11 @@ bool HostFileSystem::is_own() const {
     return readable(kSandboxMark);
 }
 
-MemoryFileSystem::MemoryFileSystem() {
+MemoryFileSystem::MemoryFileSystem(std::vector<std::string> const& missing) {
     for (NodeFile const& file : device_files()) {
-        paths_.push_back(file.path);
+        if (std::find(missing.begin(), missing.end(), file.path) == missing.end()) {
+            paths_.push_back(file.path);
+        }
     }
 }
 
@@ -128,6 +130,16 @@ Error Nodes::restore(std::string const& path) {
         return "files are only restored inside r47-sim run";
     }
     return present(path) ? path + " is there already" : files_->write(*file);
+}
+
+std::vector<std::string> Nodes::missing() const {
+    std::vector<std::string> missing;
+    for (NodeFile const& file : device_files()) {
+        if (!present(file.path)) {
+            missing.push_back(file.path);
+        }
+    }
+    return missing;
 }
 
 std::string Nodes::list() const {

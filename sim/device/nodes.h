@@ -47,10 +47,10 @@ private:
 
 extern char const* const kSandboxMark;
 
-// Files in memory, at first those of a whole device.
+// Files in memory, at first those of a whole device but `missing`.
 class MemoryFileSystem : public FileSystem {
 public:
-    MemoryFileSystem();
+    explicit MemoryFileSystem(std::vector<std::string> const& missing = {});
     bool readable(std::string const& path) const override;
     Error remove(std::string const& path) override;
     Error write(NodeFile const& file) override;
@@ -72,6 +72,8 @@ public:
     // there, is an error.
     Error remove(std::string const& path);
     Error restore(std::string const& path);
+    // The files of the device that are not there.
+    std::vector<std::string> missing() const;
     // One line a file: path, present or missing.
     std::string list() const;
 

@@ -45,7 +45,7 @@ void start_scenario(Device& device) {
     std::string const path = environment("R47_SIM_SCENARIO");
     if (!path.empty()) {
         sim::Scenario scenario;
-        end_on(sim::load_scenario(path, scenario));
+        end_on(sim::load_scenario(path, scenario, device.nodes.missing()));
         end_on(sim::start_scenario(scenario, device));
     }
 }

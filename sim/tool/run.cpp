@@ -92,7 +92,7 @@ Error check_settings(SandboxOptions const& options) {
         }
     }
     Scenario scenario;
-    return options.scenario.empty() ? Error() : load_scenario(options.scenario, scenario);
+    return options.scenario.empty() ? Error() : load_scenario(options.scenario, scenario, options.without);
 }
 
 Error prepare_journal(std::string const& path) {

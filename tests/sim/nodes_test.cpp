@@ -41,6 +41,14 @@ TEST(NodesTest, RemovedFilesAreMissingUntilTheyAreRestored) {
     EXPECT_EQ(nodes.restore(kRtu), "/dev/r47-rtu-driver is there already");
 }
 
+TEST(NodesTest, ADeviceMayLackFilesFromTheStart) {
+    Nodes nodes(std::make_unique<MemoryFileSystem>(std::vector<std::string>{kRtu}));
+    EXPECT_FALSE(nodes.present(kRtu));
+    EXPECT_EQ(nodes.missing(), std::vector<std::string>{kRtu});
+    EXPECT_EQ(nodes.restore(kRtu), "");
+    EXPECT_EQ(nodes.missing(), std::vector<std::string>{});
+}
+
 TEST(NodesTest, OnlyFilesOfTheDeviceAreTouched) {
     Nodes nodes(std::make_unique<MemoryFileSystem>());
     EXPECT_EQ(nodes.remove("/etc/passwd"), "/etc/passwd is no file of the device");

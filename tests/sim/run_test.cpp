@@ -135,6 +135,13 @@ TEST_F(RunTest, AScenarioActsBeforeTheProgramsFirstCall) {
     EXPECT_EQ(run("--scenario " + scenario, probe_).output, "revision 0: 9.8 state 0: 6\n");
 }
 
+TEST_F(RunTest, AScenarioMayRestoreWhatWasLeftOut) {
+    std::string const scenario = directory_.path() + "/scenario";
+    std::ofstream(scenario) << "node restore /dev/r47-rtu-driver\n";
+    EXPECT_EQ(run("--without /dev/r47-rtu-driver --scenario " + scenario, probe_).output,
+              "revision 0: 1.6 state 0: 1\n");
+}
+
 TEST_F(RunTest, ABadScenarioStartsNothing) {
     std::string const scenario = directory_.path() + "/scenario";
     std::ofstream(scenario) << "set system.state 6\n1s nonsense\n";
