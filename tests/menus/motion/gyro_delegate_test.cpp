@@ -168,11 +168,11 @@ TEST_P(LiveOrientationTest, EachSampleIsOneLineUntilTheHold) {
     for (int i = 0; i < 3; ++i) {
         step(period);
     }
+    // The next screen tells that the hold is in force.
     session.type("t");
-    session.wait_for(delegate_menu('t').substr(kDelegateMenu.size()));
+    session.wait_for(delegate_menu('t').substr(kDelegateMenu.size()) + kDelegateMenu);
     step("10s");
     session.type("t");
-    session.wait_for(kDelegateMenu);
     session.wait_for(kDelegateMenu);
     step(period);
     session.type("xx");
