@@ -18,13 +18,13 @@ namespace {
 using support::ConsoleSession;
 using support::StationClient;
 
-constexpr unsigned long kBatch = 500;  // commands that are sent before their replies are read
+constexpr unsigned long kBatch = 2000;  // commands that are sent before their replies are read
 constexpr unsigned long kTenths = 10;
 
 #ifdef R47_FOREIGN_MEMORY
 constexpr long kGrowthLimit = -1;  // not judged
 #else
-constexpr long kGrowthLimit = 512;  // kB; a byte for each of a million commands is more
+constexpr long kGrowthLimit = 128;  // kB; a bit for each of a million commands is about as much
 #endif
 
 struct Size {
