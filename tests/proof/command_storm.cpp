@@ -1,10 +1,12 @@
 // One client that gives one console a great many commands, and compares every reply.
 #include "tests/proof/command_storm.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -95,9 +97,20 @@ private:
             }
             client.send(lines);
             std::string const received = client.receive(replies.size());
-            require(received == replies, "after " + std::to_string(done_) + " commands \"" + received +
-                                             "\" came instead of \"" + replies + "\"");
+            if (received != replies) {
+                fail_at(received, replies);
+            }
         }
+    }
+
+    void fail_at(std::string const& received, std::string const& owed) const {
+        constexpr std::size_t kShown = 60;
+        auto const differing = std::mismatch(received.begin(), received.end(), owed.begin(), owed.end()).first;
+        auto const at = static_cast<std::size_t>(differing - received.begin());
+        std::ostringstream text;
+        text << "before command " << done_ << " \"" << received.substr(at, kShown) << "\" came instead of \""
+             << owed.substr(at, kShown) << '"';
+        throw std::runtime_error(text.str());
     }
 
     void print(Size const& size) const {
