@@ -108,7 +108,7 @@ bool sckt_read_line(char* buffer) {
     return true;
 }
 
-void sckt_write_line(std::string text) {
+void sckt_write_line(std::string text) {  // NOLINT(performance-unnecessary-value-param): its interface, as traced
     std::cout << "void sckt_write_line(std::string)" << std::endl;
     p_client_socket->write_data(text);
 }

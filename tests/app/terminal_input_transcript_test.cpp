@@ -16,7 +16,7 @@ std::string written(std::string const& typed) {
     std::string const output = run_console(typed, options).output;
     std::string const prompt = "Enter a value for gain: written ";
     EXPECT_EQ(output.rfind(prompt, 0), 0U) << output;
-    std::string const value = output.substr(prompt.size(), output.find('\n') - prompt.size());
+    std::string value = output.substr(prompt.size(), output.find('\n') - prompt.size());
     EXPECT_EQ(output, prompt + value + "\nsensor set  gain: " + value + "\n");
     return value;
 }

@@ -43,7 +43,7 @@ public:
                 line += token.value;
             } else if (token.kind == Token::line_end && !line.empty()) {
                 line.resize(std::min(line.size(), kLongestLine));
-                line = line.c_str();  // readers see it up to a NUL
+                line.resize(std::min(line.find('\0'), line.size()));  // readers see it up to a NUL
                 trace += "ReadLine: " + line + "\n";
                 return line;
             }

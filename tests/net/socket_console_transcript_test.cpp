@@ -240,7 +240,7 @@ constexpr ClientState kClientStates[] = {
 // The console in socket mode, with its client in one of these states.
 class ClientStateTest : public testing::TestWithParam<ClientState> {
 protected:
-    void start(support::SessionOptions options = socket_word()) {
+    void start(support::SessionOptions const& options = socket_word()) {
         session = std::make_unique<ConsoleSession>(options);
         client = std::make_unique<StationClient>();
         session->wait_for("x. Exit (also 0)");

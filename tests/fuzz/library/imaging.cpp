@@ -100,6 +100,7 @@ int rtu_t::dio_available(bool& available) const {
     return answer(this, available);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the library's interface
 int rtu_t::set_io_pin_config(unsigned char, dio_pin_config_t) {
     return answer(this);
 }
