@@ -10,7 +10,7 @@ here=$(pwd)
 packaging/install_packages.sh g++ cmake ninja-build bubblewrap libgtest-dev gcovr >&2
 cmake --preset coverage >/dev/null
 find build-coverage -name '*.gcda' -delete # of older objects
-cmake --build --preset coverage -- --quiet
+cmake --build --preset coverage -- --quiet >&2
 find build-coverage -name '*.gcda' -delete # of the runs that list the tests
 
 # The sandboxes of the tests let nobody write here; this bwrap, found before the real one, adds that.

@@ -123,6 +123,7 @@ public:
         bsock = false;
         p_client_socket = nullptr;
         ::close(station_);
+        dismiss_client(false);
     }
 
     Session(Session const&) = delete;
@@ -187,6 +188,12 @@ public:
         require_received("text\r\n", "line written");
     }
 
+    // Nothing of what the client sent counts any more.
+    void dismiss() {
+        dismiss_client(true);
+        lines_ = LineModel("");
+    }
+
 private:
     std::optional<std::string> expect_line() { return lines_.next(trace_); }
 
@@ -231,6 +238,9 @@ void take_step(char step, Session& session, unsigned int& value) {
             break;
         case 'w':
             session.write_line();
+            break;
+        case 'd':
+            session.dismiss();
             break;
         case '!':
             ++interrupts;

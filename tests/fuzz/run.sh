@@ -40,7 +40,7 @@ shift
 
 packaging/install_packages.sh clang libclang-rt-dev cmake ninja-build >&2
 cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz --target "${@:-fuzzers}" -- --quiet
+cmake --build --preset fuzz --target "${@:-fuzzers}" -- --quiet >&2
 [ $# -gt 0 ] || set -- $(ls tests/fuzz/seeds)
 
 printf '%-22s %12s %9s %9s\n' fuzzer executions exec/s findings

@@ -203,6 +203,21 @@ void take_bytes(void* to, std::size_t size) {
     lib.next += count;
 }
 
+long long take_number() {
+    constexpr int kMostPositive = 239;
+    constexpr int kMostSmall = 247;
+    int const small = taken<unsigned char>();
+    if (small <= kMostPositive) {
+        return small;
+    }
+    if (small <= kMostSmall) {
+        return kMostPositive - small;  // -1 to -8
+    }
+    long long number = 0;
+    take_bytes(&number, sizeof number);
+    return number;
+}
+
 int answer_hold(void const* object, bool hold) {
     called(object);
     int const status = take_status();

@@ -63,14 +63,20 @@ int take_status();
 void let_callbacks_come();
 
 void take_bytes(void* to, std::size_t size);
+// Most numbers are small, so that all codes come: one byte of the answers. The others are nine.
+long long take_number();
 
-// A value from the answers. Records that hold a bool have a version of their own.
+// A value from the answers. Records that hold a bool, or codes, have a version of their own.
 template <typename Value>
 Value taken() {
-    static_assert(std::is_trivially_copyable_v<Value>);
-    Value value;
-    take_bytes(&value, sizeof value);
-    return value;
+    if constexpr (std::is_enum_v<Value> || (std::is_integral_v<Value> && sizeof(Value) > 1)) {
+        return static_cast<Value>(take_number());
+    } else {
+        static_assert(std::is_trivially_copyable_v<Value>);
+        Value value;
+        take_bytes(&value, sizeof value);
+        return value;
+    }
 }
 
 template <>

@@ -27,6 +27,18 @@ hal::spot_flags taken() {
 }
 
 template <>
+hal::spot_states taken() {
+    hal::spot_states states{};
+    states.light_range = taken<std::uint32_t>();
+    states.operating_mode = taken<std::uint32_t>();
+    for (std::uint8_t& segment : states.segments) {
+        segment = taken<std::uint8_t>();
+    }
+    states.further_state = taken<std::uint8_t>();
+    return states;
+}
+
+template <>
 hal::illu_guards taken() {
     hal::illu_guards guards{};
     for (bool* flag : {&guards.over_temperature, &guards.dvs, &guards.autocal, &guards.pvd}) {
