@@ -94,7 +94,6 @@ TEST_F(ScenarioTest, AFileThatCannotBeReadIsToldWithItsReason) {
 using ScenarioDeathTest = ScenarioTest;
 
 TEST_F(ScenarioDeathTest, ATimedLineThatFailsEndsTheProcess) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
     Scenario const scenario = parse("1s node restore /dev/imx296\n");
     auto const run = [&] {
         sim::start_scenario(scenario, device_);
