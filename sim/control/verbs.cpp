@@ -18,6 +18,7 @@ char const* const kClockUsage = "clock [real | scaled FACTOR | stepped]";
 char const* const kStepUsage = "step DURATION";
 char const* const kJournalUsage = "journal follow";
 
+constexpr double kSmallestFactor = 1e-3;
 constexpr double kLargestFactor = 1e6;
 
 Reply show(Caller const& caller, Words const& words) {
@@ -93,8 +94,8 @@ Reply clock(Caller const& caller, Words const& words) {
         timeline.run_stepped();
     } else if (mode == "scaled" && words.size() == 2) {
         auto const factor = parse_float(words[1]);
-        if (!factor || *factor <= 0 || *factor > kLargestFactor) {
-            return Reply::error("bad factor " + words[1] + ": above 0, up to 1000000");
+        if (!factor || *factor < kSmallestFactor || *factor > kLargestFactor) {
+            return Reply::error("bad factor " + words[1] + ": 0.001 to 1000000");
         }
         timeline.run_scaled(*factor);
     } else {

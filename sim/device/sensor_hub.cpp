@@ -325,7 +325,7 @@ std::string SensorHub::active_sensors() const {
     return text.empty() ? "none" : text;
 }
 
-void SensorHub::describe(Properties& properties, std::function<Time()> now) {
+void SensorHub::describe(Properties& properties, std::function<Time()> const& now) {
     properties.add("hub.running", "whether the sensor hub runs a firmware", [this] { return running(); });
     properties.add("hub.firmware", "version of the firmware that runs; 0: none",
                    [this] { return image_ ? image_->version : std::uint16_t{0}; });

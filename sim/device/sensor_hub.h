@@ -69,7 +69,7 @@ public:
     int report_interrupt(std::string& report);
     int report_interrupt_control(std::string& report) const;
 
-    void describe(Properties& properties, std::function<Time()> now);
+    void describe(Properties& properties, std::function<Time()> const& now);
 
 private:
     struct Activity {

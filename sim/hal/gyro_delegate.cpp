@@ -1,6 +1,8 @@
 // Hands each sample of one virtual sensor to a function.
 #include "hal/gyro_delegate.h"
 
+#include <utility>
+
 #include "hal/gyro.h"
 #include "sim/hal/base_impl.h"
 #include "sim/hal/gate.h"
@@ -25,8 +27,8 @@ gyro_delegate_t::gyro_delegate_t(gyro_t& gyro, int sensor_id,
     : impl_(new impl(sim::paths_of(gyro))) {
     construct(*impl_, "gyro_delegate_t::gyro_delegate_t", in(sim::number_of(gyro), sensor_id, function));
     impl_->feed = sim::feed_of(gyro);
-    impl_->listener =
-        impl_->feed->listen(SampleFeed::From::now, [number = impl_->number, sensor_id, function](auto const& sample) {
+    impl_->listener = impl_->feed->listen(
+        SampleFeed::From::now, [number = impl_->number, sensor_id, function = std::move(function)](auto const& sample) {
             if (function && sample.sensor_id == sensor_id) {
                 sim::journal_callback(number, "gyro_delegate_t", in(sensor_id));
                 sim::call(function, sample);

@@ -91,6 +91,13 @@ TEST_F(ScenarioTest, AFileThatCannotBeReadIsToldWithItsReason) {
     EXPECT_NE(sim::load_scenario(directory_.path(), scenario), "") << "a directory";
 }
 
+TEST_F(ScenarioTest, ALineWithATimeDoesNotStepTheClock) {
+    Scenario scenario;
+    std::string const error = load("1s step 1s\n", scenario);
+    EXPECT_NE(error.find("line 1: a line with a time does not step the clock"), std::string::npos) << error;
+    EXPECT_EQ(load("clock stepped\nstep 1s\n", scenario), "");
+}
+
 using ScenarioDeathTest = ScenarioTest;
 
 TEST_F(ScenarioDeathTest, ATimedLineThatFailsEndsTheProcess) {

@@ -61,8 +61,8 @@ std::string text(hal::button_t::action_record const& record) {
     auto const* const function = record.action.target<void (*)()>();
     std::string name = record.action ? "?" : "-";
     for (auto const& [known, run] :
-         {std::pair("p2", testButtonp2), std::pair("p4", testButtonp4), std::pair("Release2", testButtonRelease2),
-          std::pair("Release3", testButtonRelease3), std::pair("Release5", testButtonRelease5)}) {
+         {std::pair("p2", &testButtonp2), std::pair("p4", &testButtonp4), std::pair("Release2", &testButtonRelease2),
+          std::pair("Release3", &testButtonRelease3), std::pair("Release5", &testButtonRelease5)}) {
         name = function != nullptr && *function == run ? known : name;
     }
     return std::to_string(record.hold_time_ms) + " " + name;
