@@ -6,6 +6,7 @@
 
 #include "app/module_information.h"
 #include "app/terminal_input.h"
+#include "menus/light/dialogue.h"
 
 hal::autofocus_t* p_autofocus = nullptr;
 
@@ -32,13 +33,6 @@ constexpr char const* kMenu =
 
 // Commands: a read that failed prints nothing, a write one line. "posisiton" and "miror_failure" are kept.
 
-int ask(char const* prompt) {
-    std::cout << prompt << std::endl;
-    int value = 0;
-    read_number(value);
-    return value;
-}
-
 // The value is shown as it was typed, signed.
 void report(int status, char const* what, int value) {
     if (status != 0) {
@@ -54,7 +48,7 @@ void get_position() {
 }
 
 void set_position() {
-    int const position = ask("AF new pos: ");
+    int const position = ask<int>("AF new pos: ");
     report(p_autofocus->set_position(static_cast<unsigned int>(position)), "posisiton", position);
 }
 
@@ -63,10 +57,6 @@ void get_calibration_frequency() {
     if (p_autofocus->get_calibration_frequency(frequency) == 0) {
         std::cout << "\t\t get freq: " << frequency << "hz" << std::endl;
     }
-}
-
-void print_flag(char const* label, bool flag) {
-    std::cout << label << (flag ? "TRUE " : "FALSE ") << std::endl;
 }
 
 void read_error() {
@@ -98,12 +88,12 @@ void get_position_limits() {
 }
 
 void set_doe_mode() {
-    int const mode = ask("AF doe mode: 0 = doe is disabled, 1 = doe is enabled and off by trigger ");
+    int const mode = ask<int>("AF doe mode: 0 = doe is disabled, 1 = doe is enabled and off by trigger ");
     report(p_autofocus->set_doe_mode(static_cast<hal::doe_mode_te>(mode)), "set_doe_mode", mode);
 }
 
 void set_doe_force_active() {
-    int const active = ask("AF doe led: 0 = doe follows doe mode, 1 = doe is forced to active");
+    int const active = ask<int>("AF doe led: 0 = doe follows doe mode, 1 = doe is forced to active");
     report(p_autofocus->set_doe_force_active(active != 0), "set_doe_force_active", active);
 }
 
@@ -126,12 +116,12 @@ void get_position_mm() {
 }
 
 void set_position_mm() {
-    int const position = ask("AF new pos: ");
+    int const position = ask<int>("AF new pos: ");
     report(p_autofocus->set_position_mm(static_cast<unsigned int>(position)), "position mm", position);
 }
 
 void set_maintenance_mode() {
-    int const enabled = ask("set AF maintenance mode: 0 = disabled, 1 = enabled");
+    int const enabled = ask<int>("set AF maintenance mode: 0 = disabled, 1 = enabled");
     if (p_autofocus->set_maintenance_mode(enabled != 0) != 0) {
         std::cout << "\t\t error setting maintenance mode " << std::endl;  // kept: the one without its value
     }

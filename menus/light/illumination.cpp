@@ -7,6 +7,7 @@
 #include "app/module_information.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
+#include "menus/light/dialogue.h"
 #include "menus/light/illumination_status.h"
 
 hal::illumination_t* p_illumination = nullptr;
@@ -23,10 +24,6 @@ void show_number(char const* label, int (hal::illumination_t::*get)(unsigned int
     unsigned int number = 0;
     report((p_illumination->*get)(number));
     std::cout << label << number << std::endl;
-}
-
-void print_flag(char const* label, bool flag) {
-    std::cout << label << (flag ? "TRUE " : "FALSE ") << std::endl;
 }
 
 }  // namespace illumination_menu

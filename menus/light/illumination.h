@@ -1,9 +1,6 @@
 // The illumination menu, and its commands that read or write one simple setting.
 #pragma once
 
-#include <iostream>
-
-#include "app/terminal_input.h"
 #include "hal/illumination.h"
 
 // The module of the menu that runs, set on entry. Every command below, and of illumination_status.h, works on it;
@@ -17,15 +14,6 @@ namespace illumination_menu {
 void report(int status);
 // Reads a number and prints it behind the label; after a failed read the failure, and then 0.
 void show_number(char const* label, int (hal::illumination_t::*get)(unsigned int&) const);
-void print_flag(char const* label, bool flag);
-// The number that is typed below the prompt; 0 where none is.
-template <typename Number>
-Number ask(char const* prompt) {
-    std::cout << prompt << std::endl;
-    Number value = 0;
-    read_number(value);
-    return value;
-}
 
 }  // namespace illumination_menu
 

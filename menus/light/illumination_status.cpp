@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "app/terminal_input.h"
+#include "menus/light/dialogue.h"
 #include "menus/light/illumination.h"
 
 using namespace illumination_menu;

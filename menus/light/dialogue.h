@@ -1,0 +1,19 @@
+// How the menus of this room ask for a number and show a flag.
+#pragma once
+
+#include <iostream>
+
+#include "app/terminal_input.h"
+
+// The number that is typed below the prompt; 0 where none is.
+template <typename Number>
+Number ask(char const* prompt) {
+    std::cout << prompt << std::endl;
+    Number value = 0;
+    read_number(value);
+    return value;
+}
+
+inline void print_flag(char const* label, bool flag) {
+    std::cout << label << (flag ? "TRUE " : "FALSE ") << std::endl;
+}
