@@ -93,6 +93,10 @@ Reply usage_error(std::string const& usage) {
     return Reply::error("usage: " + line);
 }
 
+Reply duration_error(std::string const& word) {
+    return Reply::error("bad duration " + word + ": as 3s, 250ms or 10us, at most one day");
+}
+
 bool split_words(std::string_view line, Words& words) {
     for (std::size_t at = 0; at < line.size();) {
         if (is_blank(line[at])) {

@@ -60,6 +60,8 @@ Commands const& device_commands();
 
 // The usage of `verb` as an error message.
 Reply usage_error(std::string const& usage);
+// The error for a `word` that parse_duration refuses.
+Reply duration_error(std::string const& word);
 
 // Words are separated by blanks; between double quotes blanks count and \" and \\ stand for " and \. False when a
 // quote is not closed.

@@ -10,10 +10,6 @@ char const* const kTiltUsage = "tilt YAW PITCH ROLL [over DURATION]";
 char const* const kPressUsage = "press DURATION";
 char const* const kButtonUsage = "button down\nbutton up";
 
-Reply bad_duration(std::string const& word) {
-    return Reply::error("bad duration " + word + ": as 3s, 250ms or 10us");
-}
-
 Reply tilt(Caller const& caller, Words const& words) {
     bool const turns = words.size() == 5 && words[3] == "over";
     if (words.size() != 3 && !turns) {
@@ -27,7 +23,7 @@ Reply tilt(Caller const& caller, Words const& words) {
     }
     auto const over = turns ? parse_duration(words[4]) : Duration(0);
     if (!over) {
-        return bad_duration(words[4]);
+        return duration_error(words[4]);
     }
     Device& device = caller.device;
     if (!device.hub.tilt({*yaw, *pitch, *roll}, device.now(), *over)) {
@@ -42,7 +38,7 @@ Reply press(Caller const& caller, Words const& words) {
     }
     auto const length = parse_duration(words.front());
     if (!length) {
-        return bad_duration(words.front());
+        return duration_error(words.front());
     }
     return caller.device.presses.press_for(*length) ? Reply::done() : Reply::error("the button is pressed already");
 }

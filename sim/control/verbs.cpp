@@ -19,7 +19,7 @@ char const* const kStepUsage = "step DURATION";
 char const* const kJournalUsage = "journal follow";
 
 constexpr double kSmallestFactor = 1e-3;
-constexpr double kLargestFactor = 1e6;
+constexpr double kLargestFactor = 1e3;  // a device that triggers and samples all the while keeps up
 
 Reply show(Caller const& caller, Words const& words) {
     bool const json = !words.empty() && words.front() == "--json";
@@ -95,7 +95,7 @@ Reply clock(Caller const& caller, Words const& words) {
     } else if (mode == "scaled" && words.size() == 2) {
         auto const factor = parse_float(words[1]);
         if (!factor || *factor < kSmallestFactor || *factor > kLargestFactor) {
-            return Reply::error("bad factor " + words[1] + ": 0.001 to 1000000");
+            return Reply::error("bad factor " + words[1] + ": 0.001 to 1000");
         }
         timeline.run_scaled(*factor);
     } else {
@@ -110,7 +110,7 @@ Reply step(Caller const& caller, Words const& words) {
     }
     auto const length = parse_duration(words.front());
     if (!length) {
-        return Reply::error("bad duration " + words.front() + ": as 3s, 250ms or 10us");
+        return duration_error(words.front());
     }
     return caller.device.timeline.step(*length) ? Reply::done() : Reply::error("the clock is not stepped");
 }

@@ -11,7 +11,7 @@ namespace sim {
 
 namespace {
 
-constexpr double kLongestSeconds = 1e9;
+constexpr double kLongestSeconds = 24.0 * 3600;
 
 struct Unit {
     std::string_view name;

@@ -45,7 +45,8 @@ private:
     Time origin_{0};
 };
 
-// "3s", "250ms", "10us", also with decimals as in "1.5s"; nothing for any other text or beyond 10^9 s.
+// "3s", "250ms", "10us", also with decimals as in "1.5s"; nothing for any other text or beyond one day, so
+// that a device that triggers all the while keeps up and no sum of times overflows.
 std::optional<Duration> parse_duration(std::string_view text);
 // Seconds with six decimals, as the journal writes them.
 std::string seconds(Time time);

@@ -36,7 +36,7 @@ TEST_F(MotionVerbsTest, BadTiltChangesNothing) {
         expect_error(line, usage);
     }
     expect_error("tilt 1 two 3", "bad angle: degrees as 20 or -7.5");
-    expect_error("tilt 1 2 3 over 4", "bad duration 4: as 3s, 250ms or 10us");
+    expect_error("tilt 1 2 3 over 4", "bad duration 4: as 3s, 250ms or 10us, at most one day");
     expect_error("tilt 0 91 0", "angle out of range: yaw and roll -360 to 360, pitch -90 to 90");
     expect_error("tilt 361 0 0", "angle out of range: yaw and roll -360 to 360, pitch -90 to 90");
     EXPECT_EQ(angle("yaw"), 0);
@@ -64,7 +64,7 @@ TEST_F(MotionVerbsTest, ButtonIsHeldUntilItIsReleased) {
 TEST_F(MotionVerbsTest, BadPressesAreRefused) {
     expect_error("press", "usage: press DURATION");
     expect_error("press 1s 2s", "usage: press DURATION");
-    expect_error("press long", "bad duration long: as 3s, 250ms or 10us");
+    expect_error("press long", "bad duration long: as 3s, 250ms or 10us, at most one day");
     expect_error("button", "usage: button down | button up");
     expect_error("button sideways", "usage: button down | button up");
     expect_error("button up", "the button is not pressed");

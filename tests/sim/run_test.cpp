@@ -195,7 +195,7 @@ TEST_F(RunTest, WhatIsNotUnderstoodIsRefused) {
     };
     for (Case const& bad : {Case{"--without /dev/null", "r47-sim: /dev/null is no file of the device\n"},
                             Case{"--clock fast", "r47-sim: usage: clock [real | scaled FACTOR | stepped]\n"},
-                            Case{"--clock scaled 0", "r47-sim: bad factor 0: 0.001 to 1000000\n"},
+                            Case{"--clock scaled 0", "r47-sim: bad factor 0: 0.001 to 1000\n"},
                             Case{"--frobnicate", "r47-sim: unknown option --frobnicate: try r47-sim help\n"}}) {
         Result const result = run(bad.options, "echo started");
         EXPECT_EQ(result.status, 2) << bad.options;

@@ -85,6 +85,13 @@ TEST_F(ScenarioTest, LinesAreJudgedInTheOrderOfTheirTimes) {
     EXPECT_NE(load("1s node restore /dev/imx296\n2s node remove /dev/imx296\n", scenario), "");
 }
 
+TEST_F(ScenarioTest, TimesPassAlsoWhereAClockThatRunsIsChosen) {
+    Scenario scenario;
+    EXPECT_EQ(load("clock real\n5s press 1s\n7s press 1s\n", scenario), "");
+    EXPECT_NE(load("clock real\n5s press 1s\n5.5s press 1s\n", scenario), "") << "pressed already";
+    EXPECT_NE(load("clock scaled 10\nstep 1s\n", scenario), "") << "not stepped";
+}
+
 TEST_F(ScenarioTest, AFileThatCannotBeReadIsToldWithItsReason) {
     Scenario scenario;
     EXPECT_EQ(sim::load_scenario("/nowhere", scenario), "cannot read the scenario /nowhere: No such file or directory");
