@@ -1,6 +1,7 @@
 #!/bin/sh
 # Runs the tests on the coverage preset and prints what of app/, net/, menus/ and sim/ they reached: lines and branches by
-# folder, then each file with the lines that were not reached.
+# folder and file, then each line that was not reached with its reason out of tests/unreached_lines.txt. Ends with 1 where
+# a test failed or a reason is missing.
 #   tests/coverage.sh [ARGUMENT of ctest...]
 # A process that is killed or ends by _exit takes its counts with it.
 set -eu
@@ -38,18 +39,7 @@ PATH="$here/build-coverage/bin:$PATH" ctest --test-dir build-coverage --parallel
     --no-tests=error "$@" >build-coverage/tests.log 2>&1 || status=$?
 [ "$status" -eq 0 ] || cat build-coverage/tests.log >&2
 
-report() { # OPTION of gcovr...
-    gcovr --root . --add-tracefile build-coverage/coverage.json "$@"
-}
-
 gcovr --root . --object-directory build-coverage --exclude-throw-branches --exclude-unreachable-branches \
     --filter '(app|net|menus|sim)/' --json build-coverage/coverage.json build-coverage
-for folder in app net menus sim; do
-    report --filter "$folder/" --print-summary --output /dev/null |
-        awk -v folder="$folder" '
-            /^lines:/ { lines = $0 }
-            /^branches:/ { branches = $0 }
-            END { printf "%-6s %-38s %s\n", folder, lines, branches }'
-done
-report --txt
+tests/coverage_report.py build-coverage/coverage.json tests/unreached_lines.txt || status=$?
 exit "$status"

@@ -83,7 +83,7 @@ TEST(SocketTest, AcceptOnAClosedServerThrows) {
         {
             server_tcp server("127.0.0.1", kPort + 3);
             ::close(server.descriptor());
-            std::_Exit(thrown_by([&] { server.accept(); }) == "Cannot accept" ? 0 : 1);
+            std::exit(thrown_by([&] { server.accept(); }) == "Cannot accept" ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }

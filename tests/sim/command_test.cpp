@@ -140,6 +140,8 @@ TEST_F(CommandTest, BadCommandsAreRefusedAndChangeNothing) {
                              "step 3 s",
                              "step -3s",
                              "step 86401s",
+                             "set system.state 1x",
+                             "set system.state 99999999999999999999",
                              "step 1s",
                              "journal",
                              "journal stop",

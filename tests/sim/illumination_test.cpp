@@ -221,6 +221,14 @@ TEST(IlluminationTest, TemperatureRisesWithTheLoadAndFallsWithoutIt) {
     EXPECT_NEAR(illumination.internal_temperature(), 25.0 + (warm - 25.0) * std::exp(-1.0), 1e-6);
 }
 
+TEST(IlluminationTest, TemperatureOutsideThatIsSetGoesOnFromThere) {
+    Illumination illumination;
+    illumination.set_external_temperature(85.0);
+    EXPECT_DOUBLE_EQ(illumination.external_temperature(), 85.0);
+    illumination.advance(seconds(600), kNoSignal);  // one time constant
+    EXPECT_NEAR(illumination.external_temperature(), 25.0 + 60.0 * std::exp(-1.0), 1e-6);
+}
+
 TEST(IlluminationTest, GuardSwitchesOffAtTheLimitAndBackAfterTheDecrease) {
     Illumination illumination;
     shine(illumination);

@@ -33,6 +33,19 @@ TEST_F(ImagingVerbsTest, PowerChoosesTheSupply) {
     EXPECT_EQ(value("rtu.power"), "24v");
 }
 
+// Files that stay where they are.
+class FixedFileSystem : public sim::MemoryFileSystem {
+public:
+    sim::Error remove(std::string const& path) override { return "cannot remove " + path; }
+};
+
+TEST(FixedDeviceTest, SensorThatCannotBeFittedIsAnError) {
+    sim::Device device(std::make_unique<FixedFileSystem>());
+    sim::Reply const reply = sim::device_commands().run({device, {}}, "fit none");
+    EXPECT_FALSE(reply.ok);
+    EXPECT_EQ(reply.text, "cannot remove /dev/imx296");
+}
+
 TEST_F(ImagingVerbsTest, FittedSensorIsTheOneWhoseNodeIsThere) {
     for (auto const& [name, type] : {std::pair("imx567", "2"), {"none", "0"}, {"none", "0"}, {"imx296", "1"}}) {
         expect_done(std::string("fit ") + name);

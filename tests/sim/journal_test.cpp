@@ -40,6 +40,16 @@ TEST(JournalTest, AppendsLinesToItsFile) {
     EXPECT_EQ(read(path), "before\n0.012345 1 rtu_t::set_exposure(5000) = 0\n3.000000 0 callback x\n");
 }
 
+TEST(JournalTest, ASecondFileTakesThePlaceOfTheFirst) {
+    TemporaryDirectory directory;
+    Journal journal;
+    EXPECT_EQ(journal.open(directory.path() + "/first"), "");
+    EXPECT_EQ(journal.open(directory.path() + "/second"), "");
+    journal.write(0s, 1, "line");
+    EXPECT_EQ(read(directory.path() + "/first"), "");
+    EXPECT_EQ(read(directory.path() + "/second"), "0.000000 1 line\n");
+}
+
 TEST(JournalTest, AFileThatCannotBeWrittenIsToldWithItsReason) {
     Journal journal;
     EXPECT_EQ(journal.open("/nowhere/journal"), "cannot write the journal /nowhere/journal: No such file or directory");

@@ -55,6 +55,12 @@ TEST(OrientationTest, TurnsEvenlyOverATime) {
     expect_angles(orientation.at(14s), {0, 0, 80});
 }
 
+TEST(OrientationTest, TurnsNowhereWhereItLiesThatWayAlready) {
+    Orientation orientation;
+    EXPECT_TRUE(orientation.tilt({0, 0, 0}, 10s, 4s));
+    expect_angles(orientation.at(11s), {});
+}
+
 TEST(OrientationTest, TurnsOnTheShortestWay) {
     Orientation orientation;
     orientation.tilt({170, 0, 0}, 0s);

@@ -4,12 +4,46 @@
 #include <cstdio>
 #include <string>
 
+#include "hal/imx.h"
 #include "hal/rtu.h"
 #include "hal/system.h"
 
-// "wait": waits for a byte on standard input before it asks. "fd": closes descriptor 0 and tells what takes its place.
+namespace {
+
+void print_module(char const* path, hal::base_t const& module) {
+    unsigned char status = 0xFF;
+    hal::revision_t revision{};
+    int const asked_status = module.get_status(status);
+    int const asked_revision = module.get_revision(revision);
+    std::printf("%s status %d: %u revision %d: %u.%u\n", path, asked_status, static_cast<unsigned>(status),
+                asked_revision, static_cast<unsigned>(revision.major), static_cast<unsigned>(revision.minor));
+}
+
+class Sensor : public hal::imx_t {
+public:
+    explicit Sensor(char const* path) : imx_t(path, 2) {}
+};
+
+void print_modules() {
+    for (char const* const path : {"/dev/r47-rtu-driver", "/dev/r47-illumination-driver", "/dev/r47-autofocus-driver",
+                                   "/dev/i2c-2", "/dev/imx296", "/dev/imx567", "/dev/r47-tof-driver"}) {
+        print_module(path, hal::base_t(path, 2));
+    }
+    for (char const* const path : {"/dev/imx296", "/dev/imx567"}) {
+        print_module(path, Sensor(path));
+    }
+}
+
+}  // namespace
+
+// "modules": asks each module by its node. "wait": waits for a byte on standard input before it asks. "fd": closes
+// descriptor 0 and tells what takes its place.
 int main(int argc, char* argv[]) {
     std::string const mode = argc > 1 ? argv[1] : "";
+    if (mode == "modules") {
+        print_modules();
+        return 0;
+    }
     hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
     hal::system_t system("/dev/r47-rtu-driver", 2);
     if (mode == "wait") {

@@ -1,5 +1,6 @@
 // Tests of r47-sim, from the outside: programs inside the device, and commands to it.
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,7 +10,10 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <thread>
+#include <utility>
 
+#include "sim/control/control_socket.h"
 #include "tests/sim/temporary_directory.h"
 
 namespace {
@@ -41,6 +45,28 @@ protected:
     // r47-sim run with a control socket of this test's own.
     Result run(std::string const& options, std::string const& command) {
         return shell(sim_ + " run --control " + socket_ + " " + options + " -- " + command);
+    }
+
+    // Runs the shell script `meanwhile` beside a device whose program waits until that is done, and then tells its
+    // state; `command` starts the device.
+    Result beside(std::string const& command, std::string const& meanwhile) {
+        return shell("cd " + directory_.path() + " && mkfifo go said && { " + command + " " + probe_ +
+                     " wait <go >said & } && exec 8>go 9<said && read ready <&9 && { " + meanwhile +
+                     "; } && echo >&8 && cat <&9 && wait");
+    }
+
+    // A bwrap of the test's own, which is found before the real one or, as `only`, instead of it.
+    std::string path_with_bwrap(std::string const& script, bool only = false) {
+        std::string const bin = directory_.path() + "/bin";
+        std::filesystem::create_directory(bin);
+        if (!script.empty()) {
+            std::ofstream(bin + "/bwrap") << "#!/bin/sh\n" << script << "\n";
+            std::filesystem::permissions(bin + "/bwrap", std::filesystem::perms(0755));
+        }
+        if (!std::string(R47_SIM_EMULATOR).empty()) {
+            shell("ln -s $(command -v " R47_SIM_EMULATOR ") " + bin);
+        }
+        return "PATH=" + bin + (only ? " " : ":$PATH ");
     }
 
     std::string const sim_ = std::string(R47_SIM_EMULATOR) + " " + R47_SIM;
@@ -115,6 +141,19 @@ TEST_F(RunTest, AProgramMeetsTheDevice) {
     EXPECT_EQ(run("--without /dev/r47-rtu-driver", probe_).output, "revision -1: 0.0 state -1: 0\n");
 }
 
+TEST_F(RunTest, EachModuleIsKnownByItsNode) {
+    EXPECT_EQ(run("", probe_ + " modules").output,
+              "/dev/r47-rtu-driver status 0: 0 revision 0: 1.6\n"
+              "/dev/r47-illumination-driver status 0: 0 revision 0: 2.3\n"
+              "/dev/r47-autofocus-driver status 0: 0 revision 0: 1.2\n"
+              "/dev/i2c-2 status 0: 0 revision 0: 1.0\n"
+              "/dev/imx296 status 0: 0 revision 0: 1.4\n"
+              "/dev/imx567 status 0: 0 revision 0: 1.1\n"
+              "/dev/r47-tof-driver status -1: 255 revision -1: 0.0\n"
+              "/dev/imx296 status 0: 0 revision 0: 1.4\n"
+              "/dev/imx567 status 0: 0 revision 0: 1.1\n");
+}
+
 TEST_F(RunTest, CallsAreJournaled) {
     std::string const journal = directory_.path() + "/journal";
     std::ofstream(journal) << "old\n";
@@ -160,14 +199,11 @@ TEST_F(RunTest, ABadScenarioEndsAProgramThatLoadsTheLibrary) {
 
 TEST_F(RunTest, ARunningDeviceIsControlled) {
     std::string const ask = sim_ + " --control " + socket_ + " ";
-    // The probe waits on the pipe until it has been told its state.
-    Result const result = shell("cd " + directory_.path() + " && mkfifo go said && { " + sim_ + " run --control " +
-                                socket_ + " --clock stepped -- " + probe_ +
-                                " wait <go >said & } && exec 8>go 9<said && read ready <&9 && echo $ready && " + ask +
-                                "set system.state 9 && " + ask + "show --json system.state && " + ask +
-                                "node remove /dev/r47-rtu-driver && " + ask + "node restore /dev/r47-rtu-driver && " +
-                                ask + "step 1s && " + ask + "clock && echo clock | " + ask + "- && { " + ask +
-                                "set system.state 7; echo $?; } && echo >&8 && cat <&9 && wait");
+    Result const result = beside(
+        sim_ + " run --control " + socket_ + " --clock stepped --",
+        "echo $ready && " + ask + "set system.state 9 && " + ask + "show --json system.state && " + ask +
+            "node remove /dev/r47-rtu-driver && " + ask + "node restore /dev/r47-rtu-driver && " + ask + "step 1s && " +
+            ask + "clock && echo clock | " + ask + "- && { " + ask + "set system.state 7; echo $?; }");
     EXPECT_EQ(result.output,
               "ready\n{\n  \"system.state\": 9\n}\nstepped\nstepped\n"
               "r47-sim: system.state: not a device state\n1\nrevision 0: 1.6 state 0: 9\n");
@@ -175,13 +211,142 @@ TEST_F(RunTest, ARunningDeviceIsControlled) {
 }
 
 TEST_F(RunTest, TheOnlyRunningDeviceIsFound) {
-    std::string const in_directory =
-        "cd " + directory_.path() + " && export XDG_RUNTIME_DIR=$PWD && mkfifo go said && ";
-    Result const result = shell(in_directory + "{ " + sim_ + " run -- " + probe_ +
-                                " wait <go >said & } && exec 8>go 9<said && read ready <&9 && " + sim_ +
-                                " set system.state 4 && echo >&8 && cat <&9 && wait; " + sim_ + " show; echo $?");
-    EXPECT_EQ(result.output, "revision 0: 1.6 state 0: 4\nr47-sim: no device is running: " + directory_.path() +
-                                 "/r47-sim has no socket that answers\n1\n");
+    std::string const own_directory = "XDG_RUNTIME_DIR=" + directory_.path() + " ";
+    Result const result = beside(own_directory + sim_ + " run --", own_directory + sim_ + " set system.state 4");
+    EXPECT_EQ(result.output, "revision 0: 1.6 state 0: 4\n");
+    EXPECT_EQ(shell(own_directory + sim_ + " show").output,
+              "r47-sim: no device is running: " + directory_.path() + "/r47-sim has no socket that answers\n");
+}
+
+TEST_F(RunTest, OneOfSeveralDevicesMustBeChosen) {
+    std::filesystem::path const sockets = directory_.path() + "/r47-sim";
+    sim::Error error;
+    int const first = sim::listen_on(sockets / "1.sock", error);
+    int const second = sim::listen_on(sockets / "2.sock", error);
+    Result const result = shell("XDG_RUNTIME_DIR=" + directory_.path() + " " + sim_ + " show");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "r47-sim: several devices are running, choose one with --control:\n  " +
+                                 (sockets / "1.sock").string() + "\n  " + (sockets / "2.sock").string() + "\n");
+    ::close(first);
+    ::close(second);
+}
+
+TEST_F(RunTest, ProgramsInsideTheDeviceControlIt) {
+    EXPECT_EQ(run("", sim_ + " clock").output,
+              "r47-sim: no device at /r47-sim/control/control.sock: No such file or directory\n")
+        << "before a program has loaded the library there is nobody to ask";
+    std::string const wait = "mkfifo /tmp/go /tmp/said; " + probe_ + " wait </tmp/go >/tmp/said & ";
+    std::string const go = "exec 8>/tmp/go 9</tmp/said; read ready <&9; " + sim_ + " set system.state 3; ";
+    EXPECT_EQ(run("", "sh -c '" + wait + go + "echo >&8; cat <&9; wait'").output, "revision 0: 1.6 state 0: 3\n");
+    EXPECT_EQ(run("", "sh -c '" + wait + go + probe_ + "; echo >&8; cat <&9; wait'").output,
+              "libhal: no control: /r47-sim/control/control.sock is served by another device\n"
+              "revision 0: 1.6 state 0: 1\nrevision 0: 1.6 state 0: 3\n")
+        << "a second program has a device of its own, without control";
+}
+
+// Serves one connection: takes a line and answers with a text.
+class OneReply {
+public:
+    OneReply(std::string const& path, std::string reply) {
+        sim::Error error;
+        listener_ = sim::listen_on(path, error);
+        EXPECT_EQ(error, "");
+        server_ = std::thread([this, reply = std::move(reply)] {
+            int const connection = ::accept(listener_, nullptr, nullptr);
+            for (char c = 0; c != '\n' && ::recv(connection, &c, 1, 0) == 1;) {
+            }
+            ::send(connection, reply.data(), reply.size(), MSG_NOSIGNAL);  // the client may have gone
+            ::close(connection);
+        });
+    }
+    OneReply(OneReply const&) = delete;
+    OneReply& operator=(OneReply const&) = delete;
+    ~OneReply() {
+        server_.join();
+        ::close(listener_);
+    }
+
+private:
+    int listener_ = -1;
+    std::thread server_;
+};
+
+TEST_F(RunTest, TheJournalIsPrintedUntilTheDeviceEnds) {
+    OneReply const device(socket_, "ok\n0.1 1 first\n0.2 1 second\n");
+    Result const result = shell(sim_ + " --control " + socket_ + " journal follow");
+    EXPECT_EQ(result.output, "0.1 1 first\n0.2 1 second\n");
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(RunTest, ADeviceThatEndsBeforeItsReplyIsToldOf) {
+    OneReply const device(socket_, "half");
+    Result const result = shell(sim_ + " --control " + socket_ + " show");
+    EXPECT_EQ(result.output, "r47-sim: the device ended\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST_F(RunTest, ACommandOfSeveralLinesIsRefused) {
+    OneReply const device(socket_, "ok\n");
+    Result const result = shell(sim_ + " --control " + socket_ + " show 'a\nb'");
+    EXPECT_EQ(result.output, "r47-sim: a command is one line\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST_F(RunTest, NobodyAtTheSocketIsToldOf) {
+    Result const result = shell(sim_ + " --control /nowhere.sock show");
+    EXPECT_EQ(result.output, "r47-sim: no device at /nowhere.sock: No such file or directory\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST_F(RunTest, AJournalThatCannotBeWrittenIsToldOf) {
+    Result const result = run("--journal /nowhere/journal", "echo started");
+    EXPECT_EQ(result.output, "r47-sim: cannot write the journal /nowhere/journal: No such file or directory\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST_F(RunTest, ACommandThatIsNotFoundIsToldOf) {
+    Result const result = run("", "no-such-command");
+    EXPECT_EQ(result.output, "bwrap: execvp no-such-command: No such file or directory\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST_F(RunTest, AMissingBubblewrapIsToldOf) {
+    Result const result = shell(path_with_bwrap("", true) + sim_ + " run --control " + socket_ + " -- echo started");
+    EXPECT_EQ(result.output, "r47-sim: bwrap is missing: install the package bubblewrap\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+// A host where only root may make namespaces.
+char const* const kNoUserNamespaces =
+    "case \" $* \" in *' --unshare-user '*) exit 1 ;; esac\nexec /usr/bin/bwrap \"$@\"";
+
+TEST_F(RunTest, RootNeedsNoUserNamespaces) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "for root alone";
+    }
+    Result const result =
+        shell(path_with_bwrap(kNoUserNamespaces) + sim_ + " run --control " + socket_ + " -- " + probe_);
+    EXPECT_EQ(result.output, "revision 0: 1.6 state 0: 1\n");
+}
+
+TEST_F(RunTest, OthersAreToldToUseSudoWithoutUserNamespaces) {
+    std::string const path = path_with_bwrap(kNoUserNamespaces);
+    std::string const sim = directory_.path() + "/bin/r47-sim";
+    std::string const sockets = directory_.path() + "/sockets";
+    std::filesystem::copy_file(R47_SIM, sim);
+    std::filesystem::create_directory(sockets);
+    std::filesystem::permissions(sockets, std::filesystem::perms(0700));
+    std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
+    std::string as_other;
+    if (::geteuid() == 0) {
+        constexpr uid_t kNobody = 65534;
+        ASSERT_EQ(::chown(sockets.c_str(), kNobody, kNobody), 0);
+        as_other = "setpriv --reuid 65534 --regid 65534 --clear-groups ";
+    }
+    Result const result = shell("cd / && " + path + as_other + R47_SIM_EMULATOR + " " + sim + " run --control " +
+                                sockets + "/control.sock -- echo started");
+    EXPECT_EQ(result.output, "r47-sim: this host does not let users make user namespaces: run it with sudo\n");
+    EXPECT_EQ(result.status, 1);
 }
 
 TEST_F(RunTest, DescriptorZeroStaysTheProgramsOwn) {

@@ -87,8 +87,16 @@ TEST(SensorHubAtRestTest, NothingWorksBeforeTheFirstBoot) {
     std::string report;
     expect_refused(hub.activate(37, 10, 1, 0s), EIO);
     expect_refused(hub.install_callbacks(), EIO);
-    expect_refused(hub.report_virtual_sensors(report), EIO);
-    EXPECT_EQ(report, "The sensor hub runs no firmware\n");
+    auto const expect_no_report = [&](int status) {
+        expect_refused(status, EIO);
+        EXPECT_EQ(report, "The sensor hub runs no firmware\n");
+        report.clear();
+    };
+    expect_no_report(hub.report_virtual_sensors(report));
+    expect_no_report(hub.report_virtual_sensor(37, report));
+    expect_no_report(hub.report_configuration(37, report));
+    expect_no_report(hub.report_physical_sensors(report));
+    expect_no_report(hub.report_physical_sensor(1, report));
     EXPECT_EQ(hub.report_firmware(report), 0);
     EXPECT_TRUE(holds(report, "none")) << report;
 }

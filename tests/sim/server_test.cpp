@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -34,6 +35,17 @@ public:
 
     bool send(std::string const& text) const {
         return ::send(fd_, text.data(), text.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(text.size());
+    }
+    // Until the server has read nothing for a while, with so much of its replies unread.
+    void send_until_nobody_reads(std::string const& text) const {
+        pollfd writable{fd_, POLLOUT, 0};
+        while (::poll(&writable, 1, 200) > 0) {
+            ::send(fd_, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        }
+    }
+    void wait_for_bytes() const {
+        pollfd readable{fd_, POLLIN, 0};
+        EXPECT_EQ(::poll(&readable, 1, 20000), 1);
     }
     void end_input() const { ::shutdown(fd_, SHUT_WR); }
     void vanish() {
@@ -123,6 +135,21 @@ TEST_F(ServerTest, ClientsThatVanishHurtNobody) {
         client.vanish();
         device_.journal.write({}, 1, "line");
     }
+    EXPECT_EQ(Client(path_).ask("clock"), "real\nok\n");
+}
+
+TEST_F(ServerTest, AClientThatVanishesWithoutReadingHurtsNobody) {
+    Client client(path_);
+    client.send("clock\n");
+    client.wait_for_bytes();
+    client.vanish();
+    EXPECT_EQ(Client(path_).ask("clock"), "real\nok\n");
+}
+
+TEST_F(ServerTest, AClientThatIsNotListenedToMayVanish) {
+    Client client(path_);
+    client.send_until_nobody_reads("show\n");
+    client.vanish();
     EXPECT_EQ(Client(path_).ask("clock"), "real\nok\n");
 }
 
@@ -253,6 +280,29 @@ TEST(ControlSocketTest, LiveSocketsAreFoundAndDeadOnesRemoved) {
     ::close(fd);
     EXPECT_EQ(sim::live_sockets(directory.path()), std::vector<std::string>{live});
     EXPECT_NE(::access(dead.c_str(), F_OK), 0);
+}
+
+TEST(ControlSocketTest, AMissingDirectoryHasNoSockets) {
+    EXPECT_TRUE(sim::live_sockets("/nowhere").empty());
+}
+
+TEST(ControlSocketTest, ADirectoryThatCannotBeMadeIsToldWithItsReason) {
+    TemporaryDirectory directory;
+    std::string const file = directory.path() + "/file";
+    std::ofstream(file) << "";
+    EXPECT_EQ(sim::prepare_socket_directory(file), file + " is not a directory");
+    EXPECT_EQ(sim::prepare_socket_directory("/nowhere/else"), "cannot make /nowhere/else: No such file or directory");
+}
+
+TEST(ControlSocketTest, APathThatIsTooLongReachesNobody) {
+    EXPECT_EQ(sim::connect_to(std::string(200, 'x')), -1);
+    EXPECT_EQ(errno, ENAMETOOLONG);
+}
+
+TEST(ControlSocketTest, APathWithoutASlashLiesInTheWorkingDirectory) {
+    EXPECT_EQ(sim::directory_of("control.sock"), ".");
+    EXPECT_EQ(sim::directory_of("/control.sock"), "/");
+    EXPECT_EQ(sim::directory_of("/run/control.sock"), "/run");
 }
 
 }  // namespace

@@ -17,6 +17,12 @@ protected:
         session.wait_for(screens::main_menu(main_key));
     }
 
+    // The console goes its own way out.
+    void TearDown() override {
+        session.type("xx");
+        EXPECT_EQ(session.wait_for_exit(), 0);
+    }
+
     // Answers the menu with the key and waits for what that prints, up to the menu that follows.
     void expect(char key, std::string const& typed, std::string const& printed) {
         session.type(key + typed);
