@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "hal/camera.h"
 #include "hal/imx.h"
 #include "hal/rtu.h"
 #include "hal/system.h"
@@ -24,6 +25,11 @@ public:
     explicit Sensor(char const* path) : imx_t(path, 2) {}
 };
 
+void print_odd_trigger_mode() {
+    hal::camera_t camera(hal::imx_te::none, nullptr, "/dev/r47-rtu-driver", 2);
+    std::printf("trigger mode 2: %d\n", camera.set_trigger_mode(static_cast<hal::trigger_te>(2)));
+}
+
 void print_modules() {
     for (char const* const path : {"/dev/r47-rtu-driver", "/dev/r47-illumination-driver", "/dev/r47-autofocus-driver",
                                    "/dev/i2c-2", "/dev/imx296", "/dev/imx567", "/dev/r47-tof-driver"}) {
@@ -32,16 +38,22 @@ void print_modules() {
     for (char const* const path : {"/dev/imx296", "/dev/imx567"}) {
         print_module(path, Sensor(path));
     }
+    for (char const* const path : {"/dev/imx296", "/dev/imx567"}) {
+        unsigned int number = 0;
+        int const status = Sensor(path).get_serial_number(number);
+        std::printf("%s serial number %d: %u\n", path, status, number);
+    }
 }
 
 }  // namespace
 
-// "modules": asks each module by its node. "wait": waits for a byte on standard input before it asks. "fd": closes
-// descriptor 0 and tells what takes its place.
+// "modules": asks each module by its node, and the camera for a trigger mode that there is not. "wait": waits for a
+// byte on standard input before it asks. "fd": closes descriptor 0 and tells what takes its place.
 int main(int argc, char* argv[]) {
     std::string const mode = argc > 1 ? argv[1] : "";
     if (mode == "modules") {
         print_modules();
+        print_odd_trigger_mode();
         return 0;
     }
     hal::rtu_t rtu("/dev/r47-rtu-driver", 2);

@@ -98,6 +98,12 @@ TEST_F(ScenarioTest, AFileThatCannotBeReadIsToldWithItsReason) {
     EXPECT_NE(sim::load_scenario(directory_.path(), scenario), "") << "a directory";
 }
 
+TEST_F(ScenarioTest, TheFirstErrorAtTheStartEndsIt) {
+    EXPECT_EQ(sim::start_scenario(parse("set system.state 3\nnonsense\nset system.state 4\n"), device_),
+              "line 2: unknown command \"nonsense\": try help");
+    EXPECT_EQ(state(), hal::device_state_te::running);
+}
+
 TEST_F(ScenarioTest, ALineWithATimeDoesNotStepTheClock) {
     Scenario scenario;
     std::string const error = load("1s step 1s\n", scenario);

@@ -122,6 +122,16 @@ TEST_F(SensorHubTest, EachKindOfSensorHasItsOwnLimits) {
     EXPECT_EQ(hub.activate(48, 1, 1, 0s), 0);
 }
 
+TEST_F(SensorHubTest, SensorsThatAreOnAreShown) {
+    sim::Properties properties;
+    hub.describe(properties, [] { return sim::Time(0); });
+    auto const shown = [&] { return sim::value_text(properties.all().at("hub.sensors").get()); };
+    EXPECT_EQ(shown(), "none");
+    hub.activate(37, 50, 100, 0s);
+    hub.activate(34, 12.5F, 0, 0s);
+    EXPECT_EQ(shown(), "34 at 12.5 Hz 0 ms, 37 at 50 Hz 100 ms");
+}
+
 TEST_F(SensorHubTest, SensorsThatAreNotPresentAreRefused) {
     for (unsigned int const id : {0U, 2U, 8U, 36U, 39U, 95U, 293U, 4000000000U}) {
         expect_refused(hub.activate(id, 10, 1, 0s), EINVAL);

@@ -148,7 +148,7 @@ TEST_F(ServerTest, AClientThatVanishesWithoutReadingHurtsNobody) {
 
 TEST_F(ServerTest, AClientThatIsNotListenedToMayVanish) {
     Client client(path_);
-    client.send_until_nobody_reads("show\n");
+    client.send_until_nobody_reads("clock\n");
     client.vanish();
     EXPECT_EQ(Client(path_).ask("clock"), "real\nok\n");
 }

@@ -236,6 +236,15 @@ TEST(GyroMenuTest, MistypedNumbersKeepTheOldValues) {
                          activating("0", "50", "100")));
 }
 
+TEST(GyroMenuTest, FloatOfTooManyCharactersKeepsTheOldValue) {
+    std::string const digits(64, '1');
+    auto const run = run_menu("A37\n" + digits + "5\n10\nx\n");
+    EXPECT_EQ(run.output, transcript(gyro_menu('A') +
+                                     "Please enter sensor id: [0]\nPlease enter frame rate: [50]\n"
+                                     "Please enter latency: [100]\n" +
+                                     activating("37", "50", "10")));
+}
+
 TEST(GyroMenuTest, SecondHoldKeyReleases) {
     auto const run = run_menu("ttt");
     EXPECT_EQ(run.calls, menu_calls({"gyro_t::irq_callback_hold(true) = 0", "gyro_t::irq_callback_hold(false) = 0",
