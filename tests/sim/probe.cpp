@@ -26,7 +26,7 @@ public:
 };
 
 void print_odd_trigger_mode() {
-    hal::camera_t camera(hal::imx_te::none, nullptr, "/dev/r47-rtu-driver", 2);
+    hal::camera_t camera(hal::imx_te::imx296, nullptr, "/dev/r47-rtu-driver", 2);
     std::printf("trigger mode 2: %d\n", camera.set_trigger_mode(static_cast<hal::trigger_te>(2)));
 }
 

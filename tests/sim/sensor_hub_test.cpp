@@ -128,8 +128,8 @@ TEST_F(SensorHubTest, SensorsThatAreOnAreShown) {
     auto const shown = [&] { return sim::value_text(properties.all().at("hub.sensors").get()); };
     EXPECT_EQ(shown(), "none");
     hub.activate(37, 50, 100, 0s);
-    hub.activate(34, 12.5F, 0, 0s);
-    EXPECT_EQ(shown(), "34 at 12.5 Hz 0 ms, 37 at 50 Hz 100 ms");
+    hub.activate(10, 25, 0, 0s);
+    EXPECT_EQ(shown(), "10 at 25 Hz 0 ms, 37 at 50 Hz 100 ms");
 }
 
 TEST_F(SensorHubTest, SensorsThatAreNotPresentAreRefused) {
