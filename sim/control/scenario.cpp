@@ -40,42 +40,58 @@ Error carry_out(ScenarioLine const& line, Device& device) {
     return reply.ok ? Error() : "line " + std::to_string(line.number) + ": " + reply.text;
 }
 
-Scenario sorted_by_time(Scenario scenario) {
-    std::stable_sort(scenario.begin(), scenario.end(), [](ScenarioLine const& a, ScenarioLine const& b) {
-        return a.due.value_or(Time(-1)) < b.due.value_or(Time(-1));
-    });
-    return scenario;
-}
-
-// Moves the device to `due` whichever way its clock runs, and leaves the clock running that way.
-void pass_time_until(Time due, Device& device) {
-    std::string const setting = device.timeline.clock_setting();
-    device.timeline.run_stepped();
-    device.timeline.step(std::max(Duration(0), due - device.now()));
-    device_commands().run({device, {}}, "clock " + setting);
-}
-
-// The whole scenario on a device that nobody uses, as fast as it goes.
-Error rehearse(Scenario const& scenario, std::vector<std::string> const& missing) {
-    Device device(std::make_unique<MemoryFileSystem>(missing));
-    device.timeline.run_stepped();
-    for (ScenarioLine const& line : sorted_by_time(scenario)) {
-        pass_time_until(line.due.value_or(Time(0)), device);
-        Error error = carry_out(line, device);
+// Carries out what is due at the start and sets the rest to its time; an error then goes to `fail`.
+template <typename Fail>
+Error start(Scenario const& scenario, Device& device, Fail fail) {
+    for (ScenarioLine const& line : scenario) {
+        Error error = line.due ? Error() : carry_out(line, device);
         if (!error.empty()) {
             return error;
+        }
+    }
+    for (ScenarioLine const& line : scenario) {
+        if (line.due) {
+            device.timeline.at(*line.due, [line, &device, fail] {
+                Error const error = carry_out(line, device);
+                if (!error.empty()) {
+                    fail(error);
+                }
+            });
         }
     }
     return {};
 }
 
-// Half a scenario must not go on as if it were whole.
-void carry_out_or_end(ScenarioLine const& line, Device& device) {
-    Error const error = carry_out(line, device);
-    if (!error.empty()) {
-        std::fprintf(stderr, "libhal: scenario %s\n", error.c_str());
-        std::_Exit(2);
+std::vector<Time> times_of(Scenario const& scenario) {
+    std::vector<Time> times;
+    for (ScenarioLine const& line : scenario) {
+        times.push_back(line.due.value_or(Time(0)));
     }
+    std::sort(times.begin(), times.end());
+    return times;
+}
+
+// The whole scenario on a device that nobody uses, as fast as it goes.
+Error rehearse(Scenario const& scenario, std::vector<std::string> const& missing) {
+    Error first;
+    Device device(std::make_unique<MemoryFileSystem>(missing));
+    device.timeline.run_stepped();
+    Error at_start = start(scenario, device, [&](Error const& error) { first = first.empty() ? error : first; });
+    if (!at_start.empty()) {
+        return at_start;
+    }
+    for (Time const time : times_of(scenario)) {
+        device.timeline.run_stepped();  // a line may have chosen a clock that runs
+        device.timeline.step(std::max(Duration(0), time - device.now()));
+    }
+    device.timeline.stop();
+    return first;
+}
+
+// Half a scenario must not go on as if it were whole.
+void end_on(Error const& error) {
+    std::fprintf(stderr, "libhal: scenario %s\n", error.c_str());
+    std::_Exit(2);
 }
 
 }  // namespace
@@ -104,18 +120,7 @@ Error load_scenario(std::string const& path, Scenario& scenario, std::vector<std
 }
 
 Error start_scenario(Scenario const& scenario, Device& device) {
-    for (ScenarioLine const& line : scenario) {
-        Error error = line.due ? Error() : carry_out(line, device);
-        if (!error.empty()) {
-            return error;
-        }
-    }
-    for (ScenarioLine const& line : scenario) {
-        if (line.due) {
-            device.timeline.at(*line.due, [line, &device] { carry_out_or_end(line, device); });
-        }
-    }
-    return {};
+    return start(scenario, device, end_on);
 }
 
 }  // namespace sim

@@ -85,6 +85,13 @@ TEST_F(ScenarioTest, LinesAreJudgedInTheOrderOfTheirTimes) {
     EXPECT_NE(load("1s node restore /dev/imx296\n2s node remove /dev/imx296\n", scenario), "");
 }
 
+TEST_F(ScenarioTest, LinesComeBeforeWhatFallsDueAtTheirTime) {
+    Scenario scenario;
+    EXPECT_EQ(load("1s press 1s\n2001ms button down\n", scenario), "");
+    EXPECT_EQ(load("1s press 1s\n2s button down\n", scenario),
+              "scenario " + path_ + ", line 2: the button is pressed already");
+}
+
 TEST_F(ScenarioTest, TimesPassAlsoWhereAClockThatRunsIsChosen) {
     Scenario scenario;
     EXPECT_EQ(load("clock real\n5s press 1s\n7s press 1s\n", scenario), "");
