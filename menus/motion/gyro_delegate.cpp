@@ -13,6 +13,7 @@
 #include "hal/gyro_delegate.h"
 #include "hal/rtu.h"
 #include "menus/motion/gyro_alarm.h"
+#include "menus/motion/orientation_sample.h"
 
 namespace {
 
@@ -33,14 +34,10 @@ char ask_option() {
 }  // namespace
 
 void print_orientation(unsigned char sensor_id, hal::cb_struct_te kind, void* data) {
-    if (data == nullptr || kind != hal::cb_struct_te::quaternion_s16 || (sensor_id != 37 && sensor_id != 38)) {
-        return;
+    if (auto const angles = read_orientation(sensor_id, kind, data)) {
+        auto const [yaw, pitch, roll] = *angles;
+        std::cout << "  Alpha: " << yaw << "  Beta : " << pitch << "  Gamma: " << roll << std::endl;
     }
-    hal::quaternion_float_t quaternion{};
-    quaternion = *static_cast<hal::quaternion_s16_t const*>(data);
-    float angles[3] = {};
-    hal::gyro_t::quaternion_2_yaw_pitch_roll(quaternion, angles, true);
-    std::cout << "  Alpha: " << angles[0] << "  Beta : " << angles[1] << "  Gamma: " << angles[2] << std::endl;
 }
 
 int test_gyro_delegate() {

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "hal/gyro.h"
+#include "menus/motion/orientation_sample.h"
 
 std::function<void()> g_on_running;
 std::function<void()> g_on_warning;
@@ -15,18 +15,13 @@ namespace {
 
 constexpr char const* kSignature = "void cb_sensor_data(uint8_t, hal::cb_struct_te, void*)";
 constexpr int kTraceNumber = 29;
-constexpr int kAxes = 3;             // yaw, pitch, roll
 constexpr float kAngleLimit = 5.0F;  // degrees
 constexpr float kHalfTurn = 180.0F;  // degrees
 constexpr float kFullTurn = 360.0F;  // degrees
 
 std::atomic<bool> save_requested{false};
-float reference[kAxes] = {};
+orientation_angles reference{};
 bool alarm_running = true;
-
-bool carries_orientation(std::uint8_t sensor_id, hal::cb_struct_te kind, void const* data) {
-    return data != nullptr && kind == hal::cb_struct_te::quaternion_s16 && (sensor_id == 37 || sensor_id == 38);
-}
 
 bool out_of_range(float saved, float current) {
     float difference = saved - current;
@@ -39,17 +34,17 @@ bool out_of_range(float saved, float current) {
     return std::fabs(difference) > kAngleLimit;
 }
 
-void save(float const (&angles)[kAxes]) {
-    for (int axis = 0; axis < kAxes; ++axis) {
+void save(orientation_angles const& angles) {
+    for (std::size_t axis = 0; axis < reference.size(); ++axis) {
         reference[axis] = angles[axis];
         std::cout << "Saved Pos" << axis << "  : " << reference[axis];  // kept: the three stand on one line
     }
     std::cout << "###############   Saving done  ###################\n";
 }
 
-void judge(float const (&angles)[kAxes]) {
+void judge(orientation_angles const& angles) {
     bool in_range = true;
-    for (int axis = 0; axis < kAxes; ++axis) {
+    for (std::size_t axis = 0; axis < reference.size(); ++axis) {
         in_range = in_range && !out_of_range(reference[axis], angles[axis]);
     }
     if (in_range == alarm_running) {
@@ -75,16 +70,16 @@ void cb_sensor_data(std::uint8_t sensor_id, hal::cb_struct_te kind, void* data) 
     std::cout << kSignature << " " << kTraceNumber << std::endl;
     // Kept: the file is created and stays empty; positions are saved to standard output only.
     static std::ofstream const log_file("/tmp/gyro.txt", std::ios::binary | std::ios::trunc);
-    if (!g_on_running || !g_on_warning || !carries_orientation(sensor_id, kind, data)) {
+    if (!g_on_running || !g_on_warning) {
         return;
     }
-    hal::quaternion_float_t quaternion{};
-    quaternion = *static_cast<hal::quaternion_s16_t const*>(data);
-    float angles[kAxes] = {};
-    hal::gyro_t::quaternion_2_yaw_pitch_roll(quaternion, angles, true);
+    auto const angles = read_orientation(sensor_id, kind, data);
+    if (!angles) {
+        return;
+    }
     if (save_requested.exchange(false)) {
-        save(angles);
+        save(*angles);
     } else {
-        judge(angles);
+        judge(*angles);
     }
 }
