@@ -23,6 +23,13 @@ struct af_error {
     bool empty_calibration_table;
 };
 static_assert(sizeof(af_error) == 9);
+static_assert(offsetof(af_error, no_valid_frequency) == 1);
+static_assert(offsetof(af_error, initialization_error) == 2);
+static_assert(offsetof(af_error, motor_stuck) == 3);
+static_assert(offsetof(af_error, target_unreachable) == 4);
+static_assert(offsetof(af_error, mirror_failure) == 5);
+static_assert(offsetof(af_error, no_mirror) == 6);
+static_assert(offsetof(af_error, communication_error) == 7);
 static_assert(offsetof(af_error, empty_calibration_table) == 8);
 
 class autofocus_t : public base_t {

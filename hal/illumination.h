@@ -29,6 +29,12 @@ struct spot_flags {
     bool over_temperature;
 };
 static_assert(sizeof(spot_flags) == 8);
+static_assert(offsetof(spot_flags, low_power) == 1);
+static_assert(offsetof(spot_flags, trigger_overflow) == 2);
+static_assert(offsetof(spot_flags, driver_error) == 3);
+static_assert(offsetof(spot_flags, calibration_error) == 4);
+static_assert(offsetof(spot_flags, dvsc) == 5);
+static_assert(offsetof(spot_flags, bc) == 6);
 static_assert(offsetof(spot_flags, over_temperature) == 7);
 
 struct spot_states {
@@ -49,6 +55,8 @@ struct illu_guards {
     bool pvd;
 };
 static_assert(sizeof(illu_guards) == 4);
+static_assert(offsetof(illu_guards, dvs) == 1);
+static_assert(offsetof(illu_guards, autocal) == 2);
 static_assert(offsetof(illu_guards, pvd) == 3);
 
 // Brightness, limits and temperatures are in the module's own units.

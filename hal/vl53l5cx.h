@@ -2,6 +2,7 @@
 // for one target per zone.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 struct VL53L5CX_ResultsData {
@@ -25,3 +26,4 @@ struct VL53L5CX_ResultsData {
     } motion_indicator;
 };
 static_assert(sizeof(VL53L5CX_ResultsData) == 1360);
+static_assert(offsetof(VL53L5CX_ResultsData, distance_mm) == 964);

@@ -48,6 +48,12 @@ TEST(TerminalInputTest, RefusedValueIsReported) {
     EXPECT_EQ(run_console("42\n", options).output, "Enter a value for gain: sensor error to set gain\n");
 }
 
+TEST(TerminalInputTest, EmptyAccessorThrows) {
+    support::SessionOptions options;
+    options.entry_point = "sensor_set_without_accessor";
+    EXPECT_EQ(run_console("42\n", options).output, "Enter a value for gain: no accessor\n");
+}
+
 TEST(TerminalInputTest, EndOfInputStandsForZero) {
     support::SessionOptions options;
     options.entry_point = "sensor_set_accepted";

@@ -55,11 +55,14 @@ inline std::vector<Step> ignored(std::string const& keys) {
     return steps;
 }
 
-// The menu ends the process by key '0', whose objects are not destroyed.
-inline void expect_exit_by_zero(Menu const& menu) {
+// The menu ends the process by key '0': its objects are not destroyed, but for the static ones.
+inline void expect_exit_by_zero(Menu const& menu, support::Calls const& destroyed = {}) {
+    support::Calls calls = menu.opening;
+    calls.insert(calls.end(), destroyed.begin(), destroyed.end());
     auto const run = support::run_console(std::string{menu.main_key, '0'});
     EXPECT_EQ(run.output,
               screens::kStart + screens::main_menu(menu.main_key) + menu.start + menu.screen('0') + screens::kGoodBye);
+    EXPECT_EQ(run.calls, calls);
     EXPECT_EQ(run.status, 0);
 }
 
@@ -100,6 +103,19 @@ protected:
     void expect_waiting(std::string const& items) {
         client.send("A\n");
         EXPECT_EQ(client.receive_reply(), items + "0;\\n");
+    }
+
+    // A menu that reads the terminal prints the same, whatever is typed, while a client is connected.
+    void expect_as_at_the_terminal(char main_key, std::string const& typed) {
+        std::string const alone = support::run_console(main_key + typed + "xx").output;
+        std::string const before = screens::kStart + screens::main_menu(main_key);
+        std::string const after = screens::main_menu('x');
+        ASSERT_GT(alone.size(), before.size() + after.size());
+        std::string const printed = alone.substr(before.size(), alone.size() - before.size() - after.size());
+        client.send(std::string{main_key, '\n'});
+        session.wait_for(printed.substr(0, printed.find("option: ") + 1));  // from here on the menu has the terminal
+        session.type(typed + "x");
+        session.wait_for(printed.substr(printed.find("option: ") + 1));
     }
 
     // The client leaves the main menu, then the operator the mode; the calls that were made.

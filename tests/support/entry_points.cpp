@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <limits>
 #include <memory>
@@ -62,6 +63,14 @@ void two_hundred_socket_modes() {
 
 void sensor_set_of_a_refusing_module() {
     sensor_set([](unsigned int&) { return 3; }, "gain");
+}
+
+void sensor_set_without_accessor() {
+    try {
+        sensor_set({}, "gain");
+    } catch (std::bad_function_call const&) {
+        std::cout << "no accessor" << std::endl;
+    }
 }
 
 void sensor_set_of_an_accepting_module() {
@@ -201,6 +210,7 @@ constexpr EntryPoint kEntryPoints[] = {
     {"rtu_version", rtu_version},
     {"sensor_set_accepted", sensor_set_of_an_accepting_module},
     {"sensor_set_refused", sensor_set_of_a_refusing_module},
+    {"sensor_set_without_accessor", sensor_set_without_accessor},
     {"socket_mode_while_active", socket_mode_while_active},
     {"two_hundred_socket_modes", two_hundred_socket_modes},
 };

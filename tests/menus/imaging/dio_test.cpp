@@ -132,7 +132,7 @@ TEST(DioTest, DeadAndUnknownKeysAreNotValid) {
 }
 
 TEST(DioTest, KeyZeroEndsTheWholeProgram) {
-    expect_exit_by_zero(kDio);
+    expect_exit_by_zero(kDio, kDio.closing);
 }
 
 TEST(DioTest, PinsZeroAndFiveHighReadThirtyThree) {

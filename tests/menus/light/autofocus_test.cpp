@@ -268,6 +268,12 @@ TEST_F(AutofocusClientTest, TerminalDrivesTheMenuAndTheClientGetsNothing) {
     end();
 }
 
+TEST_F(AutofocusClientTest, AllNumbersAreTypedAtTheTerminal) {
+    expect_as_at_the_terminal('f', "123aA100\nabdefgh1\ni0\nlR47\nmM200\nn1\nn0\n");
+    expect_waiting("");
+    end();
+}
+
 class MovingAutofocusTest : public light::SteppedMenuTest {
 protected:
     MovingAutofocusTest() : SteppedMenuTest('f') {}
@@ -292,6 +298,8 @@ TEST_F(MovingAutofocusTest, CalibrationYieldsItsFrequencyWhenItIsDone) {
     expect('A', "500\n", kPositionPrompt + "\t\t error setting posisiton 500\n");
     session.control("step 1ms");
     expect('d', "", "\t\t get freq: 183hz\n");
+    auto const calls = session.calls();
+    EXPECT_NE(std::find(calls.begin(), calls.end(), "autofocus_t::calibrate() = 0"), calls.end());
     expect('e', "", errors({}));
     expect('A', "500\n", kPositionPrompt);
 }

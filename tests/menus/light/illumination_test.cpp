@@ -380,6 +380,12 @@ TEST(IlluminationUnboundTest, BrightnessIsPrintedBeforeTheFailureOfItsLimits) {
                      "fault add illumination_t::get_brightness_limits status -1"},
                     "\t\t get brightness: 9 ,min: 0, max: 0\n" + kFailure,
                     {"illumination_t::get_brightness() = 0 [9]", "illumination_t::get_brightness_limits() = -1"}});
+    expect_unbound(
+        {"illumination_get_brightness",
+         "",
+         {"fault add illumination_t::get_brightness status -1"},
+         "\t\t get brightness: 0 ,min: 0, max: 14\n",
+         {"illumination_t::get_brightness() = -1", "illumination_t::get_brightness_limits() = 0 [0, 14, 1]"}});
 }
 
 TEST(IlluminationUnboundTest, SegmentsAboveFifteenAreWarnedAboutAndWritten) {
@@ -418,6 +424,11 @@ TEST(IlluminationUnboundTest, BrightnessAboveFourteenIsWarnedAboutAndWritten) {
                     {"fault add illumination_t::set_brightness status 9"},
                     range + kFailure,
                     {limits, "illumination_t::set_brightness(3) = 9"}});
+    expect_unbound({"illumination_set_brightness",
+                    "3\n",
+                    {"fault add illumination_t::get_brightness_limits status -1"},
+                    "Enter a value in range: 0 - 0\n",
+                    {"illumination_t::get_brightness_limits() = -1", "illumination_t::set_brightness(3) = 0"}});
 }
 
 TEST(IlluminationUnboundTest, ClientSendsTheNumbersAndGetsEchoesAndStatuses) {
@@ -445,6 +456,20 @@ TEST(IlluminationUnboundTest, ClientSendsTheNumbersAndGetsEchoesAndStatuses) {
 
 class IlluminationClientTest : public ClientTest {};
 
+TEST(IlluminationUnboundTest, ClientGetsTheStatusOfTheLastCallAlone) {
+    support::SessionOptions options = with_scenario(
+        {"fault add illumination_t::get_segments status -1", "fault add illumination_t::get_brightness status -2",
+         "fault add illumination_t::set_segments status 5",
+         "fault add illumination_t::get_segments_limits count 1 status 6",
+         "fault add illumination_t::get_brightness_limits count 1 status 7"});
+    options.entry_point = "illumination_client";
+    support::ConsoleSession session(options);
+    support::StationClient client;
+    client.send("9\n3\n");
+    EXPECT_EQ(client.receive_reply(), "935;0;0;0;\\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
 // The menu is the operator's: the client only opens it, and only the pattern's statuses wait for it.
 TEST_F(IlluminationClientTest, TerminalDrivesTheMenuAndTheStatusesWait) {
     client.send("c\n");
@@ -462,6 +487,25 @@ TEST_F(IlluminationClientTest, TerminalDrivesTheMenuAndTheStatusesWait) {
     session.type("x");
     session.wait_for("Your Option = x\n");
     expect_waiting("0;0;");
+    end();
+}
+
+TEST_F(IlluminationClientTest, StatusesOfARefusedPatternWaitToo) {
+    session.control("fault add illumination_t::get_pattern status 3");
+    session.control("fault add illumination_t::set_pattern status -4");
+    client.send("c\n");
+    session.wait_for("LED STATE  \nPlease enter your option: ");
+    session.type("aA1\nx");
+    session.wait_for("Your Option = x\n");
+    expect_waiting("3;-4;");
+    end();
+}
+
+TEST_F(IlluminationClientTest, AllNumbersAreTypedAtTheTerminal) {
+    expect_as_at_the_terminal('c',
+                              "123hijJ2\n100\njJ1\nL9\nlM9\nmN1\nnP70\npQ1\n1\n0\n1\nqr60\ns5\nSt6\nTu7\nU"
+                              "K1\nkZ1\nzY1\nyB3\nbC4\ncdefvi");
+    expect_waiting("");
     end();
 }
 

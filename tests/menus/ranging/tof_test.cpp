@@ -152,7 +152,9 @@ TEST(TofTest, CalibrationParametersAreAskedInTheirOrder) {
                 {'e', "65537\n257\n66536\n", calibration_texts("50 16 3000", "1 1 1000"),
                  calibration_calls("1) = 0", "1) = 0", "1000) = 0")},
                 {'e', "much\nmany\nfar\n", calibration_texts("1 1 1000", "1 1 1000"),
-                 calibration_calls("0) = 127", "0) = 127", "0) = 127")}});
+                 calibration_calls("0) = 127", "0) = 127", "0) = 127")},
+                {'e', "50\nmany\n600\n", calibration_texts("1 1 1000", "50 1 600"),
+                 calibration_calls("50) = 0", "0) = 127", "600) = 0")}});
 }
 
 TEST(TofTest, FailedCalibrationSettersShowTheOldFields) {
@@ -306,8 +308,9 @@ TEST(TofTest, BlockingOperationsTakeTheirTime) {
         std::string typed;
         char blocking_key;
         double seconds;
-    } const operations[] = {{"h", 'h', 1.0},          {"g3\nh", 'h', 3.0}, {"f", 'f', 2.5}, {"e3 16 600\nf", 'f', 8.5},
-                            {"b10\ng1\nh", 'h', 0.1}, {"i", 'i', 0.1}};
+    } const operations[] = {{"h", 'h', 1.0}, {"g3\nh", 'h', 3.0},        {"gmany\nh", 'h', 1.0},
+                            {"f", 'f', 2.5}, {"e3 16 600\nf", 'f', 8.5}, {"b10\ng1\nh", 'h', 0.1},
+                            {"i", 'i', 0.1}};
     for (auto const& operation : operations) {
         SCOPED_TRACE(operation.typed);
         double const start = time();
@@ -338,6 +341,12 @@ TEST(TofTest, EndOfInputLeavesTheMenuAsTheExitKeyDoes) {
 }
 
 class TofClientTest : public ClientTest {};
+
+TEST_F(TofClientTest, AllNumbersAreTypedAtTheTerminal) {
+    expect_as_at_the_terminal('p', "a64\nb9\nc3\nd20\ne50\n16\n3000\ng2\nj0\nj1\n");
+    expect_waiting("");
+    end();
+}
 
 TEST_F(TofClientTest, TerminalDrivesTheMenuAndTheClientGetsNothing) {
     client.send("p\n");
