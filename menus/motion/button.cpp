@@ -99,13 +99,9 @@ void testbutton_init(hal::button_t& button) {
     button.release_records[3] = {4250, testButtonRelease5};  // kept: index 3 again, so that index 4 is never set
 }
 
-void set_lightbar_actions(std::shared_ptr<hal::rtu_t> const& rtu) {
+void set_lightbar_actions(lender<hal::rtu_t> const& rtu) {
     auto const colour = [&rtu](hal::color_t color) {
-        return [unit = std::weak_ptr<hal::rtu_t>(rtu), color] {
-            if (auto const living = unit.lock()) {
-                living->set_lightbar_col(color);
-            }
-        };
+        return rtu.callback([color](hal::rtu_t& lent) { lent.set_lightbar_col(color); });
     };
     g_lightbar_p1 = colour({100, 255, 0, 0});
     g_lightbar_p2 = colour({100, 0, 255, 255});
@@ -116,8 +112,9 @@ void set_lightbar_actions(std::shared_ptr<hal::rtu_t> const& rtu) {
 int test_button() {
     hal::button_t button("/dev/gpiochip1", static_cast<short>(get_button_irq_line()), true, 2000);
     testbutton_init(button);
-    auto const rtu = std::make_shared<hal::rtu_t>("/dev/r47-rtu-driver", 2);
-    set_lightbar_actions(rtu);
+    hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
+    lender<hal::rtu_t> const lent_rtu(rtu);
+    set_lightbar_actions(lent_rtu);
     button.irq_callback_hold(false);
     while (true) {
         std::cout << kMenu;

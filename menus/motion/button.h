@@ -2,10 +2,10 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 
 #include "hal/button.h"
 #include "hal/rtu.h"
+#include "menus/motion/lender.h"
 
 // Runs the menu through console I/O until its exit key; the interrupt line's state goes to the client too.
 // Returns 0.
@@ -33,5 +33,5 @@ extern std::function<void()> g_lightbar_p2;
 extern std::function<void()> g_lightbar_p3;
 extern std::function<void()> g_lightbar_p4;
 
-// Sets all four to their colours. They do nothing once the real-time unit's object is gone.
-void set_lightbar_actions(std::shared_ptr<hal::rtu_t> const& rtu);
+// Sets all four to their colours.
+void set_lightbar_actions(lender<hal::rtu_t> const& rtu);

@@ -35,14 +35,9 @@ void show_position_as_device_state(hal::gyro_alarm_t& alarm, hal::rtu_t& rtu) {
     alarm.on_position_left = [&rtu] { rtu.set_device_status(hal::device_state_te::warning); };
 }
 
-void teach_by_long_press(hal::button_t& button, std::shared_ptr<hal::gyro_alarm_t> const& alarm) {
-    auto const teach = [watched = std::weak_ptr<hal::gyro_alarm_t>(alarm)] {
-        if (auto const living = watched.lock()) {
-            living->teach_current_position();
-        }
-    };
+void teach_by_long_press(hal::button_t& button, lender<hal::gyro_alarm_t> const& alarm) {
     button.release_records[1] = {50, nullptr};  // kept: set twice, only the second one holds
-    button.release_records[1] = {5000, teach};
+    button.release_records[1] = {5000, alarm.callback([](hal::gyro_alarm_t& lent) { lent.teach_current_position(); })};
 }
 
 int test_gyro_alarm() {
@@ -53,11 +48,12 @@ int test_gyro_alarm() {
     gyro.boot();
     gyro.info_firmware();
     gyro.activate_vsensor(37, 10.0F, 1);
-    auto const alarm = std::make_shared<hal::gyro_alarm_t>(gyro, static_cast<unsigned short>(37));
-    show_position_as_device_state(*alarm, rtu);
-    p_gyro_alarm = alarm.get();
-    teach_by_long_press(button, alarm);
-    alarm->on_position_reached();
+    hal::gyro_alarm_t alarm(gyro, 37);
+    lender<hal::gyro_alarm_t> const lent_alarm(alarm);
+    show_position_as_device_state(alarm, rtu);
+    p_gyro_alarm = &alarm;
+    teach_by_long_press(button, lent_alarm);
+    alarm.on_position_reached();
     gyro.irq_callback_hold(false);
     button.irq_callback_hold(false);
     bool hold = false;

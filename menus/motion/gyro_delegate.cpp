@@ -2,7 +2,6 @@
 #include "menus/motion/gyro_delegate.h"
 
 #include <iostream>
-#include <memory>
 
 #include "app/console_main.h"
 #include "app/device_type.h"
@@ -68,11 +67,12 @@ int test_gyro_delegate_and_alarm() {
     gyro.boot();
     gyro.info_firmware();
     gyro.activate_vsensor(37, 1.0F, 1);
-    auto const alarm = std::make_shared<hal::gyro_alarm_t>(gyro, static_cast<unsigned short>(37));
+    hal::gyro_alarm_t alarm(gyro, 37);
+    lender<hal::gyro_alarm_t> const lent_alarm(alarm);
     hal::gyro_delegate_t const delegate(gyro, 37, print_orientation);
-    show_position_as_device_state(*alarm, rtu);
-    teach_by_long_press(button, alarm);
-    alarm->on_position_reached();
+    show_position_as_device_state(alarm, rtu);
+    teach_by_long_press(button, lent_alarm);
+    alarm.on_position_reached();
     gyro.irq_callback_hold(false);
     button.irq_callback_hold(false);
     bool hold = false;

@@ -132,13 +132,15 @@ void serve_illumination_client() {
 
 // The press actions in their order, and the first once more when the real-time unit is gone.
 void lightbar_actions() {
-    auto rtu = std::make_shared<hal::rtu_t>("/dev/r47-rtu-driver", 2);
-    set_lightbar_actions(rtu);
-    testButtonp1();
-    testButtonp2();
-    testButtonp3();
-    testButtonp4();
-    rtu.reset();
+    {
+        hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
+        lender<hal::rtu_t> const lent_rtu(rtu);
+        set_lightbar_actions(lent_rtu);
+        testButtonp1();
+        testButtonp2();
+        testButtonp3();
+        testButtonp4();
+    }
     testButtonp1();
 }
 
