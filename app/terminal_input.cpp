@@ -20,7 +20,7 @@
 namespace {
 
 constexpr auto kWaitAtEndOfInput = std::chrono::milliseconds(20);  // 50 redisplays a second
-constexpr std::size_t kLongestFloat = 64;                          // characters
+constexpr std::size_t kLongestFloat = 1024;                        // characters
 
 // What comes instead of a character.
 constexpr int kControlD = -1;
@@ -32,6 +32,23 @@ bool is_space(int c) {
 
 bool is_digit(int c) {
     return c >= '0' && c <= '9';
+}
+
+// Whether the character goes on with the beginning of a floating-point number.
+bool continues_float(std::string const& text, int c) {
+    std::size_t const exponent = text.find_first_of("eE");
+    switch (c) {
+        case '+':
+        case '-':
+            return text.empty() || exponent == text.size() - 1;
+        case '.':
+            return exponent == std::string::npos && text.find('.') == std::string::npos;
+        case 'e':
+        case 'E':
+            return exponent == std::string::npos && text.find_first_of("0123456789") != std::string::npos;
+        default:
+            return is_digit(c);
+    }
 }
 
 class Terminal {
@@ -231,11 +248,7 @@ void read_number(float& value) {
         return;
     }
     std::string text;
-    while (is_digit(c) || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E') {
-        bool const sign = c == '+' || c == '-';
-        if (text.size() == kLongestFloat || (sign && !text.empty() && text.back() != 'e' && text.back() != 'E')) {
-            break;
-        }
+    while (text.size() < kLongestFloat && continues_float(text, c)) {
         text += static_cast<char>(c);
         input->drop();
         c = input->peek();

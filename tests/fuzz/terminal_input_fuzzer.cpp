@@ -22,7 +22,7 @@
 namespace {
 
 constexpr auto kWaitAtEnd = std::chrono::milliseconds(20);
-constexpr std::size_t kLongestFloat = 63;
+constexpr std::size_t kLongestFloat = 1023;
 
 // What the console finds at its input: a character, or what comes instead of one.
 enum Event : int { control_d = -1, ended = -2 };
@@ -138,9 +138,8 @@ Integer expected_integer(Model& model, Integer kept) {
 
 float expected_float(Model& model, float kept) {
     std::string const text = model.text([](std::string const& before, char c) {
-        bool const sign_fits = before.empty() || before.back() == 'e' || before.back() == 'E';
-        bool const fits = is_digit(c) || c == '.' || c == 'e' || c == 'E' || ((c == '+' || c == '-') && sign_fits);
-        return fits && before.size() <= kLongestFloat;
+        static std::regex const beginning(R"([+-]?([0-9]*\.?[0-9]*|([0-9]+\.?[0-9]*|\.[0-9]+)[eE][+-]?[0-9]*))");
+        return before.size() <= kLongestFloat && std::regex_match(before + c, beginning);
     });
     static std::regex const number(R"([+-]?([0-9]+\.?[0-9]*|\.[0-9]+)([eE][+-]?[0-9]+)?)");
     bool const converts = text.size() <= kLongestFloat && std::regex_match(text, number);
