@@ -123,6 +123,18 @@ TEST_F(LegacyAlarmTest, TiltWarnsAndReturnRuns) {
                                  Calls{"rtu_t::set_device_status(3) = 0"} + kEndCalls);
 }
 
+TEST_F(LegacyAlarmTest, RefusedDeviceStatesAreNotReported) {
+    step("1ms");
+    session.control("fault add rtu_t::set_device_status status -1");
+    session.control("tilt 0 20 0");
+    sample();
+    session.control("tilt 0 0 0");
+    sample();
+    expect_output(kLegacyAlarmMenu + kSampleTrace + kToWarning + kSampleTrace + kToRunning);
+    EXPECT_EQ(later_calls(), kSample + Calls{"rtu_t::set_device_status(5) = -1"} + kSample +
+                                 Calls{"rtu_t::set_device_status(3) = -1"} + kEndCalls);
+}
+
 TEST_F(LegacyAlarmTest, SaveKeyTakesTheNextSample) {
     step("1ms");
     session.control("tilt 0 0 180");
@@ -184,10 +196,11 @@ TEST(LegacyAlarmStartTest, FailuresOfTheLibraryAreNotReported) {
     SessionOptions options =
         legacy(stepped({"fault add *::boot status -1", "fault add *::in* status -1", "fault add *::activate* status -1",
                         "fault add *::set_* status -1", "fault add *::irq_* status -1"}));
-    auto const run = support::run_console("itx", options);
-    EXPECT_EQ(run.output,
-              "int test_alarm_old()\n" + legacy_alarm_menu('i') + legacy_alarm_menu('t') + legacy_alarm_menu('x'));
-    Calls expected = kStartCalls + Calls{"gyro_t::info_vsensor_list() = 0", "gyro_t::irq_callback_hold(true) = 0"};
+    auto const run = support::run_console("ittx", options);
+    EXPECT_EQ(run.output, "int test_alarm_old()\n" + legacy_alarm_menu('i') + legacy_alarm_menu('t') +
+                              legacy_alarm_menu('t') + "Running" + legacy_alarm_menu('x'));
+    Calls expected = kStartCalls + Calls{"gyro_t::info_vsensor_list() = 0", "gyro_t::irq_callback_hold(true) = 0",
+                                         "gyro_t::irq_callback_hold(false) = 0"};
     for (std::string& call : expected) {
         if (call.compare(call.size() - 4, 4, " = 0") == 0) {
             call.replace(call.size() - 1, 1, "-1");
@@ -230,6 +243,21 @@ TEST(LegacyAlarmStartTest, LogFileIsEmptiedAndStaysEmpty) {
     session.wait_for(kLevelSaved);
     session.type("x");
     session.wait_for("size 0\n");
+}
+
+TEST(LegacyAlarmStartTest, LogFileThatCannotBeOpenedChangesNothing) {
+    SessionOptions options = legacy();
+    options.script = "mkdir /tmp/gyro.txt; exec \"$@\"";
+    ConsoleSession session(options);
+    session.wait_for(kLegacyAlarmMenu);
+    session.control("step 1ms");
+    session.type("s");
+    session.wait_for(kLegacyAlarmMenu);
+    session.control("step 2s");
+    session.wait_for(kLevelSaved);
+    session.type("x");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_EQ(session.errors(), "");
 }
 
 TEST(LegacyAlarmStartTest, EndOfInputLeavesTheMenu) {

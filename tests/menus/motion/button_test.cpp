@@ -184,8 +184,12 @@ TEST_F(ButtonScenarioTest, RefusedColourIsIgnored) {
     session.control("fault add rtu_t::set_lightbar_col status -1");
     session.control("press 2s");
     session.control("step 2s");
+    EXPECT_EQ(later_calls(),
+              (Calls{"callback button_t::press_records(1)", "rtu_t::set_lightbar_col({100, 0, 255, 255}) = -1",
+                     "callback button_t::release_records(1)"}));
     session.type("xx");
     EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_NE(session.output().find(called("testButtonp2")), std::string::npos);
     EXPECT_EQ(session.errors(), "");
 }
 

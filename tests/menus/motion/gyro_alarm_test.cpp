@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 
 #include "tests/menus/motion/motion_run.h"
 #include "tests/support/screens/motion.h"
@@ -88,11 +89,14 @@ TEST(AlarmMenuTest, AllOtherKeysShowTheMenuAgain) {
 }
 
 TEST(AlarmMenuTest, FailuresOfTheLibraryAreNotReported) {
-    auto const run = run_console("Ga5\ntxx", stepped({"fault add *::boot status -1", "fault add *::info* status -1",
-                                                      "fault add *::activate* status -1",
-                                                      "fault add *::set_* status -1", "fault add *::irq_* status -1"}));
-    EXPECT_EQ(run.output, visit('G', "int test_gyro_alarm()\nDetected device R47" + alarm_menu('a') +
-                                         "Please enter angle" + alarm_menu('t') + alarm_menu('x')));
+    auto const run = run_console(
+        "Ga5\nb6\ng7\nttxx",
+        stepped({"fault add *::boot status -1", "fault add *::info* status -1", "fault add *::activate* status -1",
+                 "fault add *::set_* status -1", "fault add *::irq_* status -1"}));
+    EXPECT_EQ(run.output,
+              visit('G', "int test_gyro_alarm()\nDetected device R47" + alarm_menu('a') + "Please enter angle" +
+                             alarm_menu('b') + "Please enter angle" + alarm_menu('g') + "Please enter angle" +
+                             alarm_menu('t') + alarm_menu('t') + alarm_menu('x')));
     Calls const expected{kRtuConstruction,
                          gyro_construction(),
                          button_construction(82),
@@ -104,7 +108,10 @@ TEST(AlarmMenuTest, FailuresOfTheLibraryAreNotReported) {
                          "gyro_t::irq_callback_hold(false) = -1",
                          "button_t::irq_callback_hold(false) = -1",
                          "gyro_alarm_t::set_angle_limit(5) = -1",
-                         "gyro_t::irq_callback_hold(true) = -1"};
+                         "gyro_alarm_t::set_angle_limit(6) = -1",
+                         "gyro_alarm_t::set_angle_limit(7) = -1",
+                         "gyro_t::irq_callback_hold(true) = -1",
+                         "gyro_t::irq_callback_hold(false) = -1"};
     EXPECT_EQ(run.calls, expected + kEndCalls);
     EXPECT_EQ(run.errors, "");
 }
@@ -221,6 +228,31 @@ TEST_F(AlarmScenarioTest, PressOf5SecondsTeachesTheNewPosition) {
     expect_leaves();
 }
 
+// The device's own calls, from its threads, fail without a word in both menus that have the alarm.
+TEST(AlarmCallbackTest, FailuresOfTheLibraryAreNotReported) {
+    for (std::string const key : {"G", "H"}) {
+        ConsoleSession session(stepped());
+        session.type(key);
+        session.wait_for("x: Return to main");
+        session.control("fault add rtu_t::set_device_status status -1");
+        session.control("fault add gyro_alarm_t::teach_current_position status -1");
+        session.control("tilt 0 20 0");
+        session.control("step 1100ms");
+        session.control("press 5s");
+        session.control("step 5s");
+        session.control("tilt 0 0 0");
+        session.control("step 1100ms");
+        session.type("xx");
+        EXPECT_EQ(session.wait_for_exit(), 0);
+        EXPECT_EQ(session.errors(), "");
+        auto const calls = session.calls();
+        for (char const* const failed : {"rtu_t::set_device_status(5) = -1", "rtu_t::set_device_status(3) = -1",
+                                         "gyro_alarm_t::teach_current_position() = -1"}) {
+            EXPECT_EQ(std::count(calls.begin(), calls.end(), failed), 1) << key << " " << failed;
+        }
+    }
+}
+
 TEST_F(AlarmScenarioTest, ShorterPressTeachesNothing) {
     session.control("tilt 0 20 0");
     session.control("press 4999ms");
@@ -315,6 +347,35 @@ TEST(LeaveWhilePressedTest, AlarmThatGoesIsNotTaught) {
         auto const calls = session.calls();
         EXPECT_EQ(std::count(calls.begin(), calls.end(), "callback button_t::release_records(1)"), 1) << key;
         EXPECT_EQ(std::count(calls.begin(), calls.end(), "gyro_alarm_t::teach_current_position() = 0"), 0) << key;
+    }
+}
+
+void wait_for_call(ConsoleSession const& session, std::string const& call) {
+    auto const limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    for (Calls calls; std::find(calls.begin(), calls.end(), call) == calls.end(); calls = session.calls()) {
+        ASSERT_LT(std::chrono::steady_clock::now(), limit) << call;
+    }
+}
+
+// The person leaves while the alarm is being taught: its destruction waits for that, and the button goes after it.
+TEST(LeaveWhileTaughtTest, AlarmGoesAfterItsTeachingAndBeforeTheButton) {
+    for (std::string const key : {"G", "H"}) {
+        SessionOptions options = stepped({"fault add gyro_alarm_t::teach_current_position delay 60000"});
+        options.clock = "real";
+        ConsoleSession session(options);
+        session.type(key);
+        session.wait_for("x: Return to main");
+        session.control("press 5s");
+        session.control("clock scaled 100");
+        wait_for_call(session, "callback button_t::release_records(1)");
+        session.type("xx");
+        EXPECT_EQ(session.wait_for_exit(), 0);
+        auto const calls = session.calls();
+        auto const at = [&](std::string const& call) {
+            return std::find(calls.begin(), calls.end(), call) - calls.begin();
+        };
+        EXPECT_LT(at("gyro_alarm_t::teach_current_position() = 0"), at("gyro_alarm_t::~gyro_alarm_t()")) << key;
+        EXPECT_LT(at("gyro_alarm_t::~gyro_alarm_t()"), at("button_t::~button_t()")) << key;
     }
 }
 

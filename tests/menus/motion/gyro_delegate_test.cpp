@@ -68,13 +68,13 @@ TEST(DelegateMenuTest, FirmwareIsAlwaysTheSame) {
 
 TEST(DelegateMenuTest, FailuresOfTheLibraryAreNotReported) {
     auto const run =
-        run_console("htxx", stepped({"fault add gyro_t::boot status -1", "fault add gyro_t::activate* status -1",
-                                     "fault add gyro_t::irq_* status -1"}));
-    EXPECT_EQ(run.output, visit('h', delegate_menu('t') + delegate_menu('x')));
-    EXPECT_EQ(run.calls,
-              (Calls{gyro_construction(), "gyro_t::boot() = -1", "gyro_t::activate_vsensor(37, 5, 1) = -1",
-                     "gyro_delegate_t::gyro_delegate_t(#2, 37, function)", "gyro_t::irq_callback_hold(true) = -1"} +
-               kDelegateEnd));
+        run_console("httxx", stepped({"fault add gyro_t::boot status -1", "fault add gyro_t::activate* status -1",
+                                      "fault add gyro_t::irq_* status -1"}));
+    EXPECT_EQ(run.output, visit('h', delegate_menu('t') + delegate_menu('t') + "Running" + delegate_menu('x')));
+    EXPECT_EQ(run.calls, (Calls{gyro_construction(), "gyro_t::boot() = -1", "gyro_t::activate_vsensor(37, 5, 1) = -1",
+                                "gyro_delegate_t::gyro_delegate_t(#2, 37, function)",
+                                "gyro_t::irq_callback_hold(true) = -1", "gyro_t::irq_callback_hold(false) = -1"} +
+                          kDelegateEnd));
 }
 
 TEST(CombinedMenuTest, StartsWithItsTraceAndTheFirmware) {
@@ -98,18 +98,19 @@ TEST(CombinedMenuTest, FirmwareFollowsTheMainMenusChoice) {
 }
 
 TEST(CombinedMenuTest, FailuresOfTheLibraryAreNotReported) {
-    auto const run = run_console("Htxx", stepped({"fault add *::boot status -1", "fault add *::info* status -1",
-                                                  "fault add *::activate* status -1", "fault add *::set_* status -1",
-                                                  "fault add *::irq_* status -1"}));
+    auto const run = run_console("Httxx", stepped({"fault add *::boot status -1", "fault add *::info* status -1",
+                                                   "fault add *::activate* status -1", "fault add *::set_* status -1",
+                                                   "fault add *::irq_* status -1"}));
     EXPECT_EQ(run.output, visit('H', "int test_gyro_delegate_and_alarm()\nDetected device R47" + delegate_menu('t') +
-                                         delegate_menu('x')));
+                                         delegate_menu('t') + delegate_menu('x')));
     Calls expected = combined_start();
     for (std::string& call : expected) {
         if (call.size() > 4 && call.compare(call.size() - 4, 4, " = 0") == 0) {
             call.replace(call.size() - 1, 1, "-1");
         }
     }
-    EXPECT_EQ(run.calls, expected + Calls{"gyro_t::irq_callback_hold(true) = -1"} + kCombinedEnd);
+    Calls const of_keys{"gyro_t::irq_callback_hold(true) = -1", "gyro_t::irq_callback_hold(false) = -1"};
+    EXPECT_EQ(run.calls, expected + of_keys + kCombinedEnd);
 }
 
 TEST(CombinedMenuTest, OtherVariantHasItsButtonOnLine44) {

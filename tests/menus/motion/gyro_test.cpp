@@ -114,6 +114,11 @@ TEST_P(GyroMenuFailureTest, FailingCallLeavesTheMenuGoing) {
 
 KeyCase const kFailingKeys[] = {
     {"Activate", "a", activating("0", "50", "100"), {"gyro_t::activate_vsensor(0, 50, 100) = -1"}},
+    {"ActivateAsking",
+     "A37\n12.5\n30\n",
+     "Please enter sensor id: [0]\nPlease enter frame rate: [50]\nPlease enter latency: [100]\n" +
+         activating("37", "12.5", "30"),
+     {"gyro_t::activate_vsensor(37, 12.5, 30) = -1"}},
     {"VirtualSensors", "w", "", {"gyro_t::info_vsensor_list() = -1"}},
     {"PhysicalSensors", "W", "", {"gyro_t::info_psensor_list() = -1"}},
     {"Configuration", "s", "", {"gyro_t::info_vsensor_cfg(0) = -1"}},
@@ -236,13 +241,27 @@ TEST(GyroMenuTest, MistypedNumbersKeepTheOldValues) {
                          activating("0", "50", "100")));
 }
 
-TEST(GyroMenuTest, FloatOfTooManyCharactersKeepsTheOldValue) {
-    std::string const digits(64, '1');
-    auto const run = run_menu("A37\n" + digits + "5\n10\nx\n");
-    EXPECT_EQ(run.output, transcript(gyro_menu('A') +
-                                     "Please enter sensor id: [0]\nPlease enter frame rate: [50]\n"
-                                     "Please enter latency: [100]\n" +
-                                     activating("37", "50", "10")));
+TEST(GyroMenuTest, FloatEndsWhereItCannotGoOn) {
+    // What is left of the line answers the next prompt, and is no number there.
+    for (auto const& [typed, taken] : {std::pair("1.2.3", "1.2, 100) = 0"),
+                                       {"1e1.5", "10, 100) = 0"},
+                                       {"1e1-", "10, 100) = 0"},
+                                       {"1e5e3", "100000, 100) = -1"},
+                                       {"+.5E+1x", "5, 100) = 0"}}) {
+        auto const run = run_menu(std::string("A37\n") + typed + "\n");
+        EXPECT_EQ(run.calls, menu_calls({std::string("gyro_t::activate_vsensor(37, ") + taken})) << typed;
+    }
+}
+
+TEST(GyroMenuTest, FloatThatIsNoneKeepsTheOldValueAndItsLineIsDropped) {
+    std::string const too_large(70, '1');
+    std::string const too_long(1024, '0');
+    for (std::string const typed : {"1e", ".e1", "-", "1e+", too_large.c_str(), too_long.c_str()}) {
+        auto const run = run_menu("A37\n" + typed + "\n10\n");
+        EXPECT_EQ(run.calls, menu_calls({"gyro_t::activate_vsensor(37, 50, 10) = 0"})) << typed;
+    }
+    auto const run = run_menu("A37\n" + std::string(70, '0') + "1\n10\n");
+    EXPECT_EQ(run.calls, menu_calls({"gyro_t::activate_vsensor(37, 1, 10) = 0"}));
 }
 
 TEST(GyroMenuTest, SecondHoldKeyReleases) {

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <string>
 
+#include "hal/gyro.h"
 #include "tests/support/screens/motion.h"
 
 namespace {
@@ -75,9 +76,20 @@ protected:
 };
 
 TEST_F(TiltWatchdogTest, TiltWithinFiveDegreesChangesNothing) {
-    EXPECT_EQ(tilt(3, -4, 4.99), kSampleTrace);  // 5 itself is beyond what fixed point can tell
+    EXPECT_EQ(tilt(3, -4, 4.99), kSampleTrace);
     EXPECT_EQ(tilt(-3, 4, -4.9), kSampleTrace);
     EXPECT_EQ(tilt(-4.9, 4.9, -4.9), kSampleTrace);
+    EXPECT_EQ(running + warning, 0);
+}
+
+TEST_F(TiltWatchdogTest, TiltOfFiveDegreesIsWithin) {
+    hal::quaternion_s16_t exact{566, 0, 0, 20697, 0};  // one of few whose roll is 5 to the last bit
+    hal::quaternion_float_t quaternion{};
+    quaternion = exact;
+    float angles[3] = {};
+    hal::gyro_t::quaternion_2_yaw_pitch_roll(quaternion, angles, true);
+    ASSERT_EQ(angles[2], 5.0F);
+    EXPECT_EQ(called_with(37, kOrientation, &exact), kSampleTrace);
     EXPECT_EQ(running + warning, 0);
 }
 
