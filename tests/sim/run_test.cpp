@@ -57,7 +57,7 @@ protected:
 
     // A directory of programs for a search path.
     std::string make_programs() {
-        std::string const path = directory_.path() + "/bin";
+        std::string path = directory_.path() + "/bin";
         std::filesystem::create_directory(path);
         return path;
     }
