@@ -231,10 +231,7 @@ TEST(LegacyAlarmStartTest, HubIsGiven3SecondsBeforeTheMenu) {
     EXPECT_LT(releases[1] - releases[0], 4.5);
 }
 
-TEST(LegacyAlarmStartTest, LogFileIsEmptiedAndStaysEmpty) {
-    SessionOptions options = legacy();
-    options.script = "echo old > /tmp/gyro.txt; \"$@\"; echo \"size $(stat -c %s /tmp/gyro.txt)\"";
-    ConsoleSession session(options);
+void save_position_and_leave(ConsoleSession& session) {
     session.wait_for(kLegacyAlarmMenu);
     session.control("step 1ms");
     session.type("s");
@@ -242,6 +239,13 @@ TEST(LegacyAlarmStartTest, LogFileIsEmptiedAndStaysEmpty) {
     session.control("step 2s");
     session.wait_for(kLevelSaved);
     session.type("x");
+}
+
+TEST(LegacyAlarmStartTest, LogFileIsEmptiedAndStaysEmpty) {
+    SessionOptions options = legacy();
+    options.script = "echo old > /tmp/gyro.txt; \"$@\"; echo \"size $(stat -c %s /tmp/gyro.txt)\"";
+    ConsoleSession session(options);
+    save_position_and_leave(session);
     session.wait_for("size 0\n");
 }
 
@@ -249,13 +253,7 @@ TEST(LegacyAlarmStartTest, LogFileThatCannotBeOpenedChangesNothing) {
     SessionOptions options = legacy();
     options.script = "mkdir /tmp/gyro.txt; exec \"$@\"";
     ConsoleSession session(options);
-    session.wait_for(kLegacyAlarmMenu);
-    session.control("step 1ms");
-    session.type("s");
-    session.wait_for(kLegacyAlarmMenu);
-    session.control("step 2s");
-    session.wait_for(kLevelSaved);
-    session.type("x");
+    save_position_and_leave(session);
     EXPECT_EQ(session.wait_for_exit(), 0);
     EXPECT_EQ(session.errors(), "");
 }
