@@ -84,8 +84,9 @@ void run_unbound_commands() {
     test_rtu_delegate();
     hal::button_t button("/dev/gpiochip1", get_button_irq_line(), true, 2000);
     testbutton_init(button);
-    auto const rtu = std::make_shared<hal::rtu_t>("/dev/r47-rtu-driver", 2);
-    set_lightbar_actions(rtu);
+    hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
+    lender<hal::rtu_t> const lent_rtu(rtu);
+    set_lightbar_actions(lent_rtu);
     button.irq_callback_hold(false);
     for (auto* const action : {testButtonp1, testButtonp2, testButtonp3, testButtonp4, testButtonp5, testButtonRelease1,
                                testButtonRelease2, testButtonRelease3, testButtonRelease4, testButtonRelease5}) {

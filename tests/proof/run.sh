@@ -1,21 +1,21 @@
 #!/bin/sh
-# Runs the long proofs of one build: run.sh [BUILD-DIRECTORY [CONSOLES [COMMANDS]]]
+# Runs the long proofs: run.sh [BUILD-TO-SWEEP [BUILD-TO-STORM [CONSOLES [COMMANDS]]]]
+# A sweep of the build with sanitizers finds their reports too.
 set -u
-here=$(cd "$(dirname "$0")" && pwd)
-build=${1:-$here/../../build}
-consoles=${2:-2000}
-commands=${3:-1000000}
+cd "$(dirname "$0")/../.."
+swept=${1:-build}
+stormed=${2:-build}
+consoles=${3:-2000}
+commands=${4:-1000000}
 failed=0
 
-proof() {
+proof() { # PROGRAM [ARGUMENT...]
     echo
     echo "--- $* ($(date +%H:%M:%S))"
-    program=$1
-    shift
-    "$build/$program" "$@" || failed=1
+    "$@" || failed=1
 }
 
-proof fault_sweep
-proof client_storm "$consoles" 0
-proof client_storm 0 "$commands"
+proof "$swept/fault_sweep"
+proof "$stormed/client_storm" "$consoles" 0
+proof "$stormed/client_storm" 0 "$commands"
 exit "$failed"
