@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <shared_mutex>
 
 // To be declared behind its object, and so destroyed before it: the destruction waits for a callback that runs, and
 // from then on callbacks do nothing. The object is destroyed by the menu's thread, in the menu's order.
@@ -14,15 +15,16 @@ public:
     lender(lender const&) = delete;
     lender& operator=(lender const&) = delete;
     ~lender() {
-        std::lock_guard<std::mutex> const lock(loan_->mutex);
+        std::lock_guard<std::shared_mutex> const lock(loan_->mutex);
         loan_->object = nullptr;
     }
 
-    // Hands the object to `use` whenever it is called, from any thread, one call at a time. May outlive the lender.
+    // Hands the object to `use` whenever it is called, from any thread, also from several at once: a library may wait
+    // in one callback for another. May outlive the lender.
     template <typename Use>
     std::function<void()> callback(Use use) const {
         return [lent = loan_, use] {
-            std::lock_guard<std::mutex> const lock(lent->mutex);
+            std::shared_lock<std::shared_mutex> const lock(lent->mutex);
             if (lent->object != nullptr) {
                 use(*lent->object);
             }
@@ -31,7 +33,7 @@ public:
 
 private:
     struct loan {
-        std::mutex mutex;
+        std::shared_mutex mutex;
         Object* object = nullptr;
     };
     std::shared_ptr<loan> loan_;

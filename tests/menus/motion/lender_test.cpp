@@ -43,4 +43,12 @@ TEST(LenderTest, DestructionWaitsForACallbackThatRuns) {
     library.join();
 }
 
+TEST(LenderTest, ACallbackMayWaitForAnother) {
+    int object = 0;
+    lender<int> const lends(object);
+    auto const other = lends.callback([](int& lent) { ++lent; });
+    lends.callback([&](int&) { std::thread(other).join(); })();
+    EXPECT_EQ(object, 1);
+}
+
 }  // namespace
