@@ -97,7 +97,7 @@ std::vector<Session> terminal_sessions() {
         {"system", stepped(), {typed("l f3 F h")}},  // the slow ones first: this one and the legacy test wait a lot
         {"legacy alarm", entry_point("alarm_old"),
          Steps{seen(kDelegate)} + kTiltAndTeach +
-             Steps{typed("s"), seen("Your Option = s"), device("step 2s"), typed("t t i D")}},
+             Steps{typed("s"), seen("Your Option = s"), seen(kDelegate), device("step 2s"), typed("t t i D")}},
         {"main", stepped(), {typed("sDAO")}},
         {"main 0", stepped(), {typed("A")}, Exit::operator_0},
         {"dio", stepped(), {typed("a 123 f0 0 0 0 0 1 5 1 5 1 5 F0 h0 1 H0 p o O G j k l m n D x a p x")}},
