@@ -36,17 +36,17 @@ void serve_client() {
     release_terminal();
 }
 
-// The local menu. True when the operator ends socket mode, false at the end of the terminal's input.
+// The local menu, once it is shown. True when the operator ends socket mode, false at the end of the terminal's input.
 bool operator_ends_socket_mode() {
     char option = '\0';
-    while (option != kExitKey) {
-        std::cout << kMenu;
-        if (!read_local_option(option)) {
-            return false;
-        }
+    while (read_local_option(option)) {
         std::cout << "\t\t Your Option = " << option << std::endl;
+        if (option == kExitKey) {
+            return true;
+        }
+        std::cout << kMenu;
     }
-    return true;
+    return false;
 }
 
 }  // namespace
@@ -64,6 +64,7 @@ int test_socket() {
     dismiss_client(false);
     watch_connection(client.descriptor());
     release_terminal();
+    std::cout << kMenu << std::flush;  // before the other thread prints too, and into the midst of a line
     std::thread menu_thread(serve_client);
     if (operator_ends_socket_mode()) {
         dismiss_client(true);
