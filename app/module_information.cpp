@@ -1,6 +1,7 @@
 // The module information commands that most component menus share.
 #include "app/module_information.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -20,7 +21,9 @@ constexpr char const* kUsage =
 
 // Both commands report a failure with this one text.
 void report_failure() {
+    int const error = errno;
     std::cout << std::flush;
+    errno = error;  // the library's, not that of an output which cannot be written
     std::perror("Failed read rev\n");
 }
 

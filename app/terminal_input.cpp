@@ -2,6 +2,7 @@
 #include "app/terminal_input.h"
 
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,7 +10,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cmath>
-#include <condition_variable>
 #include <cstdlib>
 #include <iostream>
 #include <limits>
@@ -53,8 +53,7 @@ bool continues_float(std::string const& text, int c) {
 
 class Terminal {
 public:
-    std::mutex mutex;  // held through each read of a menu; guards all that follows
-    std::condition_variable released;
+    std::mutex mutex;    // held through each read of a menu; guards what it reads and all that follows
     bool taken = false;  // by a menu, from the local menu
     int connection = -1;
 
@@ -96,6 +95,22 @@ public:
             return std::nullopt;
         }
         return static_cast<unsigned char>(buffer_[next_]);
+    }
+
+    void give_back() {
+        if (taken) {
+            taken = false;
+            ::eventfd_write(given_back_, 1);
+        }
+    }
+
+    // For the local menu, without the lock: waits until the menus gave the terminal back and, unless one had it,
+    // for typed text. A menu may have read that text, and given back what it left of it, before this wait saw it.
+    void wait_for_turn(bool taken_before) const {
+        pollfd waited[] = {{given_back_, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
+        ::poll(waited, taken_before ? 1 : 2, -1);
+        eventfd_t ignored;
+        ::eventfd_read(given_back_, &ignored);
     }
 
     int skip_space() {
@@ -150,6 +165,7 @@ private:
         return ::poll(&waited, 1, 0) > 0;
     }
 
+    int const given_back_ = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     char buffer_[1024];
     std::size_t next_ = 0;
     std::size_t end_ = 0;
@@ -162,19 +178,12 @@ Terminal& terminal() {
     return *instance;
 }
 
-// What was printed appears before anything is read. An output that is full or closed loses what it cannot take,
-// and is tried again the next time.
-void flush_output() {
-    std::cout << std::flush;
-    std::cout.clear();
-}
-
 // One read of a menu.
 class Reading {
 public:
     Reading() : lock_(terminal().mutex) {
         terminal().taken = true;
-        flush_output();
+        std::cout << std::flush;
     }
 
     Terminal* operator->() { return &terminal(); }
@@ -272,13 +281,14 @@ void read_word(std::string& word) {
 }
 
 bool read_local_option(char& option) {
-    flush_output();
+    std::cout << std::flush;
     Terminal& input = terminal();
     while (true) {
+        bool taken;
         {
-            std::unique_lock<std::mutex> lock(input.mutex);
-            input.released.wait(lock, [&] { return !input.taken; });
-            while (std::optional<int> const c = input.peek_at_once()) {
+            std::lock_guard<std::mutex> const lock(input.mutex);
+            taken = input.taken;
+            while (std::optional<int> const c = taken ? std::nullopt : input.peek_at_once()) {
                 if (*c == kEnded) {
                     return false;
                 }
@@ -293,17 +303,13 @@ bool read_local_option(char& option) {
                 }
             }
         }
-        pollfd waited{STDIN_FILENO, POLLIN, 0};
-        ::poll(&waited, 1, -1);
+        input.wait_for_turn(taken);
     }
 }
 
 void release_terminal() {
-    {
-        std::lock_guard<std::mutex> const lock(terminal().mutex);
-        terminal().taken = false;
-    }
-    terminal().released.notify_all();
+    std::lock_guard<std::mutex> const lock(terminal().mutex);
+    terminal().give_back();
 }
 
 void watch_connection(int descriptor) {

@@ -6,13 +6,20 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <limits>
 #include <stdexcept>
 
 namespace {
 
 constexpr int kListenBacklog = 4096;
 constexpr int kAddressTextSize = 20;
+
+// A length as a 32-bit signed count, as the result is one.
+unsigned long signed_count(unsigned long length) {
+    return std::min<unsigned long>(length, std::numeric_limits<int>::max());
+}
 
 }  // namespace
 
@@ -79,11 +86,11 @@ socket_tcp_base::socket_tcp_base(int descriptor)
     : socket_base(AF_INET, SOCK_STREAM, IPPROTO_TCP, static_cast<unsigned int>(descriptor)) {}
 
 int socket_tcp_base::read_data(char* buffer, unsigned long length) const {
-    return static_cast<int>(::recv(descriptor(), buffer, static_cast<unsigned int>(length), 0));
+    return static_cast<int>(::recv(descriptor(), buffer, signed_count(length), 0));
 }
 
 int socket_tcp_base::write_data(std::string const& data) {
-    return static_cast<int>(::send(descriptor(), data.data(), static_cast<unsigned int>(data.size()), 0));
+    return static_cast<int>(::send(descriptor(), data.data(), signed_count(data.size()), 0));
 }
 
 socket_tcp::socket_tcp() : socket_tcp_base(blocking) {}

@@ -33,10 +33,14 @@ TEST(ConsoleMainTest, RealTimeUnitIsOpenedBeforeTheRootCheckAndClosedAtTheEnd) {
 TEST(ConsoleMainTest, WithoutRootRightsTheConsoleRefusesToRun) {
     support::SessionOptions options;
     options.outside = true;  // inside, everybody is root
+    options.script = "R47_SIM_JOURNAL=$PWD/journal exec \"$@\"";
     options.wrapper = {"bwrap", "--unshare-user", "--uid", "1000", "--dev-bind", "/", "/", "--"};
-    auto const run = run_console("", options);
-    EXPECT_EQ(run.output, "You must be root, terminating\n");
-    EXPECT_EQ(run.status, 255);
+    ConsoleSession session(options);
+    EXPECT_EQ(session.wait_for_exit(), 255);
+    EXPECT_EQ(session.output(), "You must be root, terminating\n");
+    auto const journal = session.journal();
+    ASSERT_FALSE(journal.empty());
+    EXPECT_NE(journal[0].find("1 rtu_t::rtu_t(\"/dev/r47-rtu-driver\", 2)"), std::string::npos) << journal[0];
 }
 
 TEST(ConsoleMainTest, StartPreparesTheGpioLines) {
@@ -124,6 +128,21 @@ TEST(ConsoleMainTest, StandardDescriptorsLeftClosedDoNoHarm) {
     ConsoleSession session(options);
     session.wait_for(main_menu('\0'));
     session.wait_for(main_menu('\0'));
+}
+
+// The other library opens the unit's node as a device's does: by then descriptor 0 is no longer to be had.
+TEST(ConsoleMainTest, NodesDoNotTakeTheStandardDescriptors) {
+    ConsoleSession session(support::in_shell("export LD_LIBRARY_PATH='" R47_ANOTHER_LIBRARY
+                                             "'; \"$@\" <&- & read -r line; readlink /proc/$!/fd/0; kill -9 $!"));
+    session.wait_for(main_menu('\0'));
+    session.type("\n");
+    session.wait_for("/dev/null\n");
+}
+
+TEST(ConsoleMainTest, OutputThatRecoversIsUsedAgain) {
+    support::SessionOptions options;
+    options.entry_point = "output_that_recovers";
+    EXPECT_EQ(run_console("", options).output, "after\n");
 }
 
 }  // namespace

@@ -1,11 +1,13 @@
 // Tests of the module information commands, on modules made for the purpose.
 #include "app/module_information.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
+#include <iostream>
 #include <string>
 #include <utility>
 
@@ -49,6 +51,23 @@ std::pair<std::string, std::string> printed_by(Command command, hal::base_t* mod
 
 std::string const kNumbers = "\nMajor \t1,\nMinor \t6,\nWeek \t14,\nYear \t22,\nNum \t2,\nPatch \t0,\n Done!\n";
 std::string const kPerror = "Failed read rev\n: No such device\n";
+
+TEST(ModuleInformationTest, FailureIsTheModulesWhateverBecomesOfTheOutput) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    int const captured = ::dup(STDOUT_FILENO);
+    int const full = ::open("/dev/full", O_WRONLY);
+    ::dup2(full, STDOUT_FILENO);
+    Answering<hal::rtu_t> module(-1, "/dev/none", 2);
+    get_status(&module);
+    ::dup2(captured, STDOUT_FILENO);
+    ::close(full);
+    ::close(captured);
+    std::cout.clear();
+    std::string const errors = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(errors, kPerror);
+}
 
 TEST(ModuleInformationTest, UsageOffersFourKeys) {
     testing::internal::CaptureStdout();

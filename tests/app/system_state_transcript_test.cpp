@@ -1,6 +1,8 @@
 // Transcripts of the system state menu.
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "tests/support/console_session.h"
 #include "tests/support/screens/shell.h"
 
@@ -68,6 +70,17 @@ TEST(SystemStateTest, StateWithoutANameGoesToTheLibraryUnchanged) {
     auto const run = run_console("lf7\nx");
     EXPECT_EQ(run.output, in_menu(system_menu('f') + "Enter device state: "));
     EXPECT_EQ(run.calls, in_menu_calls({"system_t::set_device_status(7) = -1"}));
+}
+
+TEST(SystemStateTest, EchoIsFollowedByAWaitBeforeTheKeyActs) {
+    support::ConsoleSession session;
+    session.type("l");
+    session.wait_for(kSystemMenu);
+    auto const start = std::chrono::steady_clock::now();
+    session.type("F");
+    session.wait_for("Your option = F\n");
+    session.wait_for("Read Device state1\n");
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(700));
 }
 
 TEST(SystemStateTest, OtherKeysAreNotValid) {

@@ -113,6 +113,13 @@ TEST_P(TerminationTest, ControlCEndsTheConsole) {
     EXPECT_EQ(session.wait_for_exit(), 128 + SIGINT);
 }
 
+TEST_P(TerminationTest, TerminalThatIsClosedEndsTheConsole) {
+    ConsoleSession session(at_a_terminal());
+    enter(session, GetParam(), true);
+    session.hang_up();
+    EXPECT_EQ(session.wait_for_exit(), 128 + SIGHUP);
+}
+
 class SignalTest : public testing::TestWithParam<std::tuple<Menu, int>> {};
 
 TEST_P(SignalTest, SignalEndsTheConsole) {

@@ -168,6 +168,39 @@ TEST_F(SocketConsoleTest, MenuThatReadsTheTerminalHasItUntilItReturns) {
     expect_operator_ends_it();
 }
 
+// Again and again: the menu may or may not read the line before the local menu sees that there is one.
+TEST_F(SocketConsoleTest, LocalMenuReadsWhatATerminalMenuLeavesOfALine) {
+    for (int i = 0; i < 50; ++i) {
+        client.send("b\n");
+        session.wait_for("Started Rtu Low Level Control \n");
+        session.wait_for("Please enter your option: ");
+        session.type("xs\n");
+        session.wait_for("\t\t Your Option = s\n");
+    }
+    client.send("b\n");
+    session.wait_for("Started Rtu Low Level Control \n");
+    session.wait_for("Please enter your option: ");
+    session.type("xx\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
+TEST_F(SocketConsoleTest, ExitKeyOfTheSystemStateMenuEndsBothThreads) {
+    client.send("l\n");
+    session.wait_for(kSystemMenu);
+    session.type("x\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_TRUE(client.ended());
+    EXPECT_EQ(session.output().find("\t\t Your Option"), std::string::npos);
+}
+
+TEST_F(SocketConsoleTest, ClientThatVanishesInTheSystemStateMenuEndsTheConsole) {
+    client.send("l\n");
+    session.wait_for(kSystemMenu);
+    client.close();
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_EQ(session.errors(), "");
+}
+
 TEST_F(SocketConsoleTest, ClientThatVanishesTakesItsTerminalMenuAlong) {
     client.send("b\n");
     session.wait_for("Started Rtu Low Level Control \n");
@@ -250,6 +283,17 @@ protected:
         session->wait_for("Please enter your option: ");
     }
 
+    void start_at_a_terminal() {
+        support::SessionOptions options = socket_word();
+        options.terminal = true;
+        session = std::make_unique<ConsoleSession>(options);
+        client = std::make_unique<StationClient>();
+        session->wait_for("x. Exit (also 0)");
+        client->send(GetParam().lines);
+        session->wait_for(std::string(GetParam().prompt).substr(0, 10));
+        session->wait_for("Please enter your option: ");
+    }
+
     bool in_terminal_menu() const { return std::string(GetParam().name) == "TerminalMenu"; }
 
     void expect_operator_ends_it() {
@@ -321,20 +365,19 @@ TEST_P(ClientStateTest, SignalsEndTheConsole) {
 }
 
 TEST_P(ClientStateTest, ControlDCostsOneRedisplay) {
-    support::SessionOptions options = socket_word();
-    options.terminal = true;
-    session = std::make_unique<ConsoleSession>(options);
-    client = std::make_unique<StationClient>();
-    session->wait_for("x. Exit (also 0)");
-    client->send(GetParam().lines);
-    session->wait_for(std::string(GetParam().prompt).substr(0, 10));
-    session->wait_for("Please enter your option: ");
+    start_at_a_terminal();
     session->type("\x04");
     session->wait_for(std::string("Your Option = ") + '\0');
     session->wait_for("Please enter your option: ");
     session->type(in_terminal_menu() ? "x\n" : "");
     session->type("x\n");
     EXPECT_EQ(session->wait_for_exit(), 0);
+}
+
+TEST_P(ClientStateTest, TerminalThatIsClosedEndsTheConsole) {
+    start_at_a_terminal();
+    session->hang_up();
+    EXPECT_EQ(session->wait_for_exit(), 128 + SIGHUP);
 }
 
 TEST_P(ClientStateTest, ClosedOutputDoesNotKeepTheClientFromBeingServed) {
@@ -367,6 +410,20 @@ TEST(ListeningTest, SignalsEndTheConsole) {
         ::kill(session.console_pid(), number);
         EXPECT_EQ(session.wait_for_exit(), 128 + number);
     }
+}
+
+TEST(ListeningTest, ControlDIsReadByTheLocalMenu) {
+    support::SessionOptions options = socket_word();
+    options.terminal = true;
+    ConsoleSession session(options);
+    session.wait_for("int test_socket()\r\n");
+    session.type("\x04");
+    StationClient client;
+    session.wait_for(std::string("Your Option = ") + '\0');
+    client.send("A\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    session.type("x\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
 }
 
 TEST(ListeningTest, EndOfTheTerminalsInputWaitsForTheClient) {

@@ -40,6 +40,7 @@ TEST(SocketTest, UnparsableAddressIsAnError) {
     EXPECT_EQ(thrown_by([&] { socket.inet_pton("localhost"); }), "Invalid address");
     EXPECT_EQ(thrown_by([&] { socket.inet_pton(""); }), "Invalid address");
     EXPECT_EQ(thrown_by([] { server_tcp("300.0.0.1", kPort); }), "Invalid address");
+    EXPECT_EQ(thrown_by([] { socket_tcp().connect_to_host("300.0.0.1", kPort); }), "Invalid address");
 }
 
 TEST(SocketTest, CreationFailureThrows) {
@@ -51,6 +52,27 @@ TEST(SocketTest, NonBlockingModeIsSet) {
     socket_base const not_waiting(AF_INET, SOCK_STREAM, IPPROTO_TCP, socket_base::non_blocking);
     EXPECT_FALSE(::fcntl(waiting.descriptor(), F_GETFL) & O_NONBLOCK);
     EXPECT_TRUE(::fcntl(not_waiting.descriptor(), F_GETFL) & O_NONBLOCK);
+}
+
+TEST(SocketTest, AdoptedDescriptorIsLeftAsItIs) {
+    int const descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+    socket_tcp const socket(descriptor);
+    EXPECT_EQ(socket.descriptor(), descriptor);
+    EXPECT_TRUE(::fcntl(descriptor, F_GETFL) & O_NONBLOCK);
+}
+
+TEST(SocketTest, FailuresOfReadWriteAndCloseAreTheirResults) {
+    // In a process of its own: the destruction that follows the close takes descriptor 0 along.
+    EXPECT_EXIT(
+        {
+            socket_tcp socket;
+            ::close(socket.descriptor());
+            char byte;
+            bool const failed = socket.read_data(&byte, 1) == -1 && socket.write_data("x") == -1 &&
+                                socket.close() == -1 && socket.descriptor() == 0;
+            std::exit(failed ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST(SocketTest, PortInUseThrows) {

@@ -252,6 +252,11 @@ void ConsoleSession::close_output() {
     close_descriptor(output_end_);
 }
 
+void ConsoleSession::hang_up() {
+    end_input();
+    close_output();
+}
+
 bool ConsoleSession::take_output(std::chrono::milliseconds longest) {
     pollfd waited[] = {{output_end_, POLLIN, 0}, {errors_end_, POLLIN, 0}};
     ::poll(waited, 2, static_cast<int>(longest.count()));

@@ -44,6 +44,8 @@ public:
     void end_input();
     // Closes the reading end of the console's standard output.
     void close_output();
+    // Closes the pseudo-terminal.
+    void hang_up();
 
     // Waits until the output holds the text behind the end of what the last wait_for found.
     void wait_for(std::string_view text);

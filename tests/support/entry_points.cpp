@@ -1,4 +1,7 @@
 // Runs one function of the console that no menu reaches: r47-entry-points NAME
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -13,6 +16,7 @@
 #include "app/console_main.h"
 #include "app/device_type.h"
 #include "app/module_information.h"
+#include "app/standard_output.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
 #include "hal/gyro.h"
@@ -59,6 +63,17 @@ void two_hundred_socket_modes() {
         std::cout << "served " << i << " descriptors " << count_of("/proc/self/fd") << " threads " << threads
                   << std::endl;
     }
+}
+
+// Prints what a full disk loses, then what has space again.
+void output_that_recovers() {
+    set_up_standard_output();
+    int const output = ::dup(STDOUT_FILENO);
+    int const full = ::open("/dev/full", O_WRONLY);
+    ::dup2(full, STDOUT_FILENO);
+    std::cout << "before" << std::endl;
+    ::dup2(output, STDOUT_FILENO);
+    std::cout << "after" << std::endl;
 }
 
 void sensor_set_of_a_refusing_module() {
@@ -207,6 +222,7 @@ constexpr EntryPoint kEntryPoints[] = {
     {"nothing", [] {}},
     {"orientation_printer", orientation_printer},
     {"samples_of_a_minute", samples_of_a_minute},
+    {"output_that_recovers", output_that_recovers},
     {"read_dio_config", read_dio_config},
     {"rtu_delegate", [] { std::cout << "returned " << test_rtu_delegate() << std::endl; }},
     {"rtu_version", rtu_version},

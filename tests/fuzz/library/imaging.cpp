@@ -1,4 +1,6 @@
 // The fuzzers' library: real-time unit, camera and image sensors.
+#include <fcntl.h>
+
 #include <bitset>
 
 #include "hal/camera.h"
@@ -40,7 +42,10 @@ using library_double::dies;
 using library_double::mark_image_sensor;
 using library_double::taken;
 
-rtu_t::rtu_t(char const* device, int access) : base_t(device, access) {}
+// Its node stays open, as of a device's library, where there is one.
+rtu_t::rtu_t(char const* device, int access) : base_t(device, access) {
+    [[maybe_unused]] int const node = ::open(device, access);
+}
 
 rtu_t::~rtu_t() = default;
 

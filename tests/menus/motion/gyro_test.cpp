@@ -299,6 +299,15 @@ TEST(GyroMenuTest, FirmwareFollowsTheMainMenusChoice) {
     EXPECT_EQ(run.calls, menu_calls({}, kFirmwareAb));
 }
 
+TEST(GyroMenuTest, FirmwareFollowsTheCommandWord) {
+    SessionOptions options = stepped();
+    options.arguments = {"old_gyro_fw"};
+    auto const run = run_console("gxx", options);
+    EXPECT_EQ(run.output, kStart + "11\n" + main_menu('g') + firmware_report("AB", true) + "\n\n\n\n\n" +
+                              gyro_menu('x') + main_menu('x'));
+    EXPECT_EQ(run.calls, menu_calls({}, kFirmwareAb));
+}
+
 TEST(GyroMenuTest, UploadTakesTheImageBesideTheConsole) {
     SessionOptions options = stepped();
     options.script = "cp " + kFirmwareAb + " Bosch.fw && \"$@\"";
