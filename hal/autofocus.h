@@ -35,7 +35,7 @@ static_assert(offsetof(af_error, empty_calibration_table) == 8);
 class autofocus_t : public base_t {
 public:
     autofocus_t(char const* device, int access) : base_t(device, access), present_(set_present()) {}
-    ~autofocus_t() override;
+    ~autofocus_t() override = default;
 
     int get_status(unsigned char& status) const override;
     int get_revision(revision_t& revision) const override;

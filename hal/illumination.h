@@ -62,8 +62,8 @@ static_assert(offsetof(illu_guards, pvd) == 3);
 // Brightness, limits and temperatures are in the module's own units.
 class illumination_t : public base_t {
 public:
-    illumination_t(char const* device, int access);
-    ~illumination_t() override;
+    illumination_t(char const* device, int access) : base_t(device, access) {}
+    ~illumination_t() override = default;
 
     int get_status(unsigned char& status) const override;
     int get_revision(revision_t& revision) const override;

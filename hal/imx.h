@@ -8,7 +8,7 @@ namespace hal {
 
 class imx_t : public base_t {
 public:
-    ~imx_t() override;
+    ~imx_t() override = default;
 
     int get_status(unsigned char& status) const override;
     int get_revision(revision_t& revision) const override;
@@ -28,7 +28,7 @@ public:
     int get_roi_xyoffset(unsigned int& x, unsigned int& y) const;
 
 protected:
-    imx_t(char const* device, int access);
+    imx_t(char const* device, int access) : base_t(device, access) {}
 
     imx_te sensor_type_ = imx_te::none;  // set by the constructor of the derived class
 };

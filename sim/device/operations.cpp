@@ -8,7 +8,6 @@ namespace sim {
 std::vector<std::string_view> const& operations() {
     // Never destroyed: the program may call operations until its very end.
     static auto const& names = *new std::vector<std::string_view>{
-        "autofocus_t::autofocus_t",
         "autofocus_t::calibrate",
         "autofocus_t::get_calibration_frequency",
         "autofocus_t::get_position",
@@ -26,7 +25,6 @@ std::vector<std::string_view> const& operations() {
         "autofocus_t::set_position",
         "autofocus_t::set_position_mm",
         "autofocus_t::set_present",
-        "autofocus_t::~autofocus_t",
         "base_t::base_t",
         "base_t::get_revision",
         "base_t::get_status",
@@ -109,7 +107,6 @@ std::vector<std::string_view> const& operations() {
         "illumination_t::get_spot_flags",
         "illumination_t::get_spot_states",
         "illumination_t::get_status",
-        "illumination_t::illumination_t",
         "illumination_t::is_present",
         "illumination_t::is_rgbw_illumination",
         "illumination_t::set_alter_led",
@@ -129,7 +126,6 @@ std::vector<std::string_view> const& operations() {
         "illumination_t::set_red_led",
         "illumination_t::set_segments",
         "illumination_t::set_write_protection",
-        "illumination_t::~illumination_t",
         "imx_t::get_framecount",
         "imx_t::get_gain",
         "imx_t::get_hscanmode",
@@ -138,11 +134,9 @@ std::vector<std::string_view> const& operations() {
         "imx_t::get_sensortype",
         "imx_t::get_serial_number",
         "imx_t::get_status",
-        "imx_t::imx_t",
         "imx_t::set_gain",
         "imx_t::set_hscanmode",
         "imx_t::set_roi_xyoffset",
-        "imx_t::~imx_t",
         "rtu_delegate_t::get_heartbeat_timeout",
         "rtu_delegate_t::get_revision",
         "rtu_delegate_t::get_status",

@@ -7,7 +7,6 @@
 namespace hal {
 
 using sim::Autofocus;
-using sim::destroy;
 using sim::Device;
 using sim::gate;
 using sim::in;
@@ -34,10 +33,6 @@ int done(Device& device, Operation operation) {
 }
 
 }  // namespace
-
-autofocus_t::~autofocus_t() {
-    destroy(*impl_, "autofocus_t::~autofocus_t");
-}
 
 int autofocus_t::get_status(unsigned char& status) const {
     return gate(impl_, "autofocus_t::get_status", out(status), [](Device& d, auto& s) {

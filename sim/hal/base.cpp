@@ -38,6 +38,7 @@ std::vector<char const*> paths_of(hal::base_t const& object) {
 
 namespace hal {
 
+using sim::construct;
 using sim::destroy;
 using sim::Device;
 using sim::gate;
@@ -50,33 +51,44 @@ namespace {
 struct ModuleNode {
     char const* path;
     Module module;
+    bool has_constructor;  // the class of its objects has one of its own in the library
 };
 
 constexpr std::array<ModuleNode, sim::kModules> kModuleNodes{{
-    {"/dev/r47-rtu-driver", Module::rtu},
-    {"/dev/r47-illumination-driver", Module::illumination},
-    {"/dev/r47-autofocus-driver", Module::autofocus},
-    {"/dev/i2c-2", Module::gyro},
-    {"/dev/imx296", Module::imx296},
-    {"/dev/imx567", Module::imx567},
+    {"/dev/r47-rtu-driver", Module::rtu, true},
+    {"/dev/r47-illumination-driver", Module::illumination, false},
+    {"/dev/r47-autofocus-driver", Module::autofocus, false},
+    {"/dev/i2c-2", Module::gyro, true},
+    {"/dev/imx296", Module::imx296, false},
+    {"/dev/imx567", Module::imx567, false},
 }};
+
+// The node of `object`, null where no module is behind it.
+ModuleNode const* node_of(sim::Object const& object) {
+    auto const found = std::find_if(kModuleNodes.begin(), kModuleNodes.end(),
+                                    [&](ModuleNode const& node) { return object.paths.front() == node.path; });
+    return found != kModuleNodes.end() ? &*found : nullptr;
+}
 
 // The module behind the node of `object`, asked by `ask`; refused for a node without one.
 template <typename Ask>
 int ask_module(sim::Object const& object, Ask ask) {
-    auto const found = std::find_if(kModuleNodes.begin(), kModuleNodes.end(),
-                                    [&](ModuleNode const& node) { return object.paths.front() == node.path; });
-    if (found == kModuleNodes.end()) {
+    ModuleNode const* const node = node_of(object);
+    if (node == nullptr) {
         errno = ENOTTY;
         return -1;
     }
-    return ask(found->module);
+    return ask(node->module);
 }
 
 }  // namespace
 
 base_t::base_t(char const* device, int access) : impl_(new impl({device})) {
     impl_->construction = in(device, access).text();
+    ModuleNode const* const node = node_of(*impl_);
+    if (node != nullptr && !node->has_constructor) {
+        construct(*impl_, "base_t::base_t", impl_->construction);
+    }
 }
 
 base_t::~base_t() {

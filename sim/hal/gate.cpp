@@ -17,15 +17,10 @@ FaultEffect ask_rules(Device& device, char const* operation) {
     return fault;
 }
 
-// "rtu_t::get_exposure" belongs to the class "rtu_t", whose constructor is "rtu_t::rtu_t".
-std::string constructor_of(std::string const& operation) {
-    std::string const name = operation.substr(0, operation.find("::"));
-    return name + "::" + name;
-}
-
-void announce(Object& object, char const* operation) {
+// Only that of base_t can be late.
+void announce(Object& object) {
     if (!object.announced) {
-        construct(object, constructor_of(operation).c_str(), object.construction);
+        construct(object, "base_t::base_t", object.construction);
     }
 }
 
@@ -34,7 +29,7 @@ void announce(Object& object, char const* operation) {
 Call::Call(Object* object, char const* operation)
     : device_(Device::instance()), object_(object), operation_(operation), caller_errno_(errno) {
     if (object != nullptr) {
-        announce(*object, operation);
+        announce(*object);
     }
     fault_ = ask_rules(device_, operation);
 }
@@ -66,7 +61,7 @@ void construct(Object& object, char const* operation, std::string const& argumen
 }
 
 void destroy(Object& object, char const* operation) {
-    announce(object, operation);
+    announce(object);
     object.dismissed = true;
     int const caller_errno = errno;
     Device& device = Device::instance();

@@ -8,8 +8,6 @@
 
 namespace hal {
 
-using sim::construct;
-using sim::destroy;
 using sim::Device;
 using sim::gate;
 using sim::Illumination;
@@ -56,14 +54,6 @@ unsigned int whole_degrees(double temperature) {
 }
 
 }  // namespace
-
-illumination_t::illumination_t(char const* device, int access) : base_t(device, access) {
-    construct(*impl_, "illumination_t::illumination_t", in(device, access));
-}
-
-illumination_t::~illumination_t() {
-    destroy(*impl_, "illumination_t::~illumination_t");
-}
 
 int illumination_t::get_status(unsigned char& status) const {
     return gate(impl_, "illumination_t::get_status", out(status), [](Device& d, auto& s) {

@@ -6,8 +6,6 @@
 
 namespace hal {
 
-using sim::construct;
-using sim::destroy;
 using sim::Device;
 using sim::gate;
 using sim::in;
@@ -27,14 +25,6 @@ sim::ImageSensor& sensor(Device& device, sim::Object const& object) {
 }
 
 }  // namespace
-
-imx_t::imx_t(char const* device, int access) : base_t(device, access) {
-    construct(*impl_, "imx_t::imx_t", in(device, access));
-}
-
-imx_t::~imx_t() {
-    destroy(*impl_, "imx_t::~imx_t");
-}
 
 int imx_t::get_status(unsigned char& status) const {
     return gate(impl_, "imx_t::get_status", out(status),

@@ -24,7 +24,7 @@ struct Object {
 
     int const number;  // 1.. in the order of construction
     std::vector<std::string> const paths;
-    std::string construction;  // the constructor's arguments, for the journal
+    std::string construction;  // the arguments of the constructor of base_t, for the journal
     int open_error = 0;        // errno of the construction
     bool announced = false;    // the construction has been through the gate
     bool dismissed = false;    // the destruction has

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "hal/imx.h"
+#include "hal/base.h"
 #include "tests/fuzz/require.h"
 
 namespace library_double {
@@ -68,7 +68,7 @@ private:
 
 struct Object {
     void const* address;
-    hal::imx_t* image_sensor;  // or null
+    hal::base_t* image_sensor;  // or null
 };
 
 // Used by one thread at a time: a caller waits first for the callback that runs beside it.
@@ -114,7 +114,7 @@ void abandon(std::size_t kept) {
     Library& lib = library();
     lib.sources.clear();
     while (lib.objects.size() > kept) {
-        if (hal::imx_t* const sensor = lib.objects.back().image_sensor) {
+        if (hal::base_t* const sensor = lib.objects.back().image_sensor) {
             delete sensor;
         } else {
             lib.objects.pop_back();
@@ -134,7 +134,7 @@ void dies(void const* object) {
     library().objects.erase(found);
 }
 
-void mark_image_sensor(hal::imx_t& sensor) {
+void mark_image_sensor(hal::base_t& sensor) {
     library().objects.back().image_sensor = &sensor;
 }
 

@@ -9,7 +9,7 @@
 #include "hal/quaternion.h"
 
 namespace hal {
-class imx_t;
+class base_t;
 }
 
 // Every operation takes its status and its results from the answers, within what the headers promise: results stay as
@@ -50,7 +50,7 @@ struct Source {
 void born(void const* object);
 void dies(void const* object);
 // Says that the object last born is an image sensor.
-void mark_image_sensor(hal::imx_t& sensor);
+void mark_image_sensor(hal::base_t& sensor);
 
 void add_source(Source source);
 Source const& source_of(void const* object);

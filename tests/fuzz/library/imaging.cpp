@@ -39,7 +39,6 @@ using library_double::answer;
 using library_double::born;
 using library_double::called;
 using library_double::dies;
-using library_double::mark_image_sensor;
 using library_double::taken;
 
 // Its node stays open, as of a device's library, where there is one.
@@ -153,12 +152,6 @@ int rtu_delegate_t::get_revision(revision_t& revision) const {
 int rtu_delegate_t::get_heartbeat_timeout(unsigned int& timeout_ms) const {
     return answer(this, timeout_ms);
 }
-
-imx_t::imx_t(char const* device, int access) : base_t(device, access) {
-    mark_image_sensor(*this);
-}
-
-imx_t::~imx_t() = default;
 
 int imx_t::get_status(unsigned char& status) const {
     return answer(this, status);

@@ -55,10 +55,6 @@ using library_double::answer;
 using library_double::called;
 using library_double::taken;
 
-illumination_t::illumination_t(char const* device, int access) : base_t(device, access) {}
-
-illumination_t::~illumination_t() = default;
-
 int illumination_t::get_status(unsigned char& status) const {
     return answer(this, status);
 }
@@ -242,8 +238,6 @@ int illumination_t::get_guards(illu_guards& guards) const {
 int illumination_t::set_guards(illu_guards) const {
     return answer(this);
 }
-
-autofocus_t::~autofocus_t() = default;
 
 bool autofocus_t::set_present() {
     called(this);

@@ -1,4 +1,6 @@
 // The fuzzers' library: what every module has, and the system state.
+#include <string_view>
+
 #include "hal/base.h"
 #include "hal/system.h"
 #include "tests/fuzz/library/double.h"
@@ -8,9 +10,13 @@ namespace hal {
 using library_double::answer;
 using library_double::born;
 using library_double::dies;
+using library_double::mark_image_sensor;
 
-base_t::base_t(char const*, int) : impl_(nullptr) {
+base_t::base_t(char const* device, int) : impl_(nullptr) {
     born(this);
+    if (std::string_view(device).rfind("/dev/imx", 0) == 0) {
+        mark_image_sensor(*this);
+    }
 }
 
 base_t::~base_t() {

@@ -10,7 +10,7 @@ using support::Calls;
 using support::run_console;
 
 Menu sensor_menu(char main_key, std::string const& node) {
-    return {main_key, "", image_sensor_menu, {"imx_t::imx_t(\"" + node + "\", 2)"}, {"imx_t::~imx_t()"}};
+    return {main_key, "", image_sensor_menu, {"base_t::base_t(\"" + node + "\", 2)"}, {"base_t::~base_t()"}};
 }
 
 Menu const kImx296 = sensor_menu('e', "/dev/imx296");

@@ -10,12 +10,11 @@ namespace {
 using namespace menus;
 using support::Calls;
 
-Menu const kAutofocus{
-    'f',
-    "",
-    screens::autofocus_menu,
-    {"autofocus_t::autofocus_t(\"/dev/r47-autofocus-driver\", 2)", "autofocus_t::set_present() = true"},
-    {"autofocus_t::~autofocus_t()"}};
+Menu const kAutofocus{'f',
+                      "",
+                      screens::autofocus_menu,
+                      {"base_t::base_t(\"/dev/r47-autofocus-driver\", 2)", "autofocus_t::set_present() = true"},
+                      {"base_t::~base_t()"}};
 
 std::string const kPositionPrompt = "AF new pos: \n";
 std::string const kTypePrompt = "enter device type: 1: R47XXXX1 2: R47XXXX2 3: R47XXXX3\n";
