@@ -95,8 +95,13 @@ void RealTimeUnit::run_event(Time due) {
     trigger(due);
 }
 
+Time RealTimeUnit::exposure_start(Time trigger) const {
+    return trigger + Duration(exposure_offset_us_);
+}
+
 bool RealTimeUnit::accepts_trigger(Time now) const {
-    return now >= sensor_ready_ && (!last_accepted_ || now - *last_accepted_ >= Duration(prohibited_time_us_));
+    return exposure_start(now) >= sensor_ready_ &&
+           (!last_accepted_ || now - *last_accepted_ >= Duration(prohibited_time_us_));
 }
 
 void RealTimeUnit::trigger(Time now) {
@@ -110,11 +115,11 @@ void RealTimeUnit::trigger(Time now) {
         return;
     }
     Duration const exposure(exposure_us_);
-    Time const start = now + Duration(exposure_offset_us_);
+    Time const start = exposure_start(now);
     sensor_->take_frame();
     acquired_ += acquiring_ ? 1 : 0;
     last_accepted_ = now;
-    sensor_ready_ = now + std::max(exposure, frame_period(sensor_->facts()));
+    sensor_ready_ = start + std::max(exposure, frame_period(sensor_->facts()));
     exposure_edges_.push_back({start, true});
     exposure_edges_.push_back({start + exposure, false});
 }

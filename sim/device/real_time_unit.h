@@ -15,8 +15,8 @@
 namespace sim {
 
 // A trigger makes the fitted sensor take a frame, which counts at once. It is missed when it comes within the
-// prohibited time after the last accepted one, while that one's exposure lasts, or faster than the sensor's
-// full-frame rate. Without a sensor triggers do nothing.
+// prohibited time after the last accepted one, when its exposure would begin before that one's has ended, or faster
+// than the sensor's full-frame rate. Without a sensor triggers do nothing.
 //
 // Setters refuse (-1) what is out of range and keep the old value.
 class RealTimeUnit {
@@ -92,6 +92,7 @@ private:
     void restart_own_triggers();
     void trigger(Time now);
     void trigger(unsigned int count, Time now);
+    Time exposure_start(Time trigger) const;
     bool accepts_trigger(Time now) const;
 
     Time now_{0};
@@ -106,9 +107,9 @@ private:
 
     Train own_triggers_{};  // while continuous
     std::deque<OutsideTrain> outside_triggers_;
-    std::deque<ExposureEdge> exposure_edges_;
+    std::deque<ExposureEdge> exposure_edges_;  // in the order of their time, as no exposure begins in another
     std::optional<Time> last_accepted_;
-    Time sensor_ready_{0};
+    Time sensor_ready_{0};  // for the next exposure
 
     unsigned long triggers_ = 0;
     long missed_ = 0;

@@ -103,6 +103,19 @@ TEST_F(RealTimeUnitTest, TriggersFasterThanTheSensorAreMissed) {
     EXPECT_EQ(missed().first, 60);
 }
 
+TEST_F(RealTimeUnitTest, Imx567TakesNinetySixFramesASecond) {
+    ImageSensor sensor{sim::imx567_facts()};
+    unit_.advance(Time(0), &sensor);
+    start(96);
+    unit_.advance(Time(10s), &sensor);
+    EXPECT_EQ(sensor.frames(), 960U);
+    EXPECT_EQ(missed().first, 0);
+    start(192);
+    unit_.advance(Time(11s), &sensor);
+    EXPECT_EQ(sensor.frames(), 1056U);
+    EXPECT_EQ(missed().first, 96);
+}
+
 TEST_F(RealTimeUnitTest, SingleShotsTakeOneFrameEach) {
     for (Time now : {Time(0), Time(1s), Time(2s)}) {
         run_until(now);
@@ -170,6 +183,35 @@ TEST_F(RealTimeUnitTest, IlluminationOutputIsOnWhileTheSensorExposes) {
     EXPECT_TRUE(lit_at(Time(1000)));
     EXPECT_TRUE(lit_at(Time(5999)));
     EXPECT_FALSE(lit_at(Time(6000)));
+}
+
+TEST_F(RealTimeUnitTest, OffsetOfAllTriggersMissesNone) {
+    run_until(Time(0));
+    ASSERT_EQ(unit_.set_exposure_offset(20'000), 0);
+    ASSERT_EQ(unit_.set_exposure(20'000), 0);
+    start(40);
+    run_until(Time(1s));
+    EXPECT_EQ(missed().first, 0);
+}
+
+TEST_F(RealTimeUnitTest, ExposureThatALowerOffsetMovesIntoTheLastOneIsMissed) {
+    run_until(Time(0));
+    ASSERT_EQ(unit_.set_exposure_offset(50'000), 0);
+    ASSERT_EQ(unit_.set_exposure(30'000), 0);
+    ASSERT_EQ(unit_.single_shot(true), 0);  // exposes from 50 to 80 ms
+    ASSERT_EQ(unit_.set_exposure_offset(0), 0);
+    run_until(Time(79'999us));
+    ASSERT_EQ(unit_.single_shot(true), 0);
+    EXPECT_EQ(missed(), std::make_pair(1L, 1UL));
+    EXPECT_TRUE(unit_.exposing());
+    run_until(Time(80ms));
+    EXPECT_FALSE(unit_.exposing());
+    ASSERT_EQ(unit_.single_shot(true), 0);
+    EXPECT_EQ(sensor_.frames(), 2U);
+    run_until(Time(80ms));
+    EXPECT_TRUE(unit_.exposing());
+    run_until(Time(110ms));
+    EXPECT_FALSE(unit_.exposing());
 }
 
 TEST_F(RealTimeUnitTest, RateIsLimitedByTheImager) {

@@ -22,7 +22,9 @@
 #include "hal/gyro.h"
 #include "hal/gyro_alarm.h"
 #include "hal/gyro_delegate.h"
+#include "menus/imaging/camera.h"
 #include "menus/imaging/dio.h"
+#include "menus/imaging/image_sensor.h"
 #include "menus/imaging/rtu.h"
 #include "menus/light/illumination.h"
 #include "menus/motion/alarm_old.h"
@@ -33,10 +35,13 @@
 
 namespace {
 
+void print_result(int result) {
+    std::cout << "returned " << result << std::endl;
+}
+
 void socket_mode_while_active() {
     bsock = true;
-    int const result = test_socket();
-    std::cout << "returned " << result << std::endl;
+    print_result(test_socket());
 }
 
 // The entries of a directory of /proc that counts something of this process.
@@ -212,19 +217,21 @@ struct EntryPoint {
 constexpr EntryPoint kEntryPoints[] = {
     {"alarm_old", [] { test_alarm_old(); }},
     {"button_irq_line", print_button_irq_line},
+    {"camera", [] { print_result(test_camera()); }},
     {"device_type", print_device_type},
     {"illumination_client", serve_illumination_client},
     {"illumination_get_brightness", [] { on_illumination(get_brightness); }},
     {"illumination_get_segments", [] { on_illumination(get_segments); }},
     {"illumination_set_brightness", [] { on_illumination(set_brightness); }},
     {"illumination_set_segments", [] { on_illumination(set_segments); }},
+    {"image_sensor", [] { print_result(test_imx(1)); }},
     {"lightbar_actions", lightbar_actions},
     {"nothing", [] {}},
     {"orientation_printer", orientation_printer},
     {"samples_of_a_minute", samples_of_a_minute},
     {"output_that_recovers", output_that_recovers},
     {"read_dio_config", read_dio_config},
-    {"rtu_delegate", [] { std::cout << "returned " << test_rtu_delegate() << std::endl; }},
+    {"rtu_delegate", [] { print_result(test_rtu_delegate()); }},
     {"rtu_version", rtu_version},
     {"sensor_set_accepted", sensor_set_of_an_accepting_module},
     {"sensor_set_refused", sensor_set_of_a_refusing_module},

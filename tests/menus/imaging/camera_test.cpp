@@ -22,6 +22,13 @@ Menu camera_of(std::string const& type) {
 
 Menu const kCamera = camera_of("1");
 
+// The time stands, so that the unit's own triggers take no frames.
+support::SessionOptions stepped() {
+    support::SessionOptions options;
+    options.clock = "stepped";
+    return options;
+}
+
 std::string const kScanModePrompt = "Enter a value for hscanmode: 0-NORMAL_ROI, 1-SUBSAMPLDING, 2-BINNING:";
 std::string const kOffsetPrompts = "Enter a value for x_offset:Enter a value for y_offset:";
 
@@ -67,7 +74,14 @@ TEST(CameraTest, EveryKeyDoesItsCommand) {
              "READ MISSED TRIGGER COUNTER: 0 FRAME ID: 0\n",
              {"camera_t::get_missed_trigger_counter() = 0 [0, 0]"}},
             {'Z', "", "RESET MISSED TRIGGER COUNTER: \n", {"camera_t::reset_missed_trigger_counter() = 0"}},
-        });
+        },
+        stepped());
+}
+
+TEST(CameraTest, MenuReturnsNought) {
+    support::SessionOptions options;
+    options.entry_point = "camera";
+    EXPECT_EQ(run_console("x", options).output, camera_menu('x') + "returned 0\n");
 }
 
 // Every command but 'k', which cannot fail, after a failure of the library with `status`.
@@ -134,6 +148,12 @@ TEST(CameraTest, WithoutTheRealTimeUnitEveryOtherCommandFails) {
     expect_run(kCamera, steps, options);
 }
 
+TEST(CameraTest, CameraThatCannotBeOpenedFailsEveryOtherCommand) {
+    std::vector<Step> steps = failing_steps("-1");
+    steps.push_back({'k', "", "\t\t imager 296 \n", {"camera_t::get_imxtype() = 1"}});
+    expect_run(kCamera, steps, with_scenario({"fault add camera_t::camera_t status -1"}));
+}
+
 TEST(CameraTest, SensorIsTheOneThatIsFitted) {
     support::SessionOptions options;
     options.without = {"/dev/imx296"};
@@ -198,6 +218,65 @@ TEST(CameraTest, ValuesOutOfTheSensorsLimitsChangeNothing) {
             {'S', "3\n", kScanModePrompt, {"camera_t::set_hscanmode(3) = -1"}},
             {'s', "", "Scanmode = 0\n", {"camera_t::get_hscanmode() = 0 [0]"}},
         });
+}
+
+TEST(CameraTest, SettingsGoToTheLimitsOfTheSensor) {
+    struct Sensor {
+        std::string type;
+        std::vector<std::string> missing;
+        std::vector<std::pair<char, long>> accepted;
+        std::vector<std::pair<char, long>> refused;
+    } const sensors[] = {
+        {"1",
+         {},
+         {{'u', 1}, {'u', 60}, {'E', 0}, {'E', 480}, {'F', 30}, {'F', 15'500'000}},
+         {{'u', 0}, {'u', 61}, {'E', 481}, {'F', 29}, {'F', 15'500'001}}},
+        {"2",
+         {"/dev/imx296"},
+         {{'u', 1}, {'u', 96}, {'E', 0}, {'E', 480}, {'F', 1}, {'F', 100'000'000}},
+         {{'u', 0}, {'u', 97}, {'E', 481}, {'F', 0}, {'F', 100'000'001}}},
+    };
+    auto const step = [](std::pair<char, long> const& setting, int status) {
+        auto const [key, value] = setting;
+        std::string const name = key == 'u' ? "fps" : key == 'E' ? "gain" : "exposure";
+        std::string const operation = key == 'u' ? "aquisition_framerate" : name;
+        std::string const number = std::to_string(value);
+        return Step{key,
+                    number + "\n",
+                    "Enter a value for " + name + ": " +
+                        (status == 0 ? "sensor set  " + name + ": " + number : "sensor error to set " + name) + "\n",
+                    {"camera_t::set_" + operation + "(" + number + ") = " + std::to_string(status)}};
+    };
+    for (Sensor const& sensor : sensors) {
+        SCOPED_TRACE(sensor.type);
+        std::vector<Step> steps;
+        for (auto const& setting : sensor.accepted) {
+            steps.push_back(step(setting, 0));
+        }
+        for (auto const& setting : sensor.refused) {
+            steps.push_back(step(setting, -1));
+        }
+        support::SessionOptions options;
+        options.without = sensor.missing;
+        expect_run(camera_of(sensor.type), steps, options);
+    }
+}
+
+TEST(CameraTest, OffsetsOfTheImx567LieOnItsOwnGrid) {
+    support::SessionOptions options;
+    options.without = {"/dev/imx296"};
+    expect_run(camera_of("2"),
+               {
+                   {'j',
+                    "20\n20\n",
+                    kOffsetPrompts + "\t\t sensor error to set roi x,y offset\n",
+                    {"camera_t::set_roi_xyoffset(20, 20) = -1"}},
+                   {'j',
+                    "24\n16\n",
+                    kOffsetPrompts + "\t\t set roi offset x,y : 24,16\n",
+                    {"camera_t::set_roi_xyoffset(24, 16) = 0"}},
+               },
+               options);
 }
 
 TEST(CameraTest, OffsetThatIsNoNumberIsTwenty) {
@@ -333,12 +412,6 @@ protected:
         EXPECT_EQ(session.wait_for_exit(), 0);
     }
 
-    static support::SessionOptions stepped() {
-        support::SessionOptions options;
-        options.clock = "stepped";
-        return options;
-    }
-
     support::ConsoleSession session{stepped()};
 };
 
@@ -433,15 +506,63 @@ protected:
 TEST_F(CameraClientTest, NumbersAreEchoedAndOnlyOffsetAndScanModeAnswer) {
     client.send("u\n25\nj\n8\nabc\nS\n2\ns\nj\n3\n3\n");
     EXPECT_EQ(client.receive(9), "258abc233");
-    for (char const key : std::string("WULwiJkzZmtTvVef")) {
+    for (char const key : std::string("WULwiJkzZmTvVef")) {
         client.send(std::string{key, '\n'});
         session.wait_for(std::string("\t\tYour option = ") + key + "\n");
     }
     client.send("x\n");
     expect_waiting("0;0;-1;");
-    Calls const calls = end();
-    EXPECT_NE(std::find(calls.begin(), calls.end(), "camera_t::set_roi_xyoffset(8, 20) = 0"), calls.end());
-    EXPECT_NE(std::find(calls.begin(), calls.end(), "camera_t::set_hscanmode(2) = 0"), calls.end());
+    Calls expected = opening_of("1");
+    for (char const* call : {
+             "set_aquisition_framerate(25) = 0",
+             "set_roi_xyoffset(8, 20) = 0",
+             "set_hscanmode(2) = 0",
+             "get_hscanmode() = 0 [2]",
+             "set_roi_xyoffset(3, 3) = -1",
+             "get_trigger_mode() = 0 [0]",
+             "get_aquisition_framerate() = 0 [25]",
+             "get_aquisition_framerate_limits() = 0 [1, 60, 1]",
+             "get_exposure_limits() = 0 [30, 15500000, 1]",
+             "get_framecount() = 0 [0]",
+             "get_roi_xyoffset() = 0 [8, 20]",
+             "get_imxtype() = 1",
+             "get_missed_trigger_counter() = 0 [0, 0]",
+             "reset_missed_trigger_counter() = 0",
+             "single_shot() = 0",
+             "set_trigger_mode(0) = 0",
+             "start_acquisition() = 0",
+             "stop_acquisition() = 0",
+             "get_gain() = 0 [0]",
+             "get_exposure() = 0 [10000]",
+             "~camera_t()",
+         }) {
+        expected.push_back(std::string("camera_t::") + call);
+    }
+    EXPECT_EQ(end(), expected);
+}
+
+TEST_F(CameraClientTest, LinesThatAreNoNumbersKeepWhatWasThere) {
+    client.send("u\n25\nu\nfast\nj\nleft\n8\nS\nbinning\nx\n");
+    std::string const echoed = "25fastleft8binning";
+    EXPECT_EQ(client.receive(echoed.size()), echoed);
+    expect_waiting("0;");
+    Calls expected = opening_of("1");
+    for (char const* call : {"set_aquisition_framerate(25) = 0", "set_aquisition_framerate(25) = 0",
+                             "set_roi_xyoffset(20, 8) = 0", "set_hscanmode(0) = 0", "~camera_t()"}) {
+        expected.push_back(std::string("camera_t::") + call);
+    }
+    EXPECT_EQ(end(), expected);
+}
+
+TEST_F(CameraClientTest, RefusedScanModeIsNotReported) {
+    client.send("S\n3\nx\n");
+    EXPECT_EQ(client.receive(1), "3");
+    expect_waiting("");
+    Calls expected = opening_of("1");
+    expected.insert(expected.end(), {"camera_t::set_hscanmode(3) = -1", "camera_t::~camera_t()"});
+    EXPECT_EQ(end(), expected);
+    std::string const screen = camera_menu('x').substr(0, camera_menu('x').find("\t\tYour option"));
+    EXPECT_NE(session.output().find(kScanModePrompt + "ReadLine: 3\n" + screen), std::string::npos);
 }
 
 TEST_F(CameraClientTest, StatusOfAFailedScanModeReadWaits) {

@@ -105,9 +105,56 @@ TEST(ImageSensorMenuTest, FailuresAreReportedButThatOfTheFrameCount) {
     EXPECT_EQ(run.errors, kInformationError + kInformationError);
 }
 
+TEST(ImageSensorMenuTest, SensorThatCannotBeOpenedFailsEveryCommand) {
+    std::vector<Step> steps = failing_steps("-1");
+    steps.push_back({'1', "", "Status of the Module: \t", {"imx_t::get_status() = -1"}});
+    steps.push_back({'2', "", "Revision of the Module: \t", {"imx_t::get_revision() = -1"}});
+    expect_run(kImx296, steps, with_scenario({"fault add base_t::base_t status -1"}));
+}
+
+TEST(ImageSensorMenuTest, SensorThatIsTakenAwayFailsUntilItIsBack) {
+    support::ConsoleSession session;
+    session.type("ee");
+    session.wait_for("sensor actual gain: 0\n");
+    session.control("node remove /dev/imx296");
+    session.type("e");
+    session.wait_for("sensor error to get gain\n");
+    session.control("node restore /dev/imx296");
+    session.type("e");
+    session.wait_for("sensor actual gain: 0\n");
+    session.type("xx");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
+TEST(ImageSensorMenuTest, FramesAreThoseTheSensorTook) {
+    support::SessionOptions options = with_scenario({"trigger 3 at 10", "1s trigger 1"});
+    options.clock = "stepped";
+    support::ConsoleSession session(options);
+    session.type("ei");
+    session.wait_for("sensor actual 1\n");
+    session.control("step 1s");
+    session.type("i");
+    session.wait_for("sensor actual 4\n");
+    session.type("xx");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
+TEST(ImageSensorMenuTest, MenuTellsWhetherThereWasASensor) {
+    support::SessionOptions options;
+    options.entry_point = "image_sensor";
+    EXPECT_EQ(run_console("x", options).output, image_sensor_menu('x') + "returned 0\n");
+    options.without = {"/dev/imx296", "/dev/imx567"};
+    EXPECT_EQ(run_console("", options).output, "returned -1\n");
+}
+
 TEST(ImageSensorMenuTest, PositiveStatusIsAFailureButForTheInformation) {
     std::vector<Step> steps = failing_steps("3");
     steps.push_back({'1', "", "Status of the Module: \tDone!\n", {"imx_t::get_status() = 3"}});
+    steps.push_back({'2',
+                     "",
+                     "Revision of the Module: \tThe IMX296 driver: \n\nMajor \t0,\nMinor \t0,\nWeek \t0,\nYear \t0,\n"
+                     "Num \t0,\nPatch \t0,\n Done!\n",
+                     {"imx_t::get_revision() = 3"}});
     auto const run = expect_run(kImx296, steps, with_scenario({"fault add imx_t::*et_* status 3"}));
     EXPECT_EQ(run.errors, "");
 }
