@@ -139,6 +139,16 @@ TEST_F(RunTest, RunsInsideItself) {
     EXPECT_EQ(result.status, 3);
 }
 
+TEST_F(RunTest, AProgramIsFoundBelowAndInADirectoryThatIsHidden) {
+    for (std::string const& program : {directory_.path() + "/program", directory_.path() + "-program"}) {
+        std::ofstream(program) << "#!/bin/sh\necho started\n";
+        std::filesystem::permissions(program, std::filesystem::perms(0755));
+        Result const result = run("", program);
+        EXPECT_EQ(result.output, "started\n") << program;
+        std::filesystem::remove(program);
+    }
+}
+
 TEST_F(RunTest, AProgramMeetsTheDevice) {
     EXPECT_EQ(run("", probe_).output, "revision 0: 1.6 state 0: 1\n");
     EXPECT_EQ(run("--without /dev/r47-rtu-driver", probe_).output, "revision -1: 0.0 state -1: 0\n");
