@@ -67,8 +67,7 @@ int DigitalIo::set_config(unsigned char pin, config_t const& config) {
     Pin& configured = pins_[pin];
     configured.config = config;
     configured.timer.reset(timing_of(config), configured.signal(exposing_));
-    encoder_a_ = first_value_of(func_t::quadrature_input_a);
-    encoder_b_ = first_value_of(func_t::quadrature_input_b);
+    settle_quadrature();
     return 0;
 }
 
@@ -103,6 +102,11 @@ std::bitset<DigitalIo::kPins> DigitalIo::values() const {
         values[pin] = powered_ && pins_[pin].value();
     }
     return values;
+}
+
+void DigitalIo::set_powered(bool powered) {
+    powered_ = powered;
+    settle_quadrature();
 }
 
 unsigned int DigitalIo::drive(unsigned char pin, bool high, Time now) {
@@ -162,8 +166,13 @@ void DigitalIo::count_quadrature() {
     } else if (b != encoder_b_) {
         encoder_position_ += a == b ? 1 : -1;
     }
-    encoder_a_ = a;
-    encoder_b_ = b;
+    settle_quadrature();
+}
+
+// Takes the values as having been there for ever: what moved while nobody looked is not counted.
+void DigitalIo::settle_quadrature() {
+    encoder_a_ = first_value_of(func_t::quadrature_input_a);
+    encoder_b_ = first_value_of(func_t::quadrature_input_b);
 }
 
 // Of several pins with one encoder function the first counts.

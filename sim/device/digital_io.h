@@ -31,7 +31,7 @@ public:
     int get_value(unsigned char pin, bool& value) const;
     std::bitset<kPins> values() const;
 
-    void set_powered(bool powered) { powered_ = powered; }
+    void set_powered(bool powered);
     bool powered() const { return powered_; }
     // Puts a level on the wire of a pin; only inputs take notice. Returns how many trigger inputs became active.
     unsigned int drive(unsigned char pin, bool high, Time now);
@@ -62,6 +62,7 @@ private:
     unsigned int apply(Pin& pin, Time now);
     unsigned int took_effect(Pin const& pin, bool value_before);
     void count_quadrature();
+    void settle_quadrature();
     bool first_value_of(hal::dio_pin_config_t::pin_func func) const;
     std::string terminal(Pin const& pin) const;
 

@@ -141,7 +141,54 @@ TEST(DigitalIoTest, WithoutPowerEveryPinReadsFalseAndTriggersNothing) {
     EXPECT_EQ(pins.values().to_ulong(), 3U);
 }
 
-TEST(DigitalIoTest, DelaysAndPulseTakeEffectInTime) {
+TEST(DigitalIoTest, PulseIsOnForItsTime) {
+    for (func_t const func : {func_t::input, func_t::output}) {
+        SCOPED_TRACE(static_cast<int>(func));
+        DigitalIo pins;
+        config_t config = with_func(func);
+        config.on_delay_time = 20;
+        config.off_delay_time = 30;
+        config.pulse_active = true;
+        config.pulse_time = 50;
+        ASSERT_EQ(pins.set_config(2, config), 0);
+        auto const signal = [&](bool on, Time now) {
+            if (func == func_t::input) {
+                pins.drive(2, on, now);
+            } else {
+                ASSERT_EQ(pins.set_value(2, on, now), 0);
+            }
+        };
+        signal(true, Time(0));
+        EXPECT_TRUE(value_of(pins, 2));
+        signal(false, Time(10ms));
+        run_until(pins, Time(49ms));
+        EXPECT_TRUE(value_of(pins, 2));
+        run_until(pins, Time(50ms));
+        EXPECT_FALSE(value_of(pins, 2));
+    }
+}
+
+TEST(DigitalIoTest, DelaysTakeEffectOnAnOutput) {
+    DigitalIo pins;
+    config_t config;
+    config.on_delay_active = true;
+    config.on_delay_time = 20;
+    config.off_delay_active = true;
+    config.off_delay_time = 30;
+    ASSERT_EQ(pins.set_config(0, config), 0);
+    ASSERT_EQ(pins.set_value(0, true, Time(0)), 0);
+    run_until(pins, Time(19ms));
+    EXPECT_FALSE(value_of(pins, 0));
+    run_until(pins, Time(20ms));
+    EXPECT_TRUE(value_of(pins, 0));
+    ASSERT_EQ(pins.set_value(0, false, Time(40ms)), 0);
+    run_until(pins, Time(69ms));
+    EXPECT_TRUE(value_of(pins, 0));
+    run_until(pins, Time(70ms));
+    EXPECT_FALSE(value_of(pins, 0));
+}
+
+TEST(DigitalIoTest, DelaysTakeEffectOnAnInput) {
     DigitalIo pins;
     config_t config = with_func(func_t::input);
     config.on_delay_active = true;
@@ -216,6 +263,22 @@ TEST(DigitalIoTest, EncoderCountsEveryEdgeInItsDirection) {
         pins.drive(static_cast<unsigned char>(pin), high, Time(0));
     }
     EXPECT_EQ(position(), 2);
+}
+
+TEST(DigitalIoTest, EncoderCountsNothingOfTheTimeWithoutPower) {
+    DigitalIo pins;
+    ASSERT_EQ(pins.set_config(4, with_func(func_t::quadrature_input_a)), 0);
+    ASSERT_EQ(pins.set_config(5, with_func(func_t::quadrature_input_b)), 0);
+    sim::Properties properties;
+    pins.describe(properties);
+    auto const position = [&] { return std::get<long long>(properties.all().at("dio.encoder").get()); };
+    pins.set_powered(false);
+    pins.drive(4, true, Time(0));
+    pins.set_powered(true);
+    ASSERT_EQ(pins.set_value(0, true, Time(0)), 0);
+    EXPECT_EQ(position(), 0);
+    pins.drive(5, true, Time(0));
+    EXPECT_EQ(position(), 1);
 }
 
 TEST(DigitalIoTest, TypeDecidesHowAnOutputDrivesItsTerminal) {

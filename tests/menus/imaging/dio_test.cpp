@@ -387,11 +387,64 @@ TEST_F(DioClientTest, StationConfiguresReadsDrivesAndReadsAPin) {
 TEST_F(DioClientTest, ValuesOfTheRecordAreSentInTheOrderOfThePrintout) {
     client.send("f\n4\n1\n5\n7\n-1\n0\n30\n2\n40\n0\n50\n");
     EXPECT_EQ(client.receive(15), "4157-1030240050");
-    client.receive_reply();
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
     client.send("F\n4\n");
     EXPECT_EQ(client.receive_reply(), "44;1;5;1;1;0;30;1;40;0;50;\\n");
     client.send("x\n");
     end();
+}
+
+TEST_F(DioClientTest, StatusOfARefusedRecordIsTheAnswer) {
+    client.send("f\n0\n9\n0\n0\n0\n0\n0\n0\n0\n0\n0\n");
+    EXPECT_EQ(client.receive_reply(), "09000000000-1;\\n");
+    client.send("f\n6\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n");
+    EXPECT_EQ(client.receive_reply(), "60000000000-1;\\n");
+    session.control("fault add rtu_t::set_io_pin_config status 3");
+    client.send("f\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n0\n");
+    EXPECT_EQ(client.receive_reply(), "000000000003;\\n");
+    client.send("x\n");
+    end();
+}
+
+TEST_F(DioClientTest, FailedReadsAnswerTheDefaults) {
+    client.send("F\n6\n");
+    EXPECT_EQ(client.receive_reply(), "66;0;0;0;0;0;0;0;0;0;0;\\n");
+    client.send("H\n6\n");
+    EXPECT_EQ(client.receive_reply(), "60;0;\\n");
+    client.send("h\n0\n1\np\n");
+    EXPECT_EQ(client.receive_reply(), "010;\\n");
+    EXPECT_EQ(client.receive_reply(), "1;\\n");
+    session.control("fault add rtu_t::get_all_pin_values status -1");
+    client.send("p\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    client.send("x\n");
+    end();
+}
+
+TEST_F(DioClientTest, PinIsDrivenHighByPositiveNumbersAlone) {
+    for (auto const& [typed, echoed, value] : {std::tuple("1", "51", "1"),
+                                               {"0", "50", "0"},
+                                               {"2", "52", "1"},
+                                               {"-1", "5-1", "0"},
+                                               {"3", "53", "1"},
+                                               {"high", "5high", "0"}}) {
+        client.send("h\n5\n");
+        session.wait_for("Value for pin :5");
+        client.send(std::string(typed) + "\n");
+        EXPECT_EQ(client.receive_reply(), std::string(echoed) + "0;\\n");
+        client.send("H\n5\n");
+        EXPECT_EQ(client.receive_reply(), "5" + std::string(value) + ";" + value + ";\\n");
+    }
+    client.send("x\n");
+    end();
+}
+
+TEST_F(DioClientTest, KeyZeroEndsTheWholeProgram) {
+    client.send("0\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_TRUE(client.ended());
+    EXPECT_EQ(session.output().substr(session.output().size() - kGoodBye.size()), kGoodBye);
+    EXPECT_EQ(session.errors(), "");
 }
 
 TEST_F(DioClientTest, PinCommandsEchoAndAnswer) {

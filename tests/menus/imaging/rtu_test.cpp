@@ -133,6 +133,20 @@ TEST(RtuTest, UnknownImagerGoesToTheLibraryUnchangedAndIsNotReported) {
                      });
 }
 
+TEST(RtuTest, UnknownImagerIsPrintedAsTheLibraryGivesIt) {
+    expect_run(kRtu, {{'A', "", "imager type: -7\n", {"rtu_t::get_imager_type() = 0 [-7]"}}},
+               with_scenario({"fault add rtu_t::get_imager_type value -7"}));
+}
+
+TEST(RtuTest, RefusedTriggerModeIsIgnored) {
+    expect_run(kRtu,
+               {{'t',
+                 "25\n",
+                 "Enter a value for fps: sensor set  fps: 25\n",
+                 {"rtu_t::set_trigger_mode(true) = -1", "rtu_t::set_aquisition_fps(25) = 0"}}},
+               with_scenario({"fault add rtu_t::set_trigger_mode status -1"}));
+}
+
 TEST(RtuTest, OtherKeysAreIgnored) {
     expect_run(kRtu, ignored("456789:@DFGHZdfghz?;"));
 }
@@ -298,6 +312,43 @@ TEST_F(RtuClientTest, RateComesFromTheClientAndItsStatusWaits) {
     EXPECT_EQ(end(), (Calls{"rtu_t::set_trigger_mode(true) = 0", "rtu_t::set_aquisition_fps(25) = 0",
                             "rtu_t::set_trigger_mode(true) = 0", "rtu_t::set_aquisition_fps(25) = 0",
                             "rtu_t::set_trigger_mode(true) = 0", "rtu_t::set_aquisition_fps(4294967295) = -1"}));
+}
+
+TEST_F(RtuClientTest, StatusThatWaitsIsThatOfTheRateAlone) {
+    session.control("fault add rtu_t::set_trigger_mode status -1");
+    session.control("fault add rtu_t::set_aquisition_fps skip 1 status 3");
+    for (int i = 0; i < 2; ++i) {
+        session.type("t\n");
+        session.wait_for("Enter a value for fps: ");
+        client.send("25\n");
+        wait_for_menu();
+    }
+    session.type("x\n");
+    EXPECT_EQ(client.receive(4), "2525");
+    expect_waiting("0;3;");
+    end();
+}
+
+TEST_F(RtuClientTest, ImagerTypeThatIsNoNumberIsTheLastNumber) {
+    session.type("a\n");
+    session.wait_for(kImagerPrompt);
+    client.send("1\n");
+    wait_for_menu();
+    session.type("a\n");
+    session.wait_for(kImagerPrompt);
+    client.send("none\n");
+    wait_for_menu();
+    session.type("x\n");
+    EXPECT_EQ(client.receive(5), "1none");
+    EXPECT_EQ(end(), (Calls{"rtu_t::set_imager_type(1) = 0", "rtu_t::set_imager_type(1) = 0"}));
+}
+
+TEST_F(RtuClientTest, KeyZeroEndsTheWholeProgram) {
+    session.type("0\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_TRUE(client.ended());
+    EXPECT_EQ(session.output().substr(session.output().size() - kGoodBye.size()), kGoodBye);
+    EXPECT_EQ(session.errors(), "");
 }
 
 TEST_F(RtuClientTest, ImagerTypeComesFromTheClientAndIsNotAnswered) {
