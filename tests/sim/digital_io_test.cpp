@@ -33,6 +33,17 @@ unsigned int run_until(DigitalIo& pins, Time now) {
     return triggers;
 }
 
+// Sets what the pin's function follows: the wire of an input, the value of an output.
+void signal(DigitalIo& pins, unsigned char pin, bool on, Time now) {
+    config_t config;
+    ASSERT_EQ(pins.get_config(pin, config), 0);
+    if (config.func == func_t::input) {
+        pins.drive(pin, on, now);
+    } else {
+        ASSERT_EQ(pins.set_value(pin, on, now), 0);
+    }
+}
+
 TEST(DigitalIoTest, PinsAboveFiveAreRefused) {
     DigitalIo pins;
     bool value = true;
@@ -151,16 +162,9 @@ TEST(DigitalIoTest, PulseIsOnForItsTime) {
         config.pulse_active = true;
         config.pulse_time = 50;
         ASSERT_EQ(pins.set_config(2, config), 0);
-        auto const signal = [&](bool on, Time now) {
-            if (func == func_t::input) {
-                pins.drive(2, on, now);
-            } else {
-                ASSERT_EQ(pins.set_value(2, on, now), 0);
-            }
-        };
-        signal(true, Time(0));
+        signal(pins, 2, true, Time(0));
         EXPECT_TRUE(value_of(pins, 2));
-        signal(false, Time(10ms));
+        signal(pins, 2, false, Time(10ms));
         run_until(pins, Time(49ms));
         EXPECT_TRUE(value_of(pins, 2));
         run_until(pins, Time(50ms));
@@ -168,44 +172,27 @@ TEST(DigitalIoTest, PulseIsOnForItsTime) {
     }
 }
 
-TEST(DigitalIoTest, DelaysTakeEffectOnAnOutput) {
-    DigitalIo pins;
-    config_t config;
-    config.on_delay_active = true;
-    config.on_delay_time = 20;
-    config.off_delay_active = true;
-    config.off_delay_time = 30;
-    ASSERT_EQ(pins.set_config(0, config), 0);
-    ASSERT_EQ(pins.set_value(0, true, Time(0)), 0);
-    run_until(pins, Time(19ms));
-    EXPECT_FALSE(value_of(pins, 0));
-    run_until(pins, Time(20ms));
-    EXPECT_TRUE(value_of(pins, 0));
-    ASSERT_EQ(pins.set_value(0, false, Time(40ms)), 0);
-    run_until(pins, Time(69ms));
-    EXPECT_TRUE(value_of(pins, 0));
-    run_until(pins, Time(70ms));
-    EXPECT_FALSE(value_of(pins, 0));
-}
-
-TEST(DigitalIoTest, DelaysTakeEffectOnAnInput) {
-    DigitalIo pins;
-    config_t config = with_func(func_t::input);
-    config.on_delay_active = true;
-    config.on_delay_time = 20;
-    config.off_delay_active = true;
-    config.off_delay_time = 30;
-    ASSERT_EQ(pins.set_config(2, config), 0);
-    pins.drive(2, true, Time(0));
-    run_until(pins, Time(19ms));
-    EXPECT_FALSE(value_of(pins, 2));
-    run_until(pins, Time(20ms));
-    EXPECT_TRUE(value_of(pins, 2));
-    pins.drive(2, false, Time(40ms));
-    run_until(pins, Time(69ms));
-    EXPECT_TRUE(value_of(pins, 2));
-    run_until(pins, Time(70ms));
-    EXPECT_FALSE(value_of(pins, 2));
+TEST(DigitalIoTest, DelaysTakeEffect) {
+    for (func_t const func : {func_t::input, func_t::output}) {
+        SCOPED_TRACE(static_cast<int>(func));
+        DigitalIo pins;
+        config_t config = with_func(func);
+        config.on_delay_active = true;
+        config.on_delay_time = 20;
+        config.off_delay_active = true;
+        config.off_delay_time = 30;
+        ASSERT_EQ(pins.set_config(2, config), 0);
+        signal(pins, 2, true, Time(0));
+        run_until(pins, Time(19ms));
+        EXPECT_FALSE(value_of(pins, 2));
+        run_until(pins, Time(20ms));
+        EXPECT_TRUE(value_of(pins, 2));
+        signal(pins, 2, false, Time(40ms));
+        run_until(pins, Time(69ms));
+        EXPECT_TRUE(value_of(pins, 2));
+        run_until(pins, Time(70ms));
+        EXPECT_FALSE(value_of(pins, 2));
+    }
 }
 
 TEST(DigitalIoTest, TimesThatAreNotActiveHaveNoEffect) {
