@@ -33,17 +33,6 @@ unsigned int run_until(DigitalIo& pins, Time now) {
     return triggers;
 }
 
-// Sets what the pin's function follows: the wire of an input, the value of an output.
-void signal(DigitalIo& pins, unsigned char pin, bool on, Time now) {
-    config_t config;
-    ASSERT_EQ(pins.get_config(pin, config), 0);
-    if (config.func == func_t::input) {
-        pins.drive(pin, on, now);
-    } else {
-        ASSERT_EQ(pins.set_value(pin, on, now), 0);
-    }
-}
-
 TEST(DigitalIoTest, PinsAboveFiveAreRefused) {
     DigitalIo pins;
     bool value = true;
@@ -152,47 +141,54 @@ TEST(DigitalIoTest, WithoutPowerEveryPinReadsFalseAndTriggersNothing) {
     EXPECT_EQ(pins.values().to_ulong(), 3U);
 }
 
-TEST(DigitalIoTest, PulseIsOnForItsTime) {
-    for (func_t const func : {func_t::input, func_t::output}) {
-        SCOPED_TRACE(static_cast<int>(func));
-        DigitalIo pins;
-        config_t config = with_func(func);
-        config.on_delay_time = 20;
-        config.off_delay_time = 30;
-        config.pulse_active = true;
-        config.pulse_time = 50;
-        ASSERT_EQ(pins.set_config(2, config), 0);
-        signal(pins, 2, true, Time(0));
-        EXPECT_TRUE(value_of(pins, 2));
-        signal(pins, 2, false, Time(10ms));
-        run_until(pins, Time(49ms));
-        EXPECT_TRUE(value_of(pins, 2));
-        run_until(pins, Time(50ms));
-        EXPECT_FALSE(value_of(pins, 2));
+// One pin that follows its wire as an input, what is set as an output.
+class SignalTest : public testing::TestWithParam<func_t> {
+protected:
+    void signal(bool on, Time now) {
+        if (GetParam() == func_t::input) {
+            pins_.drive(2, on, now);
+        } else {
+            ASSERT_EQ(pins_.set_value(2, on, now), 0);
+        }
     }
+
+    bool value_at(Time now) {
+        run_until(pins_, now);
+        return value_of(pins_, 2);
+    }
+
+    DigitalIo pins_;
+    config_t config_ = with_func(GetParam());
+};
+
+INSTANTIATE_TEST_SUITE_P(DigitalIo, SignalTest, testing::Values(func_t::input, func_t::output),
+                         [](auto const& func) { return func.param == func_t::input ? "Input" : "Output"; });
+
+TEST_P(SignalTest, PulseIsOnForItsTime) {
+    config_.on_delay_time = 20;
+    config_.off_delay_time = 30;
+    config_.pulse_active = true;
+    config_.pulse_time = 50;
+    ASSERT_EQ(pins_.set_config(2, config_), 0);
+    signal(true, Time(0));
+    EXPECT_TRUE(value_at(Time(0)));
+    signal(false, Time(10ms));
+    EXPECT_TRUE(value_at(Time(49ms)));
+    EXPECT_FALSE(value_at(Time(50ms)));
 }
 
-TEST(DigitalIoTest, DelaysTakeEffect) {
-    for (func_t const func : {func_t::input, func_t::output}) {
-        SCOPED_TRACE(static_cast<int>(func));
-        DigitalIo pins;
-        config_t config = with_func(func);
-        config.on_delay_active = true;
-        config.on_delay_time = 20;
-        config.off_delay_active = true;
-        config.off_delay_time = 30;
-        ASSERT_EQ(pins.set_config(2, config), 0);
-        signal(pins, 2, true, Time(0));
-        run_until(pins, Time(19ms));
-        EXPECT_FALSE(value_of(pins, 2));
-        run_until(pins, Time(20ms));
-        EXPECT_TRUE(value_of(pins, 2));
-        signal(pins, 2, false, Time(40ms));
-        run_until(pins, Time(69ms));
-        EXPECT_TRUE(value_of(pins, 2));
-        run_until(pins, Time(70ms));
-        EXPECT_FALSE(value_of(pins, 2));
-    }
+TEST_P(SignalTest, DelaysTakeEffect) {
+    config_.on_delay_active = true;
+    config_.on_delay_time = 20;
+    config_.off_delay_active = true;
+    config_.off_delay_time = 30;
+    ASSERT_EQ(pins_.set_config(2, config_), 0);
+    signal(true, Time(0));
+    EXPECT_FALSE(value_at(Time(19ms)));
+    EXPECT_TRUE(value_at(Time(20ms)));
+    signal(false, Time(40ms));
+    EXPECT_TRUE(value_at(Time(69ms)));
+    EXPECT_FALSE(value_at(Time(70ms)));
 }
 
 TEST(DigitalIoTest, TimesThatAreNotActiveHaveNoEffect) {

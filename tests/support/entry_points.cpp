@@ -1,5 +1,6 @@
 // Runs one function of the console that no menu reaches: r47-entry-points NAME
 #include <fcntl.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -17,6 +18,7 @@
 #include "app/device_type.h"
 #include "app/module_information.h"
 #include "app/standard_output.h"
+#include "app/system_state.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
 #include "hal/gyro.h"
@@ -32,6 +34,36 @@
 #include "menus/motion/gyro_delegate.h"
 #include "net/socket.h"
 #include "net/socket_console.h"
+
+namespace {
+
+std::atomic<bool> waits_are_told{false};
+
+// Runs `function` with its waits printed in their place, and not waited for.
+template <typename Function>
+void tell_waits(Function function) {
+    waits_are_told = true;
+    function();
+}
+
+}  // namespace
+
+// The linker gives the console this in place of the C library's.
+extern "C" {
+
+int __real_nanosleep(timespec const* length, timespec* left);
+
+int __wrap_nanosleep(timespec const* length, timespec* left) {
+    if (!waits_are_told) {
+        return __real_nanosleep(length, left);
+    }
+    auto const waited = std::chrono::seconds(length->tv_sec) + std::chrono::nanoseconds(length->tv_nsec);
+    std::cout << "waited " << std::chrono::duration_cast<std::chrono::milliseconds>(waited).count() << " ms"
+              << std::endl;
+    return 0;
+}
+
+}  // extern "C"
 
 namespace {
 
@@ -216,6 +248,7 @@ struct EntryPoint {
 
 constexpr EntryPoint kEntryPoints[] = {
     {"alarm_old", [] { test_alarm_old(); }},
+    {"alarm_old_waits", [] { tell_waits(test_alarm_old); }},
     {"button_irq_line", print_button_irq_line},
     {"camera", [] { print_result(test_camera()); }},
     {"device_type", print_device_type},
@@ -237,6 +270,7 @@ constexpr EntryPoint kEntryPoints[] = {
     {"sensor_set_refused", sensor_set_of_a_refusing_module},
     {"sensor_set_without_accessor", sensor_set_without_accessor},
     {"socket_mode_while_active", socket_mode_while_active},
+    {"system_state_waits", [] { tell_waits(test_system); }},
     {"two_hundred_socket_modes", two_hundred_socket_modes},
 };
 
