@@ -101,12 +101,26 @@ TEST(SystemStateTest, MissingNodeFailsEveryCall) {
                                         "system_t::trigger_heartbeat() = -1"}));
 }
 
-TEST(SystemStateTest, HeartbeatKeepsTheDeviceAlive) {
-    support::ConsoleSession session;
-    session.type("lh");
+TEST(SystemStateTest, HeartbeatKeepsTheDeviceAliveForItsTimeout) {
+    support::SessionOptions options;
+    options.clock = "stepped";
+    support::ConsoleSession session(options);
+    auto const expect_shown = [&session](std::string const& name, std::string const& value) {
+        EXPECT_EQ(session.control("show --json " + name), "{\n  \"" + name + "\": " + value + "\n}\n");
+    };
+    session.type("l");
     session.wait_for(kSystemMenu);
+    session.control("step 5s");
+    expect_shown("system.heartbeat.count", "0");
+    expect_shown("system.alive", "false");
+    session.type("h");
     session.wait_for(kSystemMenu);
-    EXPECT_NE(session.control("show system").find("system.heartbeat.count"), std::string::npos);
+    expect_shown("system.heartbeat.count", "1");
+    expect_shown("system.alive", "true");
+    session.control("step 1s");
+    expect_shown("system.alive", "true");
+    session.control("step 1us");
+    expect_shown("system.alive", "false");
     session.type("x");
     EXPECT_EQ(session.wait_for_exit(), 0);
 }
