@@ -15,9 +15,9 @@ namespace {
 
 class ConsoleIoTest : public testing::Test {
 protected:
-    ConsoleIoTest() {
+    explicit ConsoleIoTest(int type = SOCK_STREAM) {
         int pair[2];
-        EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM, 0, pair), 0);
+        EXPECT_EQ(::socketpair(AF_UNIX, type, 0, pair), 0);
         station_ = pair[0];
         client_ = pair[1];
         socket_ = new socket_tcp(client_);
@@ -182,17 +182,24 @@ TEST_F(ConsoleIoTest, NumberIsLeftWhenTheClientHasGone) {
     EXPECT_EQ(received(), "");
 }
 
-TEST_F(ConsoleIoTest, ItemsAreCollectedAndSentAsOneReply) {
+// Over sockets that keep what was sent in one piece apart from the next.
+class ConsoleIoReplyTest : public ConsoleIoTest {
+protected:
+    ConsoleIoReplyTest() : ConsoleIoTest(SOCK_SEQPACKET) {}
+};
+
+TEST_F(ConsoleIoReplyTest, ItemsAndEndMarkAreSentInOnePiece) {
     kosstream("%d", 1);
     kosstream("%d", -2);
     kosstream("%d", 300);
     EXPECT_EQ(received(), "");
     EXPECT_EQ(kosstream_send(), 11);
     EXPECT_EQ(received(), "1;-2;300;\\n");
+    EXPECT_EQ(received(), "");
     EXPECT_EQ(send_string, "");
 }
 
-TEST_F(ConsoleIoTest, ReplyWithoutItemsIsTheEndMark) {
+TEST_F(ConsoleIoReplyTest, ReplyWithoutItemsIsTheEndMark) {
     EXPECT_EQ(kosstream_send(), 2);
     EXPECT_EQ(received(), "\\n");
 }
@@ -225,7 +232,13 @@ TEST_F(ConsoleIoTest, TerminalModeSendsNothing) {
     EXPECT_EQ(printed(), "");
 }
 
-TEST(ConsoleIoDeathTest, ItemThatDoesNotFitEndsTheProcess) {
+TEST_F(ConsoleIoTest, ItemOf1023CharactersIsSentWhole) {
+    kosstream("%1023d", 1);
+    EXPECT_EQ(kosstream_send(), 1026);
+    EXPECT_EQ(received(), std::string(1022, ' ') + "1;\\n");
+}
+
+TEST(ConsoleIoDeathTest, ItemOf1024CharactersEndsTheProcess) {
     bsock = true;
     EXPECT_DEATH(kosstream("%1024d", 1), "");
     bsock = false;
