@@ -122,25 +122,43 @@ TEST(SubscriptionTest, TwoThreadsNeverCallAtOnce) {
 
 // An object as the library has them: its owner may go while callbacks arrive.
 struct Owner {
-    explicit Owner(std::shared_ptr<Subscription> shared) : subscription(std::move(shared)) {}
-    ~Owner() { subscription->close(); }
+    Owner(std::shared_ptr<Subscription> shared, std::atomic<bool>& destroyed)
+        : subscription(std::move(shared)), gone(destroyed) {}
+    ~Owner() {
+        subscription->close();
+        gone = true;
+    }
     std::shared_ptr<Subscription> subscription;
+    std::atomic<bool>& gone;
     int calls = 0;
 };
 
 TEST(SubscriptionTest, TheOwnerMayGoWhileCallbacksFire) {
     for (int round = 0; round < 200; ++round) {
         auto const subscription = std::make_shared<Subscription>(false);
-        auto owner = std::make_unique<Owner>(subscription);
-        std::atomic<bool> delivering{true};
+        std::atomic<bool> gone{false};
+        auto owner = std::make_unique<Owner>(subscription, gone);
+        std::promise<void> called;
+        int late = 0;
         std::thread deliverer([&, raw = owner.get()] {
-            while (subscription->deliver([&] { ++raw->calls; })) {
-                delivering = true;
+            auto const callback = [&] {
+                if (gone) {
+                    ++late;
+                    return;
+                }
+                if (++raw->calls == 1) {
+                    called.set_value();
+                }
+                std::this_thread::yield();
+                late += gone ? 1 : 0;
+            };
+            while (late == 0 && subscription->deliver(callback)) {
             }
         });
+        EXPECT_EQ(called.get_future().wait_for(kLimit), std::future_status::ready);
         owner.reset();
         deliverer.join();
-        EXPECT_TRUE(delivering);
+        ASSERT_EQ(late, 0) << "in round " << round;
     }
 }
 
