@@ -459,6 +459,29 @@ TEST(SocketConsoleKeyTest, EndingItClosesStandardInput) {
     session.wait_for(main_menu('\0'));
 }
 
+// The operator ended the first mode under a client that would have gone on; of that nothing is left.
+TEST(SocketConsoleKeyTest, SecondModeServesItsClientToo) {
+    support::SessionOptions options;
+    options.entry_point = "console_after_socket_mode";
+    ConsoleSession session(options);
+    {
+        StationClient client;
+        session.wait_for(main_menu());
+        session.type("x\n");
+        EXPECT_TRUE(client.ended());
+        client.reset();  // else the system would hold the port
+    }
+    session.wait_for(kStart + main_menu());
+    session.type("bxL\n");
+    session.wait_for("Started Rtu Low Level Control \n");
+    session.wait_for("Your Option = x\n" + main_menu('L') + "int test_socket()\n");
+    StationClient client;
+    client.send("A\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    session.type("x\n");
+    EXPECT_TRUE(client.ended());
+}
+
 TEST(SocketConsoleKeyTest, WhileItIsActiveItRefusesToStart) {
     support::SessionOptions options;
     options.entry_point = "socket_mode_while_active";

@@ -102,6 +102,14 @@ void two_hundred_socket_modes() {
     }
 }
 
+// Socket mode, and then the console with the standard input that its end closes.
+void console_after_socket_mode() {
+    int const input = ::dup(STDIN_FILENO);
+    test_socket();
+    ::dup2(input, STDIN_FILENO);
+    console_main(1, nullptr);
+}
+
 // Prints what a full disk loses, then what has space again.
 void output_that_recovers() {
     set_up_standard_output();
@@ -251,6 +259,7 @@ constexpr EntryPoint kEntryPoints[] = {
     {"alarm_old_waits", [] { tell_waits(test_alarm_old); }},
     {"button_irq_line", print_button_irq_line},
     {"camera", [] { print_result(test_camera()); }},
+    {"console_after_socket_mode", console_after_socket_mode},
     {"device_type", print_device_type},
     {"illumination_client", serve_illumination_client},
     {"illumination_get_brightness", [] { on_illumination(get_brightness); }},
