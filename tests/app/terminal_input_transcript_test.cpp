@@ -63,6 +63,19 @@ TEST(TerminalInputTest, EndOfInputStandsForZero) {
     EXPECT_EQ(session.output(), "Enter a value for gain: written 0\nsensor set  gain: 0\n");
 }
 
+TEST(TerminalInputTest, MainMenuWaitsAtTheEndOfInputBeforeItIsShownAgain) {
+    support::SessionOptions options;
+    options.entry_point = "console_waits";
+    support::ConsoleSession session(options);
+    session.end_input();
+    std::string expected = kStart;
+    for (int i = 0; i < 3; ++i) {
+        expected += main_menu() + "waited 20 ms\nEntered Option = " + '\0' + "\n";
+    }
+    session.wait_for(expected);
+    EXPECT_EQ(session.output().rfind(expected, 0), 0U);
+}
+
 TEST(TerminalInputTest, MistypedNumberIsNeverTakenForOptions) {
     auto const run = run_console("lfxxx\nFx");
     EXPECT_EQ(run.output, kStart + main_menu('l') + kSystemStart + system_menu('f') +

@@ -260,6 +260,7 @@ constexpr EntryPoint kEntryPoints[] = {
     {"button_irq_line", print_button_irq_line},
     {"camera", [] { print_result(test_camera()); }},
     {"console_after_socket_mode", console_after_socket_mode},
+    {"console_waits", [] { tell_waits([] { console_main(1, nullptr); }); }},
     {"device_type", print_device_type},
     {"illumination_client", serve_illumination_client},
     {"illumination_get_brightness", [] { on_illumination(get_brightness); }},
