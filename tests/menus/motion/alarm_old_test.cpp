@@ -161,11 +161,18 @@ TEST_F(LegacyAlarmTest, HeldCallbacksBringNoSample) {
 }
 
 TEST_F(LegacyAlarmTest, ButtonOfAnR47IsOnAnotherLine) {
+    step("1ms");
     session.control("press 6s");
-    step("6s");
-    for (std::string const& call : later_calls()) {
-        EXPECT_EQ(call, kSample.front());
+    Calls samples;
+    std::string traces;
+    for (int second = 1; second <= 7; ++second) {
+        sample();
+        EXPECT_EQ(is_pressed(session), second < 6);
+        samples = samples + kSample;
+        traces += kSampleTrace;
     }
+    EXPECT_EQ(later_calls(), samples);
+    expect_output(kLegacyAlarmMenu + traces);
 }
 
 class LegacyAlarmOnOtherVariantTest : public LegacyAlarmTest {

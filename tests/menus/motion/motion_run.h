@@ -47,4 +47,8 @@ inline int device_state(support::ConsoleSession& session) {
     return std::stoi(answer.substr(answer.find_first_of("0123456789")));
 }
 
+inline bool is_pressed(support::ConsoleSession& session) {
+    return session.control("show --json button.pressed").find("true") != std::string::npos;
+}
+
 }  // namespace motion
