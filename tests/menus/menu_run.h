@@ -11,12 +11,13 @@
 
 namespace menus {
 
-// One key of the menu: what is typed after it, what it prints, what it calls.
+// One key of the menu: what is typed after it, what it prints, what it calls, what it prints on standard error.
 struct Step {
     char key;
     std::string typed;
     std::string printed;
     support::Calls calls;
+    std::string errors{};
 };
 
 struct Menu {
@@ -28,22 +29,23 @@ struct Menu {
 };
 
 // Visits the menu, answers it with the steps and 'x', and leaves the console.
-inline support::Transcript expect_run(Menu const& menu, std::vector<Step> const& steps,
-                                      support::SessionOptions const& options = {}) {
+inline void expect_run(Menu const& menu, std::vector<Step> const& steps, support::SessionOptions const& options = {}) {
     std::string typed(1, menu.main_key);
     std::string printed = menu.start;
     support::Calls calls = menu.opening;
+    std::string errors;
     for (Step const& step : steps) {
         typed += step.key + step.typed;
         printed += menu.screen(step.key) + step.printed;
         calls.insert(calls.end(), step.calls.begin(), step.calls.end());
+        errors += step.errors;
     }
     calls.insert(calls.end(), menu.closing.begin(), menu.closing.end());
-    auto run = support::run_console(typed + "xx", options);
+    auto const run = support::run_console(typed + "xx", options);
     EXPECT_EQ(run.output, screens::visit(menu.main_key, printed + menu.screen('x')));
     EXPECT_EQ(run.calls, calls);
+    EXPECT_EQ(run.errors, errors);
     EXPECT_EQ(run.status, 0);
-    return run;
 }
 
 // Each of the keys does nothing but show the menu again.
@@ -63,6 +65,7 @@ inline void expect_exit_by_zero(Menu const& menu, support::Calls const& destroye
     EXPECT_EQ(run.output,
               screens::kStart + screens::main_menu(menu.main_key) + menu.start + menu.screen('0') + screens::kGoodBye);
     EXPECT_EQ(run.calls, calls);
+    EXPECT_EQ(run.errors, "");
     EXPECT_EQ(run.status, 0);
 }
 

@@ -124,11 +124,10 @@ std::vector<Step> failing_steps(std::string const& status) {
 TEST(CameraTest, FailuresAreReportedOnlyWhereTheCommandTells) {
     for (std::string const status : {"-1", "3"}) {
         SCOPED_TRACE(status);
-        auto const run = expect_run(kCamera, failing_steps(status),
-                                    with_scenario({"fault add camera_t::*et_* status " + status,
-                                                   "fault add camera_t::single_shot status " + status,
-                                                   "fault add camera_t::*_acquisition status " + status}));
-        EXPECT_EQ(run.errors, "");
+        expect_run(kCamera, failing_steps(status),
+                   with_scenario({"fault add camera_t::*et_* status " + status,
+                                  "fault add camera_t::single_shot status " + status,
+                                  "fault add camera_t::*_acquisition status " + status}));
     }
 }
 

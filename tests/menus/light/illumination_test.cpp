@@ -7,7 +7,7 @@ using namespace light;
 using support::Calls;
 
 TEST(IlluminationMenuTest, SimpleCommandsShowAndChangeTheModule) {
-    auto const run = expect_run(
+    expect_run(
         kIllumination,
         {
             {'1', "", "Status of the Module: \tDone!\n", {"illumination_t::get_status() = 0 [0]"}},
@@ -64,7 +64,6 @@ TEST(IlluminationMenuTest, SimpleCommandsShowAndChangeTheModule) {
              {"illumination_t::set_alter_led(true) = 0"}},
             {'y', "", "ALTER ENABLED: TRUE \n", {"illumination_t::get_alter_led() = 0 [true]"}},
         });
-    EXPECT_EQ(run.errors, "");
 }
 
 // What the simple commands print and call when the library answers -1.
@@ -137,14 +136,14 @@ std::vector<Step> failing_steps() {
 
 TEST(IlluminationMenuTest, FailuresAreReportedAndReadoutsFollowAllTheSame) {
     std::vector<Step> steps = failing_steps();
-    steps.push_back({'1', "", "Status of the Module: \t", {"illumination_t::get_status() = -1"}});
-    steps.push_back({'2', "", "Revision of the Module: \t", {"illumination_t::get_revision() = -1"}});
+    steps.push_back({'1', "", "Status of the Module: \t", {"illumination_t::get_status() = -1"}, kInformationError});
+    steps.push_back(
+        {'2', "", "Revision of the Module: \t", {"illumination_t::get_revision() = -1"}, kInformationError});
     steps.push_back({'3', "", "", {}});
     steps.push_back({'v', "", "Illumination MISSING\n", {"illumination_t::is_present() = -1"}});
-    auto const run = expect_run(
+    expect_run(
         kIllumination, steps,
         with_scenario({"fault add illumination_t::*et_* status -1", "fault add illumination_t::is_present status -1"}));
-    EXPECT_EQ(run.errors, kInformationError + kInformationError);
 }
 
 TEST(IlluminationMenuTest, PositiveStatusIsAFailureTooButNotOfThePresence) {
@@ -156,10 +155,9 @@ TEST(IlluminationMenuTest, PositiveStatusIsAFailureTooButNotOfThePresence) {
     }
     steps.push_back({'1', "", "Status of the Module: \tDone!\n", {"illumination_t::get_status() = 4"}});
     steps.push_back({'v', "", "Illumination AVAILABLE\n", {"illumination_t::is_present() = 4"}});
-    auto const run = expect_run(
+    expect_run(
         kIllumination, steps,
         with_scenario({"fault add illumination_t::*et_* status 4", "fault add illumination_t::is_present status 4"}));
-    EXPECT_EQ(run.errors, "");
 }
 
 TEST(IlluminationMenuTest, MissingNodeFailsEveryCommand) {
