@@ -79,12 +79,6 @@ std::vector<std::string> words_of(std::string const& list) {
     return words;
 }
 
-// A journal line without its time and its object number.
-std::string call_of(std::string const& line) {
-    std::size_t const number = line.find(' ') + 1;
-    return line.substr(line.find(' ', number) + 1);
-}
-
 int unix_connection(std::string const& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -121,6 +115,16 @@ void wait_readable(int descriptor, std::string const& what) {
 }
 
 }  // namespace
+
+// Behind the time.
+int object_of(std::string const& line) {
+    return std::stoi(line.substr(line.find(' ') + 1));
+}
+
+std::string call_of(std::string const& line) {
+    std::size_t const number = line.find(' ') + 1;
+    return line.substr(line.find(' ', number) + 1);
+}
 
 SessionOptions in_shell(std::string const& script) {
     SessionOptions options;

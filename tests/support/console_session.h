@@ -16,6 +16,10 @@ using Calls = std::vector<std::string>;
 // What no working run ever reaches; a test that waits longer has failed.
 constexpr std::chrono::seconds kLimit{60};
 
+// Of a line of the journal: the number of its object, 0 for none, and the call alone.
+int object_of(std::string const& line);
+std::string call_of(std::string const& line);
+
 struct SessionOptions {
     std::vector<std::string> arguments{};  // of the console
     std::vector<std::string> scenario{};   // control commands: "fault add ...", "set ...", also timed ones

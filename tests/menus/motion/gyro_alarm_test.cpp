@@ -379,44 +379,4 @@ TEST(LeaveWhileTaughtTest, AlarmGoesAfterItsTeachingAndBeforeTheButton) {
     }
 }
 
-class LeaveInTheRainTest : public testing::TestWithParam<char> {
-protected:
-    static SessionOptions fast() {
-        SessionOptions options;
-        options.clock = "scaled 50";
-        return options;
-    }
-
-    // Tilts the device, and presses its button unless it is pressed still.
-    void rain(int drop) {
-        session.control("tilt 0 " + std::to_string(drop % 2 * 40) + " 0");
-        if (session.control("show --json button.pressed").find("false") != std::string::npos) {
-            session.control("press 5s");
-        }
-    }
-
-    ConsoleSession session{fast()};
-};
-
-TEST_P(LeaveInTheRainTest, NoCallbackRunsAfterItsObjectIsGone) {
-    for (int i = 0; i < 200; ++i) {
-        if (i % 3 == 0) {
-            session.type(std::string(1, GetParam()) + "ttx");
-        }
-        rain(i);
-    }
-    session.type("x");
-    EXPECT_EQ(session.wait_for_exit(), 0);
-    EXPECT_EQ(session.errors(), "");
-    bool alarm_lives = false;
-    for (std::string const& call : session.calls()) {
-        alarm_lives = alarm_lives || call.find("gyro_alarm_t::gyro_alarm_t") == 0;
-        EXPECT_TRUE(alarm_lives || call.find("callback gyro_alarm_t") != 0) << call;
-        EXPECT_TRUE(alarm_lives || call.find("gyro_alarm_t::teach") != 0) << call;
-        alarm_lives = alarm_lives && call != "gyro_alarm_t::~gyro_alarm_t()";
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Menus, LeaveInTheRainTest, testing::Values('G', 'H', 't'));
-
 }  // namespace
