@@ -11,6 +11,7 @@
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,6 +22,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -91,6 +93,16 @@ int unix_connection(std::string const& path) {
     return -1;
 }
 
+// As ::pipe, of a pipe that others can open.
+int named_pipe(std::string const& path, int (&ends)[2]) {
+    if (::mkfifo(path.c_str(), 0600) != 0) {
+        return -1;
+    }
+    ends[0] = ::open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    ends[1] = ::open(path.c_str(), O_WRONLY);
+    return ends[0] < 0 || ends[1] < 0 ? -1 : 0;
+}
+
 int tcp_connection() {
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -126,6 +138,11 @@ std::string call_of(std::string const& line) {
     return line.substr(line.find(' ', number) + 1);
 }
 
+std::string with_marked_calls(std::string const& output) {
+    static std::regex const line("[0-9]\\.[0-9]{6} [0-9]+ ((callback )?[a-z0-9_]+_t::[^\n]*|callback [^\n]*)\n");
+    return std::regex_replace(output, line, "<$1>");
+}
+
 SessionOptions in_shell(std::string const& script) {
     SessionOptions options;
     options.script = script;
@@ -138,7 +155,7 @@ ConsoleSession::ConsoleSession(SessionOptions const& options) : directory_(make_
         scenario << line << '\n';
     }
     scenario.close();
-    start(command_line(options), options.terminal);
+    start(command_line(options), options);
 }
 
 ConsoleSession::~ConsoleSession() {
@@ -161,7 +178,7 @@ std::vector<std::string> ConsoleSession::command_line(SessionOptions const& opti
     } else {
         line.insert(line.end(), {R47_SIM, "run", "--control", directory_ + "/control.sock"});
         if (options.journal) {
-            line.insert(line.end(), {"--journal", directory_ + "/journal"});
+            line.insert(line.end(), {"--journal", journal_path(options)});
         }
         line.insert(line.end(), {"--scenario", directory_ + "/scenario", "--clock"});
         std::istringstream clock(options.clock);
@@ -187,7 +204,13 @@ std::vector<std::string> ConsoleSession::command_line(SessionOptions const& opti
     return line;
 }
 
-void ConsoleSession::start(std::vector<std::string> const& command_line, bool terminal) {
+// In one sequence the journal is the pipe that standard output is, which keeps the order of what both write.
+std::string ConsoleSession::journal_path(SessionOptions const& options) const {
+    return directory_ + (options.one_sequence ? "/sequence" : "/journal");
+}
+
+void ConsoleSession::start(std::vector<std::string> const& command_line, SessionOptions const& options) {
+    bool const terminal = options.terminal;
     int input[2];
     int output[2];
     int errors[2];
@@ -197,7 +220,8 @@ void ConsoleSession::start(std::vector<std::string> const& command_line, bool te
         }
         output[0] = ::dup(input[1]);
         output[1] = ::dup(input[0]);
-    } else if (::pipe(input) != 0 || ::pipe(output) != 0) {
+    } else if (::pipe(input) != 0 ||
+               (options.one_sequence ? named_pipe(journal_path(options), output) : ::pipe(output)) != 0) {
         fail_with_errno("pipe");
     }
     if (::pipe(errors) != 0) {

@@ -31,10 +31,15 @@ struct SessionOptions {
     bool outside = false;                  // of the virtual device, on the host as it is
     std::vector<std::string> wrapper{};    // a command that starts the console, given as its last arguments
     bool journal = true;                   // without it calls() and journal() are empty
+    bool one_sequence = false;             // the journal's lines come in the output; calls() and journal() are empty
 };
 
 // Options for a run of the console from a shell script, as "$@".
 SessionOptions in_shell(std::string const& script);
+
+// The output of a run in one sequence, each line of the journal in it as "<rtu_t::get_exposure() = 0 [10000]>". Its
+// texts may end in a number, so the device's time must stay below ten seconds.
+std::string with_marked_calls(std::string const& output);
 
 // Failures (a limit reached, a refused control command, a bad option) throw std::runtime_error with what was seen.
 class ConsoleSession {
@@ -78,7 +83,8 @@ public:
 
 private:
     std::vector<std::string> command_line(SessionOptions const& options) const;
-    void start(std::vector<std::string> const& command_line, bool terminal);
+    std::string journal_path(SessionOptions const& options) const;
+    void start(std::vector<std::string> const& command_line, SessionOptions const& options);
     // Takes what is there to read, for at most so long; false when both streams have ended.
     bool take_output(std::chrono::milliseconds longest);
     bool reap(bool block);
