@@ -40,6 +40,7 @@ TEST(SystemStateTest, FailedHeartbeatPrintsNothing) {
     auto const run = run_console("lhx", options);
     EXPECT_EQ(run.output, in_menu(system_menu('h')));
     EXPECT_EQ(run.calls, in_menu_calls({"system_t::trigger_heartbeat() = -1"}));
+    EXPECT_EQ(run.errors, "");
 }
 
 TEST(SystemStateTest, StateIsReadAndPrinted) {
@@ -54,6 +55,7 @@ TEST(SystemStateTest, FailedReadPrintsZero) {
     auto const run = run_console("lFx", options);
     EXPECT_EQ(run.output, in_menu(system_menu('F') + "Read Device state0\n"));
     EXPECT_EQ(run.calls, in_menu_calls({"system_t::get_device_status() = -1"}));
+    EXPECT_EQ(run.errors, "");
 }
 
 TEST(SystemStateTest, StateThatIsSetIsReadBack) {
@@ -68,6 +70,7 @@ TEST(SystemStateTest, StateWithoutANameGoesToTheLibraryUnchanged) {
     auto const run = run_console("lf7\nx");
     EXPECT_EQ(run.output, in_menu(system_menu('f') + "Enter device state: "));
     EXPECT_EQ(run.calls, in_menu_calls({"system_t::set_device_status(7) = -1"}));
+    EXPECT_EQ(run.errors, "");
 }
 
 TEST(SystemStateTest, EchoIsFollowedByAWaitBeforeTheKeyActs) {
@@ -99,6 +102,7 @@ TEST(SystemStateTest, MissingNodeFailsEveryCall) {
                                   "Enter device state: " + system_menu('h')));
     EXPECT_EQ(run.calls, in_menu_calls({"system_t::get_device_status() = -1", "system_t::set_device_status(3) = -1",
                                         "system_t::trigger_heartbeat() = -1"}));
+    EXPECT_EQ(run.errors, "");
 }
 
 TEST(SystemStateTest, HeartbeatKeepsTheDeviceAliveForItsTimeout) {

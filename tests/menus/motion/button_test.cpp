@@ -56,6 +56,7 @@ TEST(ButtonMenuTest, FailedReadShowsZero) {
     Calls const expected{button_construction(82), kRtuConstruction, "button_t::irq_callback_hold(false) = -1",
                          "button_t::irq_read() = -1"};
     EXPECT_EQ(run.calls, expected + kEndCalls);
+    EXPECT_EQ(run.errors, "");
 }
 
 TEST(ButtonMenuTest, AllOtherKeysShowTheMenuAgain) {

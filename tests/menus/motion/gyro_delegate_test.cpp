@@ -75,6 +75,7 @@ TEST(DelegateMenuTest, FailuresOfTheLibraryAreNotReported) {
                                 "gyro_delegate_t::gyro_delegate_t(#2, 37, function)",
                                 "gyro_t::irq_callback_hold(true) = -1", "gyro_t::irq_callback_hold(false) = -1"} +
                           kDelegateEnd));
+    EXPECT_EQ(run.errors, "");
 }
 
 TEST(CombinedMenuTest, StartsWithItsTraceAndTheFirmware) {
@@ -111,6 +112,7 @@ TEST(CombinedMenuTest, FailuresOfTheLibraryAreNotReported) {
     }
     Calls const of_keys{"gyro_t::irq_callback_hold(true) = -1", "gyro_t::irq_callback_hold(false) = -1"};
     EXPECT_EQ(run.calls, expected + of_keys + kCombinedEnd);
+    EXPECT_EQ(run.errors, "");
 }
 
 TEST(CombinedMenuTest, OtherVariantHasItsButtonOnLine44) {

@@ -280,6 +280,7 @@ TEST(GyroMenuTest, FailedBootAtTheStartIsNotReported) {
     auto const run = run_menu("", stepped({"fault add gyro_t::boot status 7"}));
     EXPECT_EQ(run.output.find("booting failed"), std::string::npos);
     EXPECT_EQ(run.calls[1], "gyro_t::boot() = 7");
+    EXPECT_EQ(run.errors, "");
     EXPECT_EQ(run.status, 0);
 }
 
