@@ -139,7 +139,7 @@ std::string call_of(std::string const& line) {
 }
 
 std::string with_marked_calls(std::string const& output) {
-    static std::regex const line("[0-9]\\.[0-9]{6} [0-9]+ ((callback )?[a-z0-9_]+_t::[^\n]*|callback [^\n]*)\n");
+    static std::regex const line("[0-9]\\.[0-9]{6} [0-9]+ ((callback )?[a-z0-9_]+_t[:(][^\n]*)\n");
     return std::regex_replace(output, line, "<$1>");
 }
 

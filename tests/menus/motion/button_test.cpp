@@ -201,13 +201,13 @@ TEST_F(ButtonScenarioTest, SecondEntryColoursThroughItsOwnUnit) {
     session.control("step 2s");
     session.type("xx");
     EXPECT_EQ(session.wait_for_exit(), 0);
-    std::string object;
+    int object = 0;
     for (std::string const& line : session.journal()) {
         if (line.find("set_lightbar_col") != std::string::npos) {
-            object = line.substr(line.find(' ') + 1, 2);
+            object = support::object_of(line);
         }
     }
-    EXPECT_EQ(object, "5 ");  // 1 before main, then button and unit twice
+    EXPECT_EQ(object, 5);  // 1 before main, then button and unit twice
 }
 
 TEST_F(ButtonScenarioTest, NothingHappensAfterTheMenu) {

@@ -50,7 +50,7 @@ RainyMenu const kMenus[] = {
 class RainTest : public testing::Test {
 protected:
     explicit RainTest(Calls callbacks, SessionOptions const& options = {})
-        : callbacks_(std::move(callbacks)), session(fast(options)) {}
+        : session(fast(options)), callbacks_(std::move(callbacks)) {}
 
     // One drop: tilts the device, and presses its button unless it is pressed still.
     void rain() {
@@ -95,6 +95,8 @@ protected:
         }
     }
 
+    ConsoleSession session;
+
 private:
     static SessionOptions fast(SessionOptions options) {
         options.clock = "scaled 100";
@@ -105,9 +107,6 @@ private:
 
     Calls const callbacks_;
     bool upright_ = true;
-
-protected:
-    ConsoleSession session;
 };
 
 // Each line of the journal is of an object that was built and has not gone.
