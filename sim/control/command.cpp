@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "sim/control/verbs.h"
-#include "sim/hal/text.h"
+#include "sim/library/text.h"
 
 namespace sim {
 

@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "sim/device/descriptor.h"
+#include "sim/core/descriptor.h"
 
 namespace sim {
 

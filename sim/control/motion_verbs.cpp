@@ -1,6 +1,6 @@
 // The verbs that move the device and press its button.
 #include "sim/control/verbs.h"
-#include "sim/device/numbers.h"
+#include "sim/core/numbers.h"
 
 namespace sim {
 

@@ -1,6 +1,6 @@
 // The verb that puts something in front of the ranging sensor.
 #include "sim/control/verbs.h"
-#include "sim/device/scene.h"
+#include "sim/models/scene.h"
 
 namespace sim {
 

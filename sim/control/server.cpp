@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "sim/control/control_socket.h"
-#include "sim/delivery/thread.h"
-#include "sim/device/descriptor.h"
+#include "sim/core/descriptor.h"
+#include "sim/core/thread.h"
 
 namespace sim {
 

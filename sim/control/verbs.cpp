@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "sim/device/numbers.h"
+#include "sim/core/numbers.h"
 
 namespace sim {
 

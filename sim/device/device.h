@@ -4,22 +4,22 @@
 #include <memory>
 #include <mutex>
 
-#include "sim/delivery/button_feed.h"
-#include "sim/delivery/sample_feed.h"
-#include "sim/delivery/timeline.h"
-#include "sim/device/autofocus.h"
-#include "sim/device/button.h"
+#include "sim/core/timeline.h"
+#include "sim/device/button_feed.h"
 #include "sim/device/faults.h"
-#include "sim/device/illumination.h"
-#include "sim/device/image_sensor.h"
 #include "sim/device/journal.h"
-#include "sim/device/module_info.h"
 #include "sim/device/nodes.h"
 #include "sim/device/properties.h"
-#include "sim/device/ranging.h"
-#include "sim/device/real_time_unit.h"
-#include "sim/device/sensor_hub.h"
-#include "sim/device/system_state.h"
+#include "sim/device/sample_feed.h"
+#include "sim/models/autofocus.h"
+#include "sim/models/button.h"
+#include "sim/models/illumination.h"
+#include "sim/models/image_sensor.h"
+#include "sim/models/module_info.h"
+#include "sim/models/ranging.h"
+#include "sim/models/real_time_unit.h"
+#include "sim/models/sensor_hub.h"
+#include "sim/models/system_state.h"
 
 namespace sim {
 

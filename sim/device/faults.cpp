@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "sim/device/numbers.h"
+#include "sim/core/numbers.h"
 #include "sim/device/operations.h"
 
 namespace sim {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sim/device/clock.h"
+#include "sim/core/clock.h"
 #include "sim/device/properties.h"
 
 namespace sim {

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "sim/device/descriptor.h"
+#include "sim/core/descriptor.h"
 
 namespace sim {
 

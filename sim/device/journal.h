@@ -7,7 +7,7 @@
 #include <mutex>
 #include <string>
 
-#include "sim/device/clock.h"
+#include "sim/core/clock.h"
 #include "sim/device/properties.h"
 
 namespace sim {

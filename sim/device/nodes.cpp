@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "sim/device/firmware_image.h"
+#include "sim/models/firmware_image.h"
 
 namespace sim {
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdio>
 
-#include "sim/device/numbers.h"
+#include "sim/core/numbers.h"
 
 namespace sim {
 

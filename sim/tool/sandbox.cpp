@@ -18,7 +18,7 @@
 #include <string_view>
 
 #include "sim/control/control_socket.h"
-#include "sim/device/descriptor.h"
+#include "sim/core/descriptor.h"
 #include "sim/device/nodes.h"
 
 namespace sim {

@@ -1,5 +1,5 @@
 // Tests of the autofocus module's model.
-#include "sim/device/autofocus.h"
+#include "sim/models/autofocus.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Delivery of the button's presses to the records of one object.
-#include "sim/delivery/button_feed.h"
+#include "sim/device/button_feed.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The push button: which records fire, and when.
-#include "sim/device/button.h"
+#include "sim/models/button.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Tests of the device's time.
-#include "sim/device/clock.h"
+#include "sim/core/clock.h"
 
 #include <gtest/gtest.h>
 

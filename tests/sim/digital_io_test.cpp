@@ -1,5 +1,5 @@
 // The six pins: logic, functions, delays and refusals.
-#include "sim/device/digital_io.h"
+#include "sim/models/digital_io.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Tests of the sensor hub's firmware image.
-#include "sim/device/firmware_image.h"
+#include "sim/models/firmware_image.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Tests of what every operation of the library passes.
-#include "sim/hal/gate.h"
+#include "sim/library/gate.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
 // Tests of the illumination module's model.
-#include "sim/device/illumination.h"
+#include "sim/models/illumination.h"
 
 #include <gtest/gtest.h>
 

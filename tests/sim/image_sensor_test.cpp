@@ -1,5 +1,5 @@
 // Limits and settings of the image sensors.
-#include "sim/device/image_sensor.h"
+#include "sim/models/image_sensor.h"
 
 #include <gtest/gtest.h>
 

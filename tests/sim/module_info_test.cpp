@@ -1,5 +1,5 @@
 // Tests of status, revision and serial number of the modules.
-#include "sim/device/module_info.h"
+#include "sim/models/module_info.h"
 
 #include <gtest/gtest.h>
 

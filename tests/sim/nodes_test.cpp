@@ -8,7 +8,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "sim/device/firmware_image.h"
+#include "sim/models/firmware_image.h"
 #include "tests/sim/temporary_directory.h"
 
 namespace {

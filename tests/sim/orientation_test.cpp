@@ -1,5 +1,5 @@
 // The device's orientation: turning, measuring, and the angles of a rotation.
-#include "sim/device/orientation.h"
+#include "sim/models/orientation.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Delays and pulses of a pin in time.
-#include "sim/device/pin_timer.h"
+#include "sim/models/pin_timer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Tests of the ranging sensor's model.
-#include "sim/device/ranging.h"
+#include "sim/models/ranging.h"
 
 #include <gtest/gtest.h>
 

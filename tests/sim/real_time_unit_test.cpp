@@ -1,5 +1,5 @@
 // Triggers, frames and missed triggers in time, and the unit's refusals.
-#include "sim/device/real_time_unit.h"
+#include "sim/models/real_time_unit.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Delivery of the sensor hub's samples to those who listen.
-#include "sim/delivery/sample_feed.h"
+#include "sim/device/sample_feed.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Tests of the scene in front of the ranging sensor.
-#include "sim/device/scene.h"
+#include "sim/models/scene.h"
 
 #include <gtest/gtest.h>
 

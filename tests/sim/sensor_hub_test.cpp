@@ -1,11 +1,11 @@
 // The sensor hub: boot, virtual sensors, samples and reports.
-#include "sim/device/sensor_hub.h"
+#include "sim/models/sensor_hub.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 
-#include "sim/device/sensor_catalogue.h"
+#include "sim/models/sensor_catalogue.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Tests of taking callbacks back while they run.
-#include "sim/delivery/subscription.h"
+#include "sim/core/subscription.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <memory>
 #include <thread>
 
-#include "sim/delivery/timeline.h"
+#include "sim/core/timeline.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Tests of the device state and the heartbeat.
-#include "sim/device/system_state.h"
+#include "sim/models/system_state.h"
 
 #include <gtest/gtest.h>
 

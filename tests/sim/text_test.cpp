@@ -1,5 +1,5 @@
 // Tests of how the journal writes values and how fault rules fill them in.
-#include "sim/hal/text.h"
+#include "sim/library/text.h"
 
 #include <gtest/gtest.h>
 

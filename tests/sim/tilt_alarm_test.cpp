@@ -1,5 +1,5 @@
 // The tilt alarm: limit, teaching, transitions.
-#include "sim/device/tilt_alarm.h"
+#include "sim/models/tilt_alarm.h"
 
 #include <gtest/gtest.h>
 

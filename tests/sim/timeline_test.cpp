@@ -1,5 +1,5 @@
 // Tests of the library's thread and what falls due on it.
-#include "sim/delivery/timeline.h"
+#include "sim/core/timeline.h"
 
 #include <gtest/gtest.h>
 

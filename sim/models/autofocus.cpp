@@ -1,0 +1,298 @@
+// The autofocus module: a lens on a motor, a mirror whose resonance the calibration finds, and a DOE.
+#include "sim/models/autofocus.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <iterator>
+
+#include "sim/models/refusal.h"
+
+namespace sim {
+
+namespace {
+
+struct TableEntry {
+    double mm;    // distance of the focus
+    double step;  // of the motor, ascending
+};
+
+constexpr int kEntries = 6;
+
+// The nearer the focus, the further the lens is out.
+struct DeviceType {
+    char const* name;
+    unsigned short frequency_hz;  // resonance of its mirror
+    TableEntry table[kEntries];
+};
+
+constexpr DeviceType kDeviceTypes[] = {
+    {"R47XXXX1", 183, {{1000, 100}, {500, 365}, {250, 895}, {120, 1795}, {80, 2475}, {65, 2900}}},
+    {"R47XXXX2", 176, {{1500, 100}, {700, 380}, {400, 800}, {220, 1500}, {150, 2190}, {110, 2900}}},
+    {"R47XXXX3", 158, {{3000, 100}, {1500, 340}, {800, 850}, {500, 1410}, {350, 2130}, {270, 2900}}},
+};
+
+DeviceType const* find_type(std::string const& name) {
+    auto const* const found = std::find_if(std::begin(kDeviceTypes), std::end(kDeviceTypes),
+                                           [&](DeviceType const& type) { return type.name == name; });
+    return found == std::end(kDeviceTypes) ? nullptr : found;
+}
+
+double between(double x, double x1, double y1, double x2, double y2) {
+    return y1 + (x - x1) / (x2 - x1) * (y2 - y1);
+}
+
+// The table is straight between its entries, and beyond them as between the last two.
+double mm_at(DeviceType const& type, double step) {
+    int i = 1;
+    while (i < kEntries - 1 && step > type.table[i].step) {
+        ++i;
+    }
+    TableEntry const& low = type.table[i - 1];
+    TableEntry const& high = type.table[i];
+    return between(step, low.step, low.mm, high.step, high.mm);
+}
+
+double step_at(DeviceType const& type, double mm) {
+    int i = 1;
+    while (i < kEntries - 1 && mm < type.table[i].mm) {
+        ++i;
+    }
+    TableEntry const& low = type.table[i - 1];
+    TableEntry const& high = type.table[i];
+    return between(mm, low.mm, low.step, high.mm, high.step);
+}
+
+unsigned short rounded(double value) {
+    return static_cast<unsigned short>(std::lround(value));
+}
+
+}  // namespace
+
+void Autofocus::advance(Time now) {
+    if (now <= now_) {
+        return;
+    }
+    if (module.present) {
+        move(now - now_);
+    }
+    now_ = now;
+    if (calibrated_at_ && now >= *calibrated_at_) {
+        finish_calibration();
+    }
+}
+
+void Autofocus::move(Duration length) {
+    if (!moving()) {
+        return;
+    }
+    if (!module.motor_free) {
+        without_motion_ += length;
+        if (without_motion_ >= kStuckAfter) {
+            raised_.motor_stuck = true;
+            raised_.initialization_error |= homing_;
+            homing_ = false;
+            target_ = position_;
+        }
+        return;
+    }
+    double const way = kStepsPerSecond * std::chrono::duration<double>(length).count();
+    position_ = position_ < target_ ? std::min(position_ + way, target_) : std::max(position_ - way, target_);
+    without_motion_ = Duration(0);
+    homing_ = homing_ && moving();
+}
+
+void Autofocus::go_to(double target) {
+    target_ = target;
+    without_motion_ = Duration(0);
+}
+
+int Autofocus::answer() {
+    if (!module.present) {
+        return refuse(ENODEV);
+    }
+    if (!module.link_up) {
+        raised_.communication_error = true;
+        return refuse(EIO);
+    }
+    return 0;
+}
+
+int Autofocus::get_position(unsigned short& position) const {
+    position = rounded(position_);
+    return 0;
+}
+
+int Autofocus::set_position(unsigned int position) {
+    if (calibrating() || homing_) {
+        return refuse(EBUSY);
+    }
+    unsigned short min = 0;
+    unsigned short max = 0;
+    get_position_limits(min, max);
+    raised_.target_unreachable = position < min || position > max;
+    if (raised_.target_unreachable) {
+        return refuse(ERANGE);
+    }
+    go_to(position);
+    return 0;
+}
+
+int Autofocus::get_position_limits(unsigned short& min, unsigned short& max) const {
+    min = maintenance_ ? 0 : kLowestAllowed;
+    max = maintenance_ ? kHighestStep : kHighestAllowed;
+    return 0;
+}
+
+int Autofocus::get_position_mm(unsigned short& position) const {
+    DeviceType const* const type = find_type(module.device_type);
+    if (!module.table_filled || type == nullptr) {
+        return refuse(ENODATA);
+    }
+    position = rounded(mm_at(*type, position_));
+    return 0;
+}
+
+int Autofocus::set_position_mm(unsigned int position) {
+    DeviceType const* const type = find_type(module.device_type);
+    if (!module.table_filled || type == nullptr) {
+        return refuse(ENODATA);
+    }
+    if (position < type->table[kEntries - 1].mm || position > type->table[0].mm) {
+        raised_.target_unreachable = true;
+        return refuse(ERANGE);
+    }
+    return set_position(rounded(step_at(*type, position)));
+}
+
+int Autofocus::get_position_limits_mm(std::string const& device_type, unsigned short& min, unsigned short& max) const {
+    DeviceType const* const type = find_type(device_type);
+    if (type == nullptr) {
+        return refuse(EINVAL);
+    }
+    if (!module.table_filled) {
+        return refuse(ENODATA);
+    }
+    min = rounded(type->table[kEntries - 1].mm);
+    max = rounded(type->table[0].mm);
+    return 0;
+}
+
+int Autofocus::reset() {
+    raised_ = {};
+    calibrated_at_.reset();
+    frequency_hz_.reset();
+    unsigned short min = 0;
+    unsigned short max = 0;
+    get_position_limits(min, max);
+    go_to(min);
+    homing_ = moving();
+    return 0;
+}
+
+int Autofocus::calibrate() {
+    if (calibrating() || homing_) {
+        return refuse(EBUSY);
+    }
+    frequency_hz_.reset();
+    calibrated_at_ = now_ + kCalibrationTime;
+    return 0;
+}
+
+void Autofocus::finish_calibration() {
+    calibrated_at_.reset();
+    DeviceType const* const type = find_type(module.device_type);
+    if (module.mirror_fitted && module.mirror_healthy && type != nullptr) {
+        frequency_hz_ = type->frequency_hz;
+    }
+    raised_.mirror_failure = module.mirror_fitted && !module.mirror_healthy;
+}
+
+int Autofocus::get_calibration_frequency(unsigned short& frequency_hz) const {
+    if (!frequency_hz_) {
+        return refuse(ENODATA);
+    }
+    frequency_hz = *frequency_hz_;
+    return 0;
+}
+
+hal::af_error Autofocus::errors() const {
+    hal::af_error errors = raised_;
+    errors.no_valid_frequency = !frequency_hz_;
+    errors.no_mirror = !module.mirror_fitted;
+    errors.empty_calibration_table = !module.table_filled;
+    return errors;
+}
+
+int Autofocus::set_doe_mode(hal::doe_mode_te mode) {
+    if (mode != hal::doe_mode_te::disabled && mode != hal::doe_mode_te::off_by_trigger) {
+        return refuse(EINVAL);
+    }
+    doe_mode_ = mode;
+    return 0;
+}
+
+bool Autofocus::doe_active(bool exposing) const {
+    return module.present && (doe_forced_ || (doe_mode_ == hal::doe_mode_te::off_by_trigger && !exposing));
+}
+
+void Autofocus::set_maintenance_mode(bool enabled) {
+    maintenance_ = enabled;
+    unsigned short min = 0;
+    unsigned short max = 0;
+    get_position_limits(min, max);
+    go_to(std::clamp<double>(target_, min, max));
+}
+
+void Autofocus::describe(Properties& properties) {
+    properties.add_variable("autofocus.present", "whether the module is fitted", module.present);
+    properties.add(
+        "autofocus.device_type", "R47XXXX1, R47XXXX2 or R47XXXX3: whose table holds",
+        [this] { return module.device_type; },
+        [this](std::string const& name) -> Error {
+            if (find_type(name) == nullptr) {
+                return "not a device type";
+            }
+            module.device_type = name;
+            return {};
+        });
+    properties.add_variable("autofocus.link", "whether the module can be talked to", module.link_up);
+    properties.add_variable("autofocus.motor.free", "whether the motor can move; otherwise it is stuck",
+                            module.motor_free);
+    properties.add_variable("autofocus.mirror.fitted", "whether there is a mirror", module.mirror_fitted);
+    properties.add_variable("autofocus.mirror.healthy", "whether the mirror swings", module.mirror_healthy);
+    properties.add_variable("autofocus.table.filled", "whether there is a calibration table", module.table_filled);
+    properties.add("autofocus.position", "steps", [this] { return position_; });
+    properties.add(
+        "autofocus.target", "steps, where the motor goes", [this] { return static_cast<unsigned int>(target_); },
+        [this](unsigned int target) { return set_position(target) == 0 ? Error() : "the motor cannot go there now"; });
+    properties.add("autofocus.moving", "whether the motor is on its way", [this] { return moving(); });
+    properties.add("autofocus.calibrating", "whether the calibration runs", [this] { return calibrating(); });
+    properties.add("autofocus.frequency", "Hz, that the calibration found; 0: none",
+                   [this] { return frequency_hz_.value_or(0); });
+    properties.add_variable("autofocus.doe.mode", "0 disabled, 1 enabled and off by the trigger", doe_mode_,
+                            hal::doe_mode_te::disabled, hal::doe_mode_te::off_by_trigger);
+    properties.add_variable("autofocus.doe.forced", "active whatever its mode", doe_forced_);
+    properties.add(
+        "autofocus.maintenance", "the limits are the mechanical stops", [this] { return maintenance_; },
+        [this](bool enabled) -> Error {
+            set_maintenance_mode(enabled);
+            return {};
+        });
+    properties.add("autofocus.error.no_valid_frequency", "no calibration has found one",
+                   [this] { return errors().no_valid_frequency; });
+    properties.add("autofocus.error.initialization", "the reset did not reach its end",
+                   [this] { return errors().initialization_error; });
+    properties.add("autofocus.error.motor_stuck", "no motion for 500 ms", [this] { return errors().motor_stuck; });
+    properties.add("autofocus.error.target_unreachable", "the last position was refused",
+                   [this] { return errors().target_unreachable; });
+    properties.add("autofocus.error.mirror_failure", "the calibration found the mirror bad",
+                   [this] { return errors().mirror_failure; });
+    properties.add("autofocus.error.no_mirror", "there is no mirror", [this] { return errors().no_mirror; });
+    properties.add("autofocus.error.communication", "the module could not be talked to",
+                   [this] { return errors().communication_error; });
+    properties.add("autofocus.error.empty_table", "there is no calibration table",
+                   [this] { return errors().empty_calibration_table; });
+}
+
+}  // namespace sim

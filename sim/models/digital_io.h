@@ -1,0 +1,77 @@
+// The six digital I/O pins: configuration, values, and what the outside does to them.
+#pragma once
+
+#include <array>
+#include <bitset>
+#include <optional>
+
+#include "hal/dio_pin_config.h"
+#include "sim/core/clock.h"
+#include "sim/device/properties.h"
+#include "sim/models/pin_timer.h"
+
+namespace sim {
+
+// A pin's state follows its signal through the delays and the pulse. The signal of an input is the level of its
+// wire, taken through the contact logic (normally closed turns it round) and the inversion; that of an output is
+// its command, that of an illumination output the exposure, and here contact logic and inversion turn the result
+// round. The type (npn, pnp, push-pull) decides how an output drives its terminal.
+//
+// Operations refuse (-1) pins above 5 and what a pin cannot do, and keep the old value. Times given to them
+// never go backwards, and what is due must have been carried out (change()) before.
+class DigitalIo {
+public:
+    static constexpr unsigned char kPins = 6;
+
+    int set_config(unsigned char pin, hal::dio_pin_config_t const& config);
+    int get_config(unsigned char pin, hal::dio_pin_config_t& config) const;
+    // Only an output takes a value.
+    int set_value(unsigned char pin, bool value, Time now);
+    // Without power every pin reads false.
+    int get_value(unsigned char pin, bool& value) const;
+    std::bitset<kPins> values() const;
+
+    void set_powered(bool powered);
+    bool powered() const { return powered_; }
+    // Puts a level on the wire of a pin; only inputs take notice. Returns how many trigger inputs became active.
+    unsigned int drive(unsigned char pin, bool high, Time now);
+    // Illumination outputs follow the exposure.
+    void set_exposing(bool exposing, Time now);
+    bool exposing() const { return exposing_; }
+
+    // When the next pin changes by itself.
+    std::optional<Time> next_change() const;
+    // Carries that change out. Returns how many trigger inputs became active.
+    unsigned int change();
+
+    void describe(Properties& properties);
+
+private:
+    struct Pin {
+        hal::dio_pin_config_t config;
+        PinTimer timer;
+        bool wire = false;
+        bool command = false;
+
+        bool is_input() const;
+        bool turned_round() const;
+        bool signal(bool exposing) const;
+        bool value() const;
+    };
+
+    unsigned int apply(Pin& pin, Time now);
+    unsigned int took_effect(Pin const& pin, bool value_before);
+    void count_quadrature();
+    void settle_quadrature();
+    bool first_value_of(hal::dio_pin_config_t::pin_func func) const;
+    std::string terminal(Pin const& pin) const;
+
+    std::array<Pin, kPins> pins_;
+    bool powered_ = true;
+    bool exposing_ = false;
+    bool encoder_a_ = false;
+    bool encoder_b_ = false;
+    long long encoder_position_ = 0;
+};
+
+}  // namespace sim

@@ -1,0 +1,143 @@
+// The illumination module: what it is told to shine, what it really shines, and how warm it gets from that.
+#pragma once
+
+#include "hal/illumination.h"
+#include "sim/core/clock.h"
+#include "sim/device/properties.h"
+
+namespace sim {
+
+// Lowest and highest legal value of a setting, and the distance of two neighbours.
+struct Limits {
+    unsigned int min;
+    unsigned int max;
+    unsigned int step;
+};
+
+// The exposure signal of the real-time unit.
+struct ExposureSignal {
+    double rate;           // Hz; 0: none comes
+    unsigned int time_us;  // of one exposure
+};
+
+// Time passes in advance() alone: call it before every other operation, and before the exposure signal changes.
+// Operations that return an int answer 0, or -1 and errno where they refuse; a refused value leaves the old one.
+// Units: brightness 0-14, colours in percent, temperatures in degrees Celsius.
+class Illumination {
+public:
+    static constexpr Limits kSegmentLimits{0, 15, 1};
+    static constexpr Limits kBrightnessLimits{0, 14, 1};
+    static constexpr Limits kColourLimits{0, 100, 1};
+    static constexpr Limits kOffLimits{40, 100, 1};     // of the over-temperature off limit
+    static constexpr Limits kDecreaseLimits{1, 30, 1};  // of the fall that brings the light back
+    static constexpr Limits kFlashTimes{10, 10000, 1};  // us
+    static constexpr double kFullLoadRise = 80.0;       // K, inside, that full light ends at
+    static constexpr double kFullLoadOuterRise = 30.0;  // K, outside
+
+    enum Colour { red, green, blue, kColours };
+    enum Led { red_led, green_led, alter_led, kLeds };
+
+    // What the module is; set by hand.
+    struct Module {
+        bool present = true;
+        bool rgbw = true;  // otherwise white alone: it has no colours
+    };
+    // Flags that nothing in this model raises; set by hand.
+    struct Disturbances {
+        bool low_power = false;
+        bool driver_error = false;
+        bool calibration_error = false;
+        bool dvsc = false;
+        bool bc = false;
+    };
+
+    Module module;
+    double ambient_temperature = 25.0;
+    Disturbances disturbances;
+
+    // `signal` is what came since the last call.
+    void advance(Time now, ExposureSignal const& signal);
+
+    // Whether the module is there at all: ENODEV. The operations below take that as given.
+    int answer() const;
+
+    int set_pattern(hal::light_pattern_te pattern);
+    hal::light_pattern_te pattern() const { return pattern_; }
+    int set_segments(unsigned int mask);
+    unsigned int segments() const { return segments_; }
+    int set_brightness(unsigned int brightness);
+    unsigned int brightness() const { return brightness_; }
+    // ENOTSUP where the module is white.
+    int set_colour(Colour colour, unsigned int percent);
+    int get_colour(Colour colour, unsigned int& percent) const;
+    int get_colour_limits(Limits& limits) const;
+
+    void set_write_protection(bool enabled) { write_protected_ = enabled; }
+    bool write_protected() const { return write_protected_; }
+    // The five that the write protection covers: EPERM while it is on, as it is at the start.
+    int set_dc_brightness_limit(unsigned int limit);
+    int set_flash_brightness_limit(unsigned int limit);
+    int set_ot_off_limit(unsigned int limit);
+    int set_limit_ot_decrease(unsigned int kelvin);
+    int set_guards(hal::illu_guards guards);
+    unsigned int dc_brightness_limit() const { return dc_limit_; }
+    unsigned int flash_brightness_limit() const { return flash_limit_; }
+    unsigned int ot_off_limit() const { return off_limit_; }
+    unsigned int limit_ot_decrease() const { return decrease_; }
+    hal::illu_guards guards() const { return guards_; }
+
+    void set_led(Led led, bool enabled) { leds_[led] = enabled; }
+    bool led(Led led) const { return leds_[led]; }
+    int set_mode(hal::illumination_mode_te mode);
+    hal::illumination_mode_te mode() const { return mode_; }
+    // The time is of use for the flash alone.
+    int set_exposure_mode(hal::exposure_mode mode, unsigned int time_us);
+    hal::exposure_mode exposure_mode() const { return exposure_mode_; }
+    unsigned int flash_time() const { return flash_time_; }
+
+    hal::spot_states states() const;
+    hal::spot_flags flags() const;
+    // Number of the gravest flag, as its offset in the record of flags; 0 where none is set.
+    hal::illu_error_code error_code() const;
+
+    // Whether it gives light now, or would at the next trigger.
+    bool lit() const;
+    // The heat that it makes, as a share of full light without a pause: 0-1.
+    double load() const;
+    double internal_temperature() const { return inside_; }
+    double external_temperature() const { return outside_; }
+    // Puts it to a temperature, from which it goes on by itself.
+    void set_internal_temperature(double temperature);
+    void set_external_temperature(double temperature) { outside_ = temperature; }
+
+    void describe(Properties& properties);
+
+private:
+    bool flashing() const;
+    double duty() const;
+    unsigned int overdrive() const;
+    void pass(double seconds);
+    void watch_temperature();
+
+    Time now_{0};
+    ExposureSignal signal_{0.0, 0};
+    hal::light_pattern_te pattern_ = hal::light_pattern_te::continuous;
+    hal::illumination_mode_te mode_ = hal::illumination_mode_te::active;
+    hal::exposure_mode exposure_mode_ = hal::exposure_mode::continuous;
+    unsigned int flash_time_ = 0;  // us
+    unsigned int segments_ = kSegmentLimits.max;
+    unsigned int brightness_ = 0;
+    unsigned int colours_[kColours] = {};
+    bool leds_[kLeds] = {};
+    bool write_protected_ = true;
+    unsigned int dc_limit_ = kBrightnessLimits.max;
+    unsigned int flash_limit_ = kBrightnessLimits.max;
+    unsigned int off_limit_ = 85;
+    unsigned int decrease_ = 10;
+    hal::illu_guards guards_{true, true, true, true};
+    double inside_ = 25.0;
+    double outside_ = 25.0;
+    bool too_hot_ = false;  // from the off limit until the temperature has fallen by the decrease
+};
+
+}  // namespace sim

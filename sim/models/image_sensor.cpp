@@ -1,0 +1,93 @@
+// One image sensor: gain, region of interest, scan mode and the frames that it took.
+#include "sim/models/image_sensor.h"
+
+namespace sim {
+
+namespace {
+
+constexpr SensorFacts kImx296{hal::imx_te::imx296, 1456, 1088, 4, 480, 30, 15'500'000, 60};
+constexpr SensorFacts kImx567{hal::imx_te::imx567, 2472, 2064, 8, 480, 1, 100'000'000, 96};
+
+constexpr int kRefused = -1;
+
+// The region keeps at least one cell of the grid.
+bool is_on_grid(unsigned int offset, unsigned int size, unsigned int grid) {
+    return offset % grid == 0 && offset <= size - grid;
+}
+
+}  // namespace
+
+SensorFacts const& imx296_facts() {
+    return kImx296;
+}
+
+SensorFacts const& imx567_facts() {
+    return kImx567;
+}
+
+int ImageSensor::get_variant(unsigned int& variant) const {
+    variant = variant_;
+    return 0;
+}
+
+int ImageSensor::get_gain(unsigned int& gain) const {
+    gain = gain_;
+    return 0;
+}
+
+int ImageSensor::set_gain(unsigned int gain) {
+    if (gain > facts_.max_gain) {
+        return kRefused;
+    }
+    gain_ = gain;
+    return 0;
+}
+
+int ImageSensor::get_scan_mode(hal::roi_te& mode) const {
+    mode = scan_mode_;
+    return 0;
+}
+
+int ImageSensor::set_scan_mode(hal::roi_te mode) {
+    switch (mode) {
+        case hal::roi_te::normal:
+        case hal::roi_te::subsampling:
+        case hal::roi_te::binning:
+            scan_mode_ = mode;
+            return 0;
+    }
+    return kRefused;
+}
+
+int ImageSensor::get_roi_offset(unsigned int& x, unsigned int& y) const {
+    x = roi_x_;
+    y = roi_y_;
+    return 0;
+}
+
+int ImageSensor::set_roi_offset(unsigned int x, unsigned int y) {
+    if (!is_on_grid(x, facts_.width, facts_.roi_grid) || !is_on_grid(y, facts_.height, facts_.roi_grid)) {
+        return kRefused;
+    }
+    roi_x_ = x;
+    roi_y_ = y;
+    return 0;
+}
+
+int ImageSensor::get_frames(unsigned long& count) const {
+    count = frames_;
+    return 0;
+}
+
+void ImageSensor::describe(Properties& properties, std::string const& name) {
+    properties.add_variable(name + ".colour", "variant: 0 monochrome, 1 colour", variant_, 0U, 1U);
+    properties.add(
+        name + ".gain", "0.1 dB, 0 to " + std::to_string(facts_.max_gain), [this] { return gain_; },
+        [this](unsigned int gain) { return set_gain(gain) == 0 ? Error() : Error("beyond the sensor's gain"); });
+    properties.add(name + ".roi.x", "left edge of the region of interest, pixels", [this] { return roi_x_; });
+    properties.add(name + ".roi.y", "upper edge of the region of interest, pixels", [this] { return roi_y_; });
+    properties.add(name + ".scan_mode", "0 normal, 1 subsampling, 2 binning", [this] { return scan_mode_; });
+    properties.add(name + ".frames", "frames taken since the start", [this] { return frames_; });
+}
+
+}  // namespace sim

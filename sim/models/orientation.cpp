@@ -1,0 +1,129 @@
+// How the device lies in space: set or turning by control, measured with noise.
+#include "sim/models/orientation.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace sim {
+
+namespace {
+
+constexpr double kFixedPoint = 16384.0;
+constexpr double kDegree = 3.14159265358979323846 / 180.0;  // in radians
+
+Rotation product(Rotation const& a, Rotation const& b) {
+    return {a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z, a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y,
+            a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x, a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w};
+}
+
+Rotation inverse(Rotation const& r) {
+    return {r.w, -r.x, -r.y, -r.z};
+}
+
+double length(double x, double y, double z) {
+    return std::sqrt(x * x + y * y + z * z);
+}
+
+// The rotation by the length of a vector, in radians, around its direction.
+Rotation turn_around(double x, double y, double z) {
+    double const angle = length(x, y, z);
+    if (angle == 0.0) {
+        return {};
+    }
+    double const scale = std::sin(angle / 2) / angle;
+    return {std::cos(angle / 2), x * scale, y * scale, z * scale};
+}
+
+// `part` (0-1) of the shortest way from one rotation to the other.
+Rotation between(Rotation const& from, Rotation const& to, double part) {
+    Rotation way = product(inverse(from), to);
+    if (way.w < 0) {
+        way = {-way.w, -way.x, -way.y, -way.z};
+    }
+    double const axis = length(way.x, way.y, way.z);
+    if (axis == 0.0) {
+        return to;
+    }
+    double const scale = part * 2 * std::atan2(axis, way.w) / axis;
+    return product(from, turn_around(way.x * scale, way.y * scale, way.z * scale));
+}
+
+// SplitMix64.
+std::uint64_t next_random(std::uint64_t& state) {
+    std::uint64_t z = state += 0x9E3779B97F4A7C15U;
+    z = (z ^ (z >> 30U)) * 0xBF58476D1CE4E5B9U;
+    z = (z ^ (z >> 27U)) * 0x94D049BB133111EBU;
+    return z ^ (z >> 31U);
+}
+
+// Of deviation 1: twelve even ones added up.
+double next_normal(std::uint64_t& state) {
+    double sum = -6.0;
+    for (int i = 0; i < 12; ++i) {
+        sum += static_cast<double>(next_random(state) >> 11U) / static_cast<double>(1ULL << 53U);
+    }
+    return sum;
+}
+
+std::int16_t fixed_point(double value) {
+    return static_cast<std::int16_t>(std::lround(value * kFixedPoint));
+}
+
+}  // namespace
+
+Rotation rotation_of(Angles const& angles) {
+    Rotation const yaw = turn_around(0, 0, angles.yaw * kDegree);
+    Rotation const pitch = turn_around(0, angles.pitch * kDegree, 0);
+    Rotation const roll = turn_around(angles.roll * kDegree, 0, 0);
+    return product(product(yaw, pitch), roll);
+}
+
+Angles angles_of(Rotation const& r) {
+    double const sine = std::clamp(2 * (r.w * r.y - r.z * r.x), -1.0, 1.0);
+    return {std::atan2(2 * (r.w * r.z + r.x * r.y), 1 - 2 * (r.y * r.y + r.z * r.z)) / kDegree,
+            std::asin(sine) / kDegree,
+            std::atan2(2 * (r.w * r.x + r.y * r.z), 1 - 2 * (r.x * r.x + r.y * r.y)) / kDegree};
+}
+
+Rotation rotation_of(hal::quaternion_s16_t const& sample) {
+    return {sample.w / kFixedPoint, sample.x / kFixedPoint, sample.y / kFixedPoint, sample.z / kFixedPoint};
+}
+
+double angle_between(Rotation const& one, Rotation const& other) {
+    Rotation const way = product(inverse(one), other);
+    return 2 * std::atan2(length(way.x, way.y, way.z), std::fabs(way.w)) / kDegree;
+}
+
+bool Orientation::tilt(Angles const& target, Time now, Duration over) {
+    bool const in_range =
+        std::fabs(target.yaw) <= 360 && std::fabs(target.pitch) <= 90 && std::fabs(target.roll) <= 360;
+    if (in_range) {
+        from_ = at(now);
+        to_ = rotation_of(target);
+        start_ = now;
+        over_ = over;
+    }
+    return in_range;
+}
+
+Rotation Orientation::at(Time now) const {
+    if (now >= start_ + over_) {
+        return to_;
+    }
+    double const passed = static_cast<double>((now - start_).count());
+    return between(from_, to_, std::max(0.0, passed) / static_cast<double>(over_.count()));
+}
+
+hal::quaternion_s16_t Orientation::measure(Time now) const {
+    double const deviation = noise_ * kDegree;
+    std::uint64_t random = seed_;
+    random = next_random(random) ^ static_cast<std::uint64_t>(now.count());
+    double const x = deviation * next_normal(random);
+    double const y = deviation * next_normal(random);
+    double const z = deviation * next_normal(random);
+    Rotation const measured = product(at(now), turn_around(x, y, z));
+    return {fixed_point(measured.x), fixed_point(measured.y), fixed_point(measured.z), fixed_point(measured.w),
+            static_cast<std::uint16_t>(std::lround(deviation * kFixedPoint))};
+}
+
+}  // namespace sim

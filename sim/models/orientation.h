@@ -1,0 +1,58 @@
+// How the device lies in space: set or turning by control, measured with noise.
+#pragma once
+
+#include <cstdint>
+
+#include "hal/quaternion.h"
+#include "sim/core/clock.h"
+
+namespace sim {
+
+struct Angles {
+    double yaw = 0.0;  // degrees, as all three
+    double pitch = 0.0;
+    double roll = 0.0;
+};
+
+// A rotation; of unit length.
+struct Rotation {
+    double w = 1.0;
+    double x = 0.0;
+    double y = 0.0;
+    double z = 0.0;
+};
+
+Rotation rotation_of(Angles const& angles);
+Angles angles_of(Rotation const& rotation);
+// What the sensor hub's sample stands for.
+Rotation rotation_of(hal::quaternion_s16_t const& sample);
+// The angle in degrees, 0-180, of the turn that leads from one rotation to the other.
+double angle_between(Rotation const& one, Rotation const& other);
+
+// Level at first. The noise depends on the seed and the time alone, so that every run measures the same.
+class Orientation {
+public:
+    // False, and nothing changes, where an angle is out of range: yaw and roll -360 to 360, pitch -90 to 90.
+    // Over a time the device turns evenly on the shortest way.
+    bool tilt(Angles const& target, Time now, Duration over = Duration(0));
+
+    Rotation at(Time now) const;
+    // As the hub measures it, in its fixed point.
+    hal::quaternion_s16_t measure(Time now) const;
+
+    // Standard deviation in degrees, around each of the three axes.
+    double noise() const { return noise_; }
+    void set_noise(double degrees) { noise_ = degrees; }
+    std::uint64_t seed() const { return seed_; }
+    void set_seed(std::uint64_t seed) { seed_ = seed; }
+
+private:
+    Rotation from_;
+    Rotation to_;
+    Time start_{0};
+    Duration over_{0};
+    double noise_ = 0.02;
+    std::uint64_t seed_ = 1;
+};
+
+}  // namespace sim

@@ -1,0 +1,92 @@
+// The ranging sensor: its settings, and what it measures of the scene.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <random>
+
+#include "hal/tof.h"
+#include "sim/core/clock.h"
+#include "sim/device/properties.h"
+#include "sim/models/scene.h"
+
+namespace sim {
+
+// Operations that return an int answer the sensor's status: 0, or what refuses them; then the old value stays.
+class Ranging {
+public:
+    using Resolution = hal::tof_t::Resolution;
+    using RangingMode = hal::tof_t::RangingMode;
+    using PowerMode = hal::tof_t::PowerMode;
+
+    static constexpr int kCrosstalkFailed = 4;
+    static constexpr int kInvalidParameter = 127;
+    static constexpr int kError = 255;
+
+    // What an object of the library keeps for itself.
+    struct Calibration {
+        unsigned short reflectance_percent = 3;
+        unsigned char samples = 4;
+        unsigned short distance_mm = 600;
+    };
+
+    // A frequency that the new resolution does not allow falls to the highest that it does.
+    int set_resolution(Resolution resolution);
+    Resolution resolution() const { return resolution_; }
+    int set_frequency(unsigned char hz);
+    unsigned char frequency() const { return frequency_hz_; }
+    int set_ranging_mode(RangingMode mode);
+    RangingMode ranging_mode() const { return mode_; }
+    int set_integration_time(unsigned int ms);
+    unsigned int integration_time() const { return integration_ms_; }
+    int set_power_mode(PowerMode mode);
+    PowerMode power_mode() const { return power_; }
+
+    static int check_reflectance(unsigned short percent);
+    static int check_samples(unsigned char samples);
+    static int check_distance(unsigned short mm);
+
+    // Blocking operations come in two: how long it takes, then, once that has passed, what comes of it.
+    // While the sensor sleeps it refuses them at once.
+    Duration shot_time(unsigned int measurements) const;
+    // The mean of so many measurements; 0 counts as 1, and no more than kMostMeasurements are made.
+    int shot(unsigned int measurements, VL53L5CX_ResultsData& results);
+    Duration calibration_time(Calibration const& calibration) const;
+    // Needs a flat target of that reflectance at that distance, each within a tenth.
+    int calibrate_crosstalk(Calibration const& calibration);
+    Duration module_test_time() const;
+    // Shines once and looks whether light comes through the illumination module.
+    int test_illumination_module(bool illumination_present) const;
+
+    void set_scene(Scene const& scene) { scene_ = scene; }
+    Scene const& scene() const { return scene_; }
+    void describe(Properties& properties);
+
+    static constexpr unsigned int kMostMeasurements = 32;
+
+private:
+    bool asleep() const { return power_ == PowerMode::sleep; }
+    Duration frame_time() const;
+    unsigned char highest_frequency() const;
+    double noise();
+    void measure(double right, double down, unsigned int measurements, unsigned int zone,
+                 VL53L5CX_ResultsData& results);
+
+    Resolution resolution_ = Resolution::zones_4x4;
+    unsigned char frequency_hz_ = 1;
+    RangingMode mode_ = RangingMode::autonomous;
+    unsigned int integration_ms_ = 5;
+    PowerMode power_ = PowerMode::wakeup;
+    bool compensated_ = false;  // of the cover's cross-talk
+
+    Scene scene_;
+    bool emitter_healthy_ = true;
+    double noise_ = 1.0;      // times the usual
+    double crosstalk_ = 2.0;  // percent by which the cover pulls a target at 4 m nearer
+    double ambient_ = 10.0;   // kcps/SPAD
+    double temperature_ = 30.0;
+    std::uint32_t seed_ = 1;
+    std::mt19937 random_{1};
+};
+
+}  // namespace sim
