@@ -38,7 +38,14 @@ Reply drive(Caller const& caller, Words const& words) {
 }
 
 Reply power(Caller const& caller, Words const& words) {
-    return words.size() == 1 ? Reply::of(caller.device.rtu.set_power(words.front())) : usage_error(kPowerUsage);
+    if (words.size() != 1) {
+        return usage_error(kPowerUsage);
+    }
+    if (words.front() != "24v" && words.front() != "poe") {
+        return Reply::error("a power source is 24v or poe");
+    }
+    caller.device.rtu.set_supply(words.front() == "24v" ? Supply::dc_24v : Supply::poe);
+    return Reply::done();
 }
 
 Error make_present(Nodes& nodes, std::string const& node, bool present) {

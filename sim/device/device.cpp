@@ -1,6 +1,8 @@
 // The virtual device: its whole state, one lock and one clock.
 #include "sim/device/device.h"
 
+#include "sim/device/describe.h"
+
 namespace sim {
 
 Device::Device(std::unique_ptr<FileSystem> files) : nodes(std::move(files)) {
@@ -43,17 +45,17 @@ void Device::describe() {
     properties.add("clock.mode", "how the time passes", [this] { return timeline.clock_setting(); });
     properties.add("camera.fitted", "fitted image sensor: 0 none, 1 IMX296, 2 IMX567",
                    [this] { return nodes.fitted_sensor(); });
-    system.describe(properties, time);
-    modules.describe(properties);
-    rtu.describe(properties);
-    imx296.describe(properties, "imx296");
-    imx567.describe(properties, "imx567");
-    illumination.describe(properties);
-    autofocus.describe(properties);
+    sim::describe(properties, system, time);
+    sim::describe(properties, modules);
+    sim::describe(properties, rtu);
+    sim::describe(properties, imx296, "imx296");
+    sim::describe(properties, imx567, "imx567");
+    sim::describe(properties, illumination);
+    sim::describe(properties, autofocus);
     properties.add("autofocus.doe.active", "whether it shines now",
                    [this] { return autofocus.doe_active(rtu.exposing()); });
-    ranging.describe(properties);
-    hub.describe(properties, time);
+    sim::describe(properties, ranging);
+    sim::describe(properties, hub, time);
     presses.describe(properties);
 }
 

@@ -35,17 +35,18 @@ public:
     // `get` answers a bool, an integer, an enumerator, a floating-point number or a text.
     template <typename Get>
     void add(std::string name, std::string help, Get get);
-    // `set` takes what `get` answers and returns an Error.
+    // `set` takes what `get` answers. It answers nothing, where it takes every value, or an Error.
     template <typename Get, typename Set>
     void add(std::string name, std::string help, Get get, Set set);
-    // A variable of the state that takes every value from `min` to `max`.
+    // `set` answers a status; one other than 0 is a refusal, which `refusal` explains.
+    template <typename Get, typename Set>
+    void add(std::string name, std::string help, Get get, Set set, std::string refusal);
+    // The same where `set` refuses what is outside of `min` to `max`.
+    template <typename Get, typename Set, typename T>
+    void add(std::string name, std::string help, Get get, Set set, T min, T max);
+    // A variable of the state that takes every value.
     template <typename T>
-    void add_variable(std::string name, std::string help, T& variable, T min, T max);
-    template <typename T>
-    void add_variable(std::string name, std::string help, T& variable) {
-        add_variable(std::move(name), std::move(help), variable, std::numeric_limits<T>::lowest(),
-                     std::numeric_limits<T>::max());
-    }
+    void add_variable(std::string name, std::string help, T& variable);
 
     Error set(std::string const& name, std::string const& text) const;
     // The properties whose name is `prefix` or begins with `prefix` and a dot; all for an empty one. As a table of
@@ -132,22 +133,37 @@ void Properties::add(std::string name, std::string help, Get get, Set set) {
     using T = std::decay_t<decltype(get())>;
     auto const set_text = [set](std::string const& text) -> Error {
         auto const value = parse_value<T>(text);
-        return value ? set(*value) : Error("not a value of this property: " + text);
+        if (!value) {
+            return "not a value of this property: " + text;
+        }
+        if constexpr (std::is_void_v<decltype(set(*value))>) {
+            set(*value);
+            return {};
+        } else {
+            return set(*value);
+        }
     };
     properties_[std::move(name)] = Property{std::move(help), [get] { return detail::to_value(get()); }, set_text};
 }
 
+template <typename Get, typename Set>
+void Properties::add(std::string name, std::string help, Get get, Set set, std::string refusal) {
+    using T = std::decay_t<decltype(get())>;
+    add(std::move(name), std::move(help), get,
+        [set, refusal = std::move(refusal)](T const& value) { return set(value) == 0 ? Error() : refusal; });
+}
+
+template <typename Get, typename Set, typename T>
+void Properties::add(std::string name, std::string help, Get get, Set set, T min, T max) {
+    add(std::move(name), std::move(help), get, set,
+        "out of range " + value_text(detail::to_value(min)) + " to " + value_text(detail::to_value(max)));
+}
+
 template <typename T>
-void Properties::add_variable(std::string name, std::string help, T& variable, T min, T max) {
-    auto const get = [&variable] { return variable; };
-    auto const set = [&variable, min, max](T value) -> Error {
-        if (value < min || value > max) {
-            return "out of range " + value_text(detail::to_value(min)) + " to " + value_text(detail::to_value(max));
-        }
-        variable = value;
-        return {};
-    };
-    add(std::move(name), std::move(help), get, set);
+void Properties::add_variable(std::string name, std::string help, T& variable) {
+    add(
+        std::move(name), std::move(help), [&variable] { return variable; },
+        [&variable](T const& value) { variable = value; });
 }
 
 }  // namespace sim

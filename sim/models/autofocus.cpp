@@ -69,6 +69,14 @@ unsigned short rounded(double value) {
 
 }  // namespace
 
+int Autofocus::set_device_type(std::string const& name) {
+    if (find_type(name) == nullptr) {
+        return refuse(EINVAL);
+    }
+    device_type_ = name;
+    return 0;
+}
+
 void Autofocus::advance(Time now) {
     if (now <= now_) {
         return;
@@ -145,7 +153,7 @@ int Autofocus::get_position_limits(unsigned short& min, unsigned short& max) con
 }
 
 int Autofocus::get_position_mm(unsigned short& position) const {
-    DeviceType const* const type = find_type(module.device_type);
+    DeviceType const* const type = find_type(device_type_);
     if (!module.table_filled || type == nullptr) {
         return refuse(ENODATA);
     }
@@ -154,7 +162,7 @@ int Autofocus::get_position_mm(unsigned short& position) const {
 }
 
 int Autofocus::set_position_mm(unsigned int position) {
-    DeviceType const* const type = find_type(module.device_type);
+    DeviceType const* const type = find_type(device_type_);
     if (!module.table_filled || type == nullptr) {
         return refuse(ENODATA);
     }
@@ -201,7 +209,7 @@ int Autofocus::calibrate() {
 
 void Autofocus::finish_calibration() {
     calibrated_at_.reset();
-    DeviceType const* const type = find_type(module.device_type);
+    DeviceType const* const type = find_type(device_type_);
     if (module.mirror_fitted && module.mirror_healthy && type != nullptr) {
         frequency_hz_ = type->frequency_hz;
     }
@@ -242,57 +250,6 @@ void Autofocus::set_maintenance_mode(bool enabled) {
     unsigned short max = 0;
     get_position_limits(min, max);
     go_to(std::clamp<double>(target_, min, max));
-}
-
-void Autofocus::describe(Properties& properties) {
-    properties.add_variable("autofocus.present", "whether the module is fitted", module.present);
-    properties.add(
-        "autofocus.device_type", "R47XXXX1, R47XXXX2 or R47XXXX3: whose table holds",
-        [this] { return module.device_type; },
-        [this](std::string const& name) -> Error {
-            if (find_type(name) == nullptr) {
-                return "not a device type";
-            }
-            module.device_type = name;
-            return {};
-        });
-    properties.add_variable("autofocus.link", "whether the module can be talked to", module.link_up);
-    properties.add_variable("autofocus.motor.free", "whether the motor can move; otherwise it is stuck",
-                            module.motor_free);
-    properties.add_variable("autofocus.mirror.fitted", "whether there is a mirror", module.mirror_fitted);
-    properties.add_variable("autofocus.mirror.healthy", "whether the mirror swings", module.mirror_healthy);
-    properties.add_variable("autofocus.table.filled", "whether there is a calibration table", module.table_filled);
-    properties.add("autofocus.position", "steps", [this] { return position_; });
-    properties.add(
-        "autofocus.target", "steps, where the motor goes", [this] { return static_cast<unsigned int>(target_); },
-        [this](unsigned int target) { return set_position(target) == 0 ? Error() : "the motor cannot go there now"; });
-    properties.add("autofocus.moving", "whether the motor is on its way", [this] { return moving(); });
-    properties.add("autofocus.calibrating", "whether the calibration runs", [this] { return calibrating(); });
-    properties.add("autofocus.frequency", "Hz, that the calibration found; 0: none",
-                   [this] { return frequency_hz_.value_or(0); });
-    properties.add_variable("autofocus.doe.mode", "0 disabled, 1 enabled and off by the trigger", doe_mode_,
-                            hal::doe_mode_te::disabled, hal::doe_mode_te::off_by_trigger);
-    properties.add_variable("autofocus.doe.forced", "active whatever its mode", doe_forced_);
-    properties.add(
-        "autofocus.maintenance", "the limits are the mechanical stops", [this] { return maintenance_; },
-        [this](bool enabled) -> Error {
-            set_maintenance_mode(enabled);
-            return {};
-        });
-    properties.add("autofocus.error.no_valid_frequency", "no calibration has found one",
-                   [this] { return errors().no_valid_frequency; });
-    properties.add("autofocus.error.initialization", "the reset did not reach its end",
-                   [this] { return errors().initialization_error; });
-    properties.add("autofocus.error.motor_stuck", "no motion for 500 ms", [this] { return errors().motor_stuck; });
-    properties.add("autofocus.error.target_unreachable", "the last position was refused",
-                   [this] { return errors().target_unreachable; });
-    properties.add("autofocus.error.mirror_failure", "the calibration found the mirror bad",
-                   [this] { return errors().mirror_failure; });
-    properties.add("autofocus.error.no_mirror", "there is no mirror", [this] { return errors().no_mirror; });
-    properties.add("autofocus.error.communication", "the module could not be talked to",
-                   [this] { return errors().communication_error; });
-    properties.add("autofocus.error.empty_table", "there is no calibration table",
-                   [this] { return errors().empty_calibration_table; });
 }
 
 }  // namespace sim

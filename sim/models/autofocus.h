@@ -6,7 +6,6 @@
 
 #include "hal/autofocus.h"
 #include "sim/core/clock.h"
-#include "sim/device/properties.h"
 
 namespace sim {
 
@@ -25,7 +24,6 @@ public:
     // What the module is and how well its parts are; set by hand.
     struct Module {
         bool present = true;
-        std::string device_type = "R47XXXX1";
         bool link_up = true;
         bool motor_free = true;
         bool mirror_fitted = true;
@@ -35,14 +33,22 @@ public:
 
     Module module;
 
+    // The word of the type whose table holds; EINVAL for a word that is none.
+    int set_device_type(std::string const& name);
+    std::string const& device_type() const { return device_type_; }
+
     void advance(Time now);
 
     // Whether it can be reached at all: ENODEV, EIO. The operations below take that as given.
     int answer();
 
     int get_position(unsigned short& position) const;
+    // Steps, also on the way between two.
+    double position() const { return position_; }
     // Returns at once; the motor goes there. EBUSY during reset and calibration, ERANGE beyond the limits.
     int set_position(unsigned int position);
+    // Where the motor goes, in steps.
+    unsigned int target() const { return static_cast<unsigned int>(target_); }
     // Maintenance mode takes the limits back to the mechanical stops.
     int get_position_limits(unsigned short& min, unsigned short& max) const;
     // Millimetres by the table of the fitted device type, which none are set beyond; ENODATA where it is empty.
@@ -57,25 +63,28 @@ public:
     int calibrate();
     // Hz; ENODATA until a calibration has found it.
     int get_calibration_frequency(unsigned short& frequency_hz) const;
+    std::optional<unsigned short> calibration_frequency() const { return frequency_hz_; }
     hal::af_error errors() const;
 
     int set_doe_mode(hal::doe_mode_te mode);
+    hal::doe_mode_te doe_mode() const { return doe_mode_; }
     void set_doe_force_active(bool active) { doe_forced_ = active; }
+    bool doe_forced() const { return doe_forced_; }
     // Enabled it is off while a trigger's exposure lasts; forced it is always on.
     bool doe_active(bool exposing) const;
     // Leaving it drives the motor back between the limits.
     void set_maintenance_mode(bool enabled);
+    bool maintenance_mode() const { return maintenance_; }
 
     bool moving() const { return target_ != position_; }
     bool calibrating() const { return calibrated_at_.has_value(); }
-
-    void describe(Properties& properties);
 
 private:
     void move(Duration length);
     void finish_calibration();
     void go_to(double target);
 
+    std::string device_type_ = "R47XXXX1";
     Time now_{0};
     double position_ = kLowestAllowed;
     double target_ = kLowestAllowed;

@@ -2,7 +2,8 @@
 #include "sim/models/digital_io.h"
 
 #include <algorithm>
-#include <string>
+
+#include "sim/models/refusal.h"
 
 namespace sim {
 
@@ -11,8 +12,6 @@ namespace {
 using config_t = hal::dio_pin_config_t;
 using func_t = config_t::pin_func;
 using type_t = config_t::pin_type;
-
-constexpr int kRefused = -1;
 
 template <typename Enum>
 bool is_between(Enum value, Enum first, Enum last) {
@@ -62,7 +61,7 @@ bool DigitalIo::Pin::value() const {
 
 int DigitalIo::set_config(unsigned char pin, config_t const& config) {
     if (pin >= kPins || !is_valid(config)) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     Pin& configured = pins_[pin];
     configured.config = config;
@@ -73,7 +72,7 @@ int DigitalIo::set_config(unsigned char pin, config_t const& config) {
 
 int DigitalIo::get_config(unsigned char pin, config_t& config) const {
     if (pin >= kPins) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     config = pins_[pin].config;
     return 0;
@@ -81,7 +80,7 @@ int DigitalIo::get_config(unsigned char pin, config_t& config) const {
 
 int DigitalIo::set_value(unsigned char pin, bool value, Time now) {
     if (pin >= kPins || pins_[pin].config.func != func_t::output) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     pins_[pin].command = value;
     apply(pins_[pin], now);
@@ -90,7 +89,7 @@ int DigitalIo::set_value(unsigned char pin, bool value, Time now) {
 
 int DigitalIo::get_value(unsigned char pin, bool& value) const {
     if (pin >= kPins) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     value = powered_ && pins_[pin].value();
     return 0;
@@ -182,40 +181,22 @@ bool DigitalIo::first_value_of(func_t func) const {
     return found != pins_.end() && found->value();
 }
 
-std::string DigitalIo::terminal(Pin const& pin) const {
+DigitalIo::Terminal DigitalIo::terminal(unsigned char number) const {
+    Pin const& pin = pins_[number];
     if (pin.is_input()) {
-        return pin.wire ? "high" : "low";
+        return pin.wire ? Terminal::high : Terminal::low;
     }
     if (!powered_) {
-        return "open";
+        return Terminal::open;
     }
     switch (pin.config.type) {
         case type_t::npn:
-            return pin.value() ? "low" : "open";
+            return pin.value() ? Terminal::low : Terminal::open;
         case type_t::pnp:
-            return pin.value() ? "high" : "open";
+            return pin.value() ? Terminal::high : Terminal::open;
         default:
-            return pin.value() ? "high" : "low";
+            return pin.value() ? Terminal::high : Terminal::low;
     }
-}
-
-void DigitalIo::describe(Properties& properties) {
-    for (unsigned char number = 0; number < kPins; ++number) {
-        Pin& pin = pins_[number];
-        std::string const name = "dio." + std::to_string(number);
-        properties.add(name + ".type", "0 npn, 1 pnp, 2 push-pull", [&pin] { return pin.config.type; });
-        properties.add(name + ".func",
-                       "0 output, 1 illumination output, 2 input, 3 trigger input, 4 and 5 encoder A and B",
-                       [&pin] { return pin.config.func; });
-        properties.add(name + ".contact", "0 normally open, 1 normally closed", [&pin] { return pin.config.config; });
-        properties.add(name + ".invert", "whether the pin is inverted", [&pin] { return pin.config.invert; });
-        properties.add(name + ".command", "value that was set for the output", [&pin] { return pin.command; });
-        properties.add(name + ".value", "value that is read from the pin",
-                       [this, number] { return values().test(number); });
-        properties.add(name + ".terminal", "low, high or open: the wire of an input, the driver of an output",
-                       [this, &pin] { return terminal(pin); });
-    }
-    properties.add("dio.encoder", "position of the quadrature encoder, edges", [this] { return encoder_position_; });
 }
 
 }  // namespace sim

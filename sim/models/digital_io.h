@@ -7,7 +7,6 @@
 
 #include "hal/dio_pin_config.h"
 #include "sim/core/clock.h"
-#include "sim/device/properties.h"
 #include "sim/models/pin_timer.h"
 
 namespace sim {
@@ -17,11 +16,14 @@ namespace sim {
 // its command, that of an illumination output the exposure, and here contact logic and inversion turn the result
 // round. The type (npn, pnp, push-pull) decides how an output drives its terminal.
 //
-// Operations refuse (-1) pins above 5 and what a pin cannot do, and keep the old value. Times given to them
+// Operations refuse (-1, EINVAL) pins above 5 and what a pin cannot do, and keep the old value. Times given to them
 // never go backwards, and what is due must have been carried out (change()) before.
 class DigitalIo {
 public:
     static constexpr unsigned char kPins = 6;
+
+    // What the terminal of a pin carries: the wire of an input, the driver of an output.
+    enum class Terminal { low, high, open };
 
     int set_config(unsigned char pin, hal::dio_pin_config_t const& config);
     int get_config(unsigned char pin, hal::dio_pin_config_t& config) const;
@@ -30,6 +32,13 @@ public:
     // Without power every pin reads false.
     int get_value(unsigned char pin, bool& value) const;
     std::bitset<kPins> values() const;
+    // These three take one of the six pins.
+    hal::dio_pin_config_t const& config(unsigned char pin) const { return pins_[pin].config; }
+    // The value that was set for the output.
+    bool command(unsigned char pin) const { return pins_[pin].command; }
+    Terminal terminal(unsigned char pin) const;
+    // Of the quadrature encoder, in edges.
+    long long encoder_position() const { return encoder_position_; }
 
     void set_powered(bool powered);
     bool powered() const { return powered_; }
@@ -43,8 +52,6 @@ public:
     std::optional<Time> next_change() const;
     // Carries that change out. Returns how many trigger inputs became active.
     unsigned int change();
-
-    void describe(Properties& properties);
 
 private:
     struct Pin {
@@ -64,7 +71,6 @@ private:
     void count_quadrature();
     void settle_quadrature();
     bool first_value_of(hal::dio_pin_config_t::pin_func func) const;
-    std::string terminal(Pin const& pin) const;
 
     std::array<Pin, kPins> pins_;
     bool powered_ = true;

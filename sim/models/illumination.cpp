@@ -5,7 +5,6 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
-#include <numeric>
 
 #include "sim/models/refusal.h"
 
@@ -22,9 +21,6 @@ constexpr double kSettled = 20.0 * kOuterTimeConstant;
 constexpr unsigned int kLongestTripleFlash = 200;   // us
 constexpr unsigned int kLongestDoubleFlash = 1000;  // us
 
-constexpr double kColdest = -40.0;  // C, that can be set by hand
-constexpr double kHottest = 125.0;
-
 constexpr std::uint32_t kLightRanges[] = {0x40, 0x80, 0xC0};
 constexpr std::uint32_t kFlashMode = 0x10;
 constexpr std::uint32_t kContinuousMode = 0x30;
@@ -37,8 +33,18 @@ int write(unsigned int& setting, unsigned int value, Limits const& limits) {
     return 0;
 }
 
-int write_protected_setting(bool write_protected, unsigned int& setting, unsigned int value, Limits const& limits) {
-    return write_protected ? refuse(EPERM) : write(setting, value, limits);
+// The setting that holds the share of a colour.
+Illumination::Setting setting_of(Illumination::Colour colour) {
+    using Setting = Illumination::Setting;
+    return colour == Illumination::red ? Setting::red : colour == Illumination::green ? Setting::green : Setting::blue;
+}
+
+int set_temperature(double& variable, double temperature) {
+    if (!(temperature >= Illumination::kColdest && temperature <= Illumination::kHottest)) {
+        return refuse(EINVAL);
+    }
+    variable = temperature;
+    return 0;
 }
 
 double approach(double from, double to, double seconds, double time_constant) {
@@ -88,8 +94,8 @@ void Illumination::advance(Time now, ExposureSignal const& signal) {
     now_ = now;
     watch_temperature();
     while (rest > 0.0) {
-        double const mark = too_hot_ ? off_limit_ - static_cast<double>(decrease_) : off_limit_;
-        double const goal = ambient_temperature + load() * kFullLoadRise;
+        double const mark = too_hot_ ? light_again() : ot_off_limit();
+        double const goal = ambient_ + load() * kFullLoadRise;
         double const change = time_to_reach(mark, inside_, goal, kInnerTimeConstant);
         pass(std::min(rest, change));
         if (change < rest) {
@@ -103,21 +109,59 @@ void Illumination::advance(Time now, ExposureSignal const& signal) {
 
 void Illumination::pass(double seconds) {
     double const heat = load();
-    inside_ = approach(inside_, ambient_temperature + heat * kFullLoadRise, seconds, kInnerTimeConstant);
-    outside_ = approach(outside_, ambient_temperature + heat * kFullLoadOuterRise, seconds, kOuterTimeConstant);
+    inside_ = approach(inside_, ambient_ + heat * kFullLoadRise, seconds, kInnerTimeConstant);
+    outside_ = approach(outside_, ambient_ + heat * kFullLoadOuterRise, seconds, kOuterTimeConstant);
+}
+
+double Illumination::light_again() const {
+    return static_cast<double>(ot_off_limit()) - limit_ot_decrease();
 }
 
 void Illumination::watch_temperature() {
-    if (inside_ >= off_limit_) {
+    if (inside_ >= ot_off_limit()) {
         too_hot_ = true;
-    } else if (inside_ <= off_limit_ - static_cast<double>(decrease_)) {
+    } else if (inside_ <= light_again()) {
         too_hot_ = false;
     }
 }
 
-void Illumination::set_internal_temperature(double temperature) {
-    inside_ = temperature;
+int Illumination::set_internal_temperature(double temperature) {
+    int const status = set_temperature(inside_, temperature);
     watch_temperature();
+    return status;
+}
+
+int Illumination::set_external_temperature(double temperature) {
+    return set_temperature(outside_, temperature);
+}
+
+int Illumination::set_ambient_temperature(double temperature) {
+    return set_temperature(ambient_, temperature);
+}
+
+Limits const& Illumination::limits_of(Setting setting) {
+    switch (setting) {
+        case Setting::segments:
+            return kSegmentLimits;
+        case Setting::red:
+        case Setting::green:
+        case Setting::blue:
+            return kColourLimits;
+        case Setting::ot_off_limit:
+            return kOffLimits;
+        case Setting::ot_decrease:
+            return kDecreaseLimits;
+        default:
+            return kBrightnessLimits;
+    }
+}
+
+int Illumination::put(Setting setting, unsigned int value) {
+    return write(settings_[static_cast<std::size_t>(setting)], value, limits_of(setting));
+}
+
+int Illumination::put_protected(Setting setting, unsigned int value) {
+    return write_protected_ ? refuse(EPERM) : put(setting, value);
 }
 
 int Illumination::answer() const {
@@ -133,22 +177,22 @@ int Illumination::set_pattern(hal::light_pattern_te pattern) {
 }
 
 int Illumination::set_segments(unsigned int mask) {
-    return write(segments_, mask, kSegmentLimits);
+    return put(Setting::segments, mask);
 }
 
 int Illumination::set_brightness(unsigned int brightness) {
-    return write(brightness_, brightness, kBrightnessLimits);
+    return put(Setting::brightness, brightness);
 }
 
 int Illumination::set_colour(Colour colour, unsigned int percent) {
-    return module.rgbw ? write(colours_[colour], percent, kColourLimits) : refuse(ENOTSUP);
+    return module.rgbw ? put(setting_of(colour), percent) : refuse(ENOTSUP);
 }
 
 int Illumination::get_colour(Colour colour, unsigned int& percent) const {
     if (!module.rgbw) {
         return refuse(ENOTSUP);
     }
-    percent = colours_[colour];
+    percent = setting(setting_of(colour));
     return 0;
 }
 
@@ -161,19 +205,19 @@ int Illumination::get_colour_limits(Limits& limits) const {
 }
 
 int Illumination::set_dc_brightness_limit(unsigned int limit) {
-    return write_protected_setting(write_protected_, dc_limit_, limit, kBrightnessLimits);
+    return put_protected(Setting::dc_limit, limit);
 }
 
 int Illumination::set_flash_brightness_limit(unsigned int limit) {
-    return write_protected_setting(write_protected_, flash_limit_, limit, kBrightnessLimits);
+    return put_protected(Setting::flash_limit, limit);
 }
 
 int Illumination::set_ot_off_limit(unsigned int limit) {
-    return write_protected_setting(write_protected_, off_limit_, limit, kOffLimits);
+    return put_protected(Setting::ot_off_limit, limit);
 }
 
 int Illumination::set_limit_ot_decrease(unsigned int kelvin) {
-    return write_protected_setting(write_protected_, decrease_, kelvin, kDecreaseLimits);
+    return put_protected(Setting::ot_decrease, kelvin);
 }
 
 int Illumination::set_guards(hal::illu_guards guards) {
@@ -231,9 +275,14 @@ unsigned int Illumination::overdrive() const {
 }
 
 bool Illumination::lit() const {
-    bool const any = brightness_ > 0 || std::any_of(colours_, colours_ + kColours, [](auto c) { return c > 0; });
+    bool const any = brightness() + colours() > 0;
     bool const switched_off = too_hot_ && guards_.over_temperature;
-    return module.present && mode_ == hal::illumination_mode_te::active && segments_ != 0 && any && !switched_off;
+    return module.present && mode_ == hal::illumination_mode_te::active && segments() != 0 && any && !switched_off;
+}
+
+// Percent, of the three together.
+unsigned int Illumination::colours() const {
+    return setting(Setting::red) + setting(Setting::green) + setting(Setting::blue);
 }
 
 // White and colours share one supply: together they cannot make more heat than full white.
@@ -241,12 +290,13 @@ double Illumination::load() const {
     if (!lit()) {
         return 0.0;
     }
-    double const highest = static_cast<double>(flashing() ? flash_limit_ : dc_limit_) / kBrightnessLimits.max;
-    double const white = std::min(highest, static_cast<double>(brightness_) / kBrightnessLimits.max);
-    double const sum = std::accumulate(colours_, colours_ + kColours, 0.0);
+    unsigned int const limit = flashing() ? flash_brightness_limit() : dc_brightness_limit();
+    double const highest = static_cast<double>(limit) / kBrightnessLimits.max;
+    double const white = std::min(highest, static_cast<double>(brightness()) / kBrightnessLimits.max);
+    double const sum = colours();
     double const coloured = module.rgbw ? std::min(highest, sum / (kColours * kColourLimits.max)) : 0.0;
     unsigned int on = 0;
-    for (unsigned int mask = segments_; mask != 0; mask >>= 1) {
+    for (unsigned int mask = segments(); mask != 0; mask >>= 1) {
         on += mask & 1;
     }
     double const light = std::min(1.0, white + coloured) * on / 4.0;
@@ -258,7 +308,7 @@ hal::spot_states Illumination::states() const {
     states.light_range = kLightRanges[overdrive() - 1];
     states.operating_mode = flashing() ? kFlashMode : kContinuousMode;
     for (unsigned int i = 0; i < 4; ++i) {
-        states.segments[i] = lit() && (segments_ >> i & 1) != 0;
+        states.segments[i] = lit() && (segments() >> i & 1) != 0;
     }
     return states;
 }
@@ -279,72 +329,6 @@ hal::spot_flags Illumination::flags() const {
 
 hal::illu_error_code Illumination::error_code() const {
     return static_cast<hal::illu_error_code>(gravest(flags()));
-}
-
-void Illumination::describe(Properties& properties) {
-    auto const add_temperature = [&](char const* name, char const* help, double const& variable,
-                                     void (Illumination::*set)(double)) {
-        properties.add(
-            name, help, [&variable] { return variable; },
-            [this, set](double temperature) -> Error {
-                if (temperature < kColdest || temperature > kHottest) {
-                    return "out of range";
-                }
-                (this->*set)(temperature);
-                return {};
-            });
-    };
-    properties.add_variable("illumination.present", "whether the module is fitted", module.present);
-    properties.add_variable("illumination.rgbw", "whether it has colours; otherwise it is white", module.rgbw);
-    add_temperature("illumination.temperature.internal", "C, inside, -40 to 125; set: goes on from there", inside_,
-                    &Illumination::set_internal_temperature);
-    add_temperature("illumination.temperature.external", "C, outside, -40 to 125; set: goes on from there", outside_,
-                    &Illumination::set_external_temperature);
-    properties.add_variable("illumination.temperature.ambient", "C, of the surroundings, -40 to 125",
-                            ambient_temperature, kColdest, kHottest);
-    properties.add_variable("illumination.flags.low_power", "set by hand", disturbances.low_power);
-    properties.add_variable("illumination.flags.driver_error", "set by hand", disturbances.driver_error);
-    properties.add_variable("illumination.flags.calibration_error", "set by hand", disturbances.calibration_error);
-    properties.add_variable("illumination.flags.dvsc", "set by hand", disturbances.dvsc);
-    properties.add_variable("illumination.flags.bc", "set by hand", disturbances.bc);
-    properties.add("illumination.flags.trigger_overflow", "the flash is longer than the triggers are apart",
-                   [this] { return flags().trigger_overflow; });
-    properties.add("illumination.flags.over_temperature", "from the off limit until it has cooled by the decrease",
-                   [this] { return too_hot_; });
-    properties.add("illumination.error_code", "number of the gravest flag; 0: none", [this] { return error_code(); });
-    properties.add("illumination.lit", "whether it gives light", [this] { return lit(); });
-    properties.add("illumination.load", "heat that it makes, as a share of full light: 0-1", [this] { return load(); });
-    properties.add("illumination.exposure.mode", "0 continuous, 65534 flash, 65535 switch",
-                   [this] { return exposure_mode_; });
-    properties.add("illumination.exposure.time", "us, of the flash", [this] { return flash_time_; });
-    properties.add(
-        "illumination.pattern", "0 continuous, 65535 strobe", [this] { return pattern_; },
-        [this](hal::light_pattern_te pattern) { return set_pattern(pattern) == 0 ? Error() : "not a pattern"; });
-    properties.add_variable("illumination.mode", "0 inactive, 1 active", mode_, hal::illumination_mode_te::inactive,
-                            hal::illumination_mode_te::active);
-    auto const add_number = [&](char const* name, char const* help, unsigned int& setting, Limits const& limits) {
-        properties.add_variable(name, help, setting, limits.min, limits.max);
-    };
-    add_number("illumination.segments", "mask, one bit per segment, 0-15", segments_, kSegmentLimits);
-    add_number("illumination.brightness.total", "0-14", brightness_, kBrightnessLimits);
-    add_number("illumination.brightness.red", "percent", colours_[red], kColourLimits);
-    add_number("illumination.brightness.green", "percent", colours_[green], kColourLimits);
-    add_number("illumination.brightness.blue", "percent", colours_[blue], kColourLimits);
-    add_number("illumination.limit.dc", "highest brightness of steady light, 0-14", dc_limit_, kBrightnessLimits);
-    add_number("illumination.limit.flash", "highest brightness of a flash, 0-14", flash_limit_, kBrightnessLimits);
-    add_number("illumination.limit.ot_off", "C, at which the guard switches the light off, 40-100", off_limit_,
-               kOffLimits);
-    add_number("illumination.limit.ot_decrease", "K below that limit, at which the light comes back, 1-30", decrease_,
-               kDecreaseLimits);
-    properties.add_variable("illumination.write_protection",
-                            "the library's limits and guards are refused while it is on", write_protected_);
-    properties.add_variable("illumination.guards.ot", "over-temperature guard", guards_.over_temperature);
-    properties.add_variable("illumination.guards.dvs", "kept, without effect", guards_.dvs);
-    properties.add_variable("illumination.guards.autocal", "kept, without effect", guards_.autocal);
-    properties.add_variable("illumination.guards.pvd", "kept, without effect", guards_.pvd);
-    properties.add_variable("illumination.led.red", "indicator LED", leds_[red_led]);
-    properties.add_variable("illumination.led.green", "indicator LED", leds_[green_led]);
-    properties.add_variable("illumination.led.alter", "indicator LED", leds_[alter_led]);
 }
 
 }  // namespace sim

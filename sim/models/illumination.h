@@ -1,9 +1,11 @@
 // The illumination module: what it is told to shine, what it really shines, and how warm it gets from that.
 #pragma once
 
+#include <array>
+#include <cstddef>
+
 #include "hal/illumination.h"
 #include "sim/core/clock.h"
-#include "sim/device/properties.h"
 
 namespace sim {
 
@@ -36,6 +38,10 @@ public:
 
     enum Colour { red, green, blue, kColours };
     enum Led { red_led, green_led, alter_led, kLeds };
+    // The settings that are numbers.
+    enum class Setting { segments, brightness, red, green, blue, dc_limit, flash_limit, ot_off_limit, ot_decrease };
+    static constexpr double kColdest = -40.0;  // C, that a temperature can be set to
+    static constexpr double kHottest = 125.0;
 
     // What the module is; set by hand.
     struct Module {
@@ -52,7 +58,6 @@ public:
     };
 
     Module module;
-    double ambient_temperature = 25.0;
     Disturbances disturbances;
 
     // `signal` is what came since the last call.
@@ -64,9 +69,9 @@ public:
     int set_pattern(hal::light_pattern_te pattern);
     hal::light_pattern_te pattern() const { return pattern_; }
     int set_segments(unsigned int mask);
-    unsigned int segments() const { return segments_; }
+    unsigned int segments() const { return setting(Setting::segments); }
     int set_brightness(unsigned int brightness);
-    unsigned int brightness() const { return brightness_; }
+    unsigned int brightness() const { return setting(Setting::brightness); }
     // ENOTSUP where the module is white.
     int set_colour(Colour colour, unsigned int percent);
     int get_colour(Colour colour, unsigned int& percent) const;
@@ -80,11 +85,17 @@ public:
     int set_ot_off_limit(unsigned int limit);
     int set_limit_ot_decrease(unsigned int kelvin);
     int set_guards(hal::illu_guards guards);
-    unsigned int dc_brightness_limit() const { return dc_limit_; }
-    unsigned int flash_brightness_limit() const { return flash_limit_; }
-    unsigned int ot_off_limit() const { return off_limit_; }
-    unsigned int limit_ot_decrease() const { return decrease_; }
+    unsigned int dc_brightness_limit() const { return setting(Setting::dc_limit); }
+    unsigned int flash_brightness_limit() const { return setting(Setting::flash_limit); }
+    unsigned int ot_off_limit() const { return setting(Setting::ot_off_limit); }
+    unsigned int limit_ot_decrease() const { return setting(Setting::ot_decrease); }
     hal::illu_guards guards() const { return guards_; }
+
+    unsigned int setting(Setting setting) const { return settings_[static_cast<std::size_t>(setting)]; }
+    static Limits const& limits_of(Setting setting);
+    // By hand, past the write protection and the kind of the module: EINVAL beyond the limits.
+    int put(Setting setting, unsigned int value);
+    void put_guards(hal::illu_guards guards) { guards_ = guards; }
 
     void set_led(Led led, bool enabled) { leds_[led] = enabled; }
     bool led(Led led) const { return leds_[led]; }
@@ -106,17 +117,21 @@ public:
     double load() const;
     double internal_temperature() const { return inside_; }
     double external_temperature() const { return outside_; }
-    // Puts it to a temperature, from which it goes on by itself.
-    void set_internal_temperature(double temperature);
-    void set_external_temperature(double temperature) { outside_ = temperature; }
-
-    void describe(Properties& properties);
+    double ambient_temperature() const { return ambient_; }
+    // Put it to a temperature, from which it goes on by itself: EINVAL beyond kColdest and kHottest.
+    int set_internal_temperature(double temperature);
+    int set_external_temperature(double temperature);
+    // Of the surroundings; the same limits.
+    int set_ambient_temperature(double temperature);
 
 private:
+    unsigned int colours() const;
     bool flashing() const;
     double duty() const;
     unsigned int overdrive() const;
+    int put_protected(Setting setting, unsigned int value);
     void pass(double seconds);
+    double light_again() const;  // C, at which a light that was too hot comes back
     void watch_temperature();
 
     Time now_{0};
@@ -125,16 +140,13 @@ private:
     hal::illumination_mode_te mode_ = hal::illumination_mode_te::active;
     hal::exposure_mode exposure_mode_ = hal::exposure_mode::continuous;
     unsigned int flash_time_ = 0;  // us
-    unsigned int segments_ = kSegmentLimits.max;
-    unsigned int brightness_ = 0;
-    unsigned int colours_[kColours] = {};
+    // In the order of Setting.
+    std::array<unsigned int, 9> settings_{kSegmentLimits.max,    0,  0, 0, 0, kBrightnessLimits.max,
+                                          kBrightnessLimits.max, 85, 10};
     bool leds_[kLeds] = {};
     bool write_protected_ = true;
-    unsigned int dc_limit_ = kBrightnessLimits.max;
-    unsigned int flash_limit_ = kBrightnessLimits.max;
-    unsigned int off_limit_ = 85;
-    unsigned int decrease_ = 10;
     hal::illu_guards guards_{true, true, true, true};
+    double ambient_ = 25.0;
     double inside_ = 25.0;
     double outside_ = 25.0;
     bool too_hot_ = false;  // from the off limit until the temperature has fallen by the decrease

@@ -1,14 +1,14 @@
 // One image sensor: gain, region of interest, scan mode and the frames that it took.
 #include "sim/models/image_sensor.h"
 
+#include "sim/models/refusal.h"
+
 namespace sim {
 
 namespace {
 
 constexpr SensorFacts kImx296{hal::imx_te::imx296, 1456, 1088, 4, 480, 30, 15'500'000, 60};
 constexpr SensorFacts kImx567{hal::imx_te::imx567, 2472, 2064, 8, 480, 1, 100'000'000, 96};
-
-constexpr int kRefused = -1;
 
 // The region keeps at least one cell of the grid.
 bool is_on_grid(unsigned int offset, unsigned int size, unsigned int grid) {
@@ -30,6 +30,14 @@ int ImageSensor::get_variant(unsigned int& variant) const {
     return 0;
 }
 
+int ImageSensor::set_variant(unsigned int variant) {
+    if (variant > kMaxVariant) {
+        return refuse(EINVAL);
+    }
+    variant_ = variant;
+    return 0;
+}
+
 int ImageSensor::get_gain(unsigned int& gain) const {
     gain = gain_;
     return 0;
@@ -37,7 +45,7 @@ int ImageSensor::get_gain(unsigned int& gain) const {
 
 int ImageSensor::set_gain(unsigned int gain) {
     if (gain > facts_.max_gain) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     gain_ = gain;
     return 0;
@@ -56,7 +64,7 @@ int ImageSensor::set_scan_mode(hal::roi_te mode) {
             scan_mode_ = mode;
             return 0;
     }
-    return kRefused;
+    return refuse(EINVAL);
 }
 
 int ImageSensor::get_roi_offset(unsigned int& x, unsigned int& y) const {
@@ -67,7 +75,7 @@ int ImageSensor::get_roi_offset(unsigned int& x, unsigned int& y) const {
 
 int ImageSensor::set_roi_offset(unsigned int x, unsigned int y) {
     if (!is_on_grid(x, facts_.width, facts_.roi_grid) || !is_on_grid(y, facts_.height, facts_.roi_grid)) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     roi_x_ = x;
     roi_y_ = y;
@@ -77,17 +85,6 @@ int ImageSensor::set_roi_offset(unsigned int x, unsigned int y) {
 int ImageSensor::get_frames(unsigned long& count) const {
     count = frames_;
     return 0;
-}
-
-void ImageSensor::describe(Properties& properties, std::string const& name) {
-    properties.add_variable(name + ".colour", "variant: 0 monochrome, 1 colour", variant_, 0U, 1U);
-    properties.add(
-        name + ".gain", "0.1 dB, 0 to " + std::to_string(facts_.max_gain), [this] { return gain_; },
-        [this](unsigned int gain) { return set_gain(gain) == 0 ? Error() : Error("beyond the sensor's gain"); });
-    properties.add(name + ".roi.x", "left edge of the region of interest, pixels", [this] { return roi_x_; });
-    properties.add(name + ".roi.y", "upper edge of the region of interest, pixels", [this] { return roi_y_; });
-    properties.add(name + ".scan_mode", "0 normal, 1 subsampling, 2 binning", [this] { return scan_mode_; });
-    properties.add(name + ".frames", "frames taken since the start", [this] { return frames_; });
 }
 
 }  // namespace sim

@@ -1,10 +1,7 @@
 // One image sensor: gain, region of interest, scan mode and the frames that it took.
 #pragma once
 
-#include <string>
-
 #include "hal/types.h"
-#include "sim/device/properties.h"
 
 namespace sim {
 
@@ -23,28 +20,33 @@ struct SensorFacts {
 SensorFacts const& imx296_facts();
 SensorFacts const& imx567_facts();
 
-// Setters refuse (-1) what the sensor cannot do and keep the old value.
+// Setters refuse (-1, EINVAL) what the sensor cannot do and keep the old value.
 class ImageSensor {
 public:
     explicit ImageSensor(SensorFacts const& facts) : facts_(facts) {}
 
     SensorFacts const& facts() const { return facts_; }
 
+    static constexpr unsigned int kMaxVariant = 1;
+
     int get_variant(unsigned int& variant) const;  // 0 monochrome, 1 colour
-    int get_gain(unsigned int& gain) const;        // tenths of a decibel
+    unsigned int variant() const { return variant_; }
+    int set_variant(unsigned int variant);
+    int get_gain(unsigned int& gain) const;  // tenths of a decibel
+    unsigned int gain() const { return gain_; }
     int set_gain(unsigned int gain);
     int get_scan_mode(hal::roi_te& mode) const;
+    hal::roi_te scan_mode() const { return scan_mode_; }
     int set_scan_mode(hal::roi_te mode);
     // Upper left corner, on the sensor's grid and inside its array.
     int get_roi_offset(unsigned int& x, unsigned int& y) const;
+    unsigned int roi_x() const { return roi_x_; }
+    unsigned int roi_y() const { return roi_y_; }
     int set_roi_offset(unsigned int x, unsigned int y);
 
     void take_frame() { ++frames_; }
     int get_frames(unsigned long& count) const;
     unsigned long frames() const { return frames_; }
-
-    // Under the name `name`.
-    void describe(Properties& properties, std::string const& name);
 
 private:
     SensorFacts const& facts_;

@@ -3,10 +3,8 @@
 
 #include <array>
 #include <cstddef>
-#include <string_view>
 
 #include "hal/types.h"
-#include "sim/device/properties.h"
 
 namespace sim {
 
@@ -15,24 +13,23 @@ constexpr std::size_t kModules = 6;
 
 class ModuleInfo {
 public:
+    struct Info {
+        unsigned char status;
+        hal::revision_t revision;
+        unsigned int serial_number;
+    };
+
     ModuleInfo();
 
     int get_status(Module module, unsigned char& status) const;
     int get_revision(Module module, hal::revision_t& revision) const;
     int get_serial_number(Module module, unsigned int& serial_number) const;
 
-    void describe(Properties& properties);
-
-private:
-    struct Info {
-        std::string_view name;
-        unsigned char status;
-        hal::revision_t revision;
-        unsigned int serial_number;
-    };
-
+    // Every figure takes every value.
+    Info& of(Module module) { return modules_[static_cast<std::size_t>(module)]; }
     Info const& of(Module module) const { return modules_[static_cast<std::size_t>(module)]; }
 
+private:
     std::array<Info, kModules> modules_;
 };
 

@@ -114,6 +114,14 @@ Rotation Orientation::at(Time now) const {
     return between(from_, to_, std::max(0.0, passed) / static_cast<double>(over_.count()));
 }
 
+bool Orientation::set_noise(double degrees) {
+    bool const in_range = degrees >= 0 && degrees <= kMostNoise;
+    if (in_range) {
+        noise_ = degrees;
+    }
+    return in_range;
+}
+
 hal::quaternion_s16_t Orientation::measure(Time now) const {
     double const deviation = noise_ * kDegree;
     std::uint64_t random = seed_;

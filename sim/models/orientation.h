@@ -32,6 +32,8 @@ double angle_between(Rotation const& one, Rotation const& other);
 // Level at first. The noise depends on the seed and the time alone, so that every run measures the same.
 class Orientation {
 public:
+    static constexpr double kMostNoise = 10.0;  // degrees
+
     // False, and nothing changes, where an angle is out of range: yaw and roll -360 to 360, pitch -90 to 90.
     // Over a time the device turns evenly on the shortest way.
     bool tilt(Angles const& target, Time now, Duration over = Duration(0));
@@ -42,7 +44,8 @@ public:
 
     // Standard deviation in degrees, around each of the three axes.
     double noise() const { return noise_; }
-    void set_noise(double degrees) { noise_ = degrees; }
+    // False, and the old one stays, beyond 0 to kMostNoise.
+    bool set_noise(double degrees);
     std::uint64_t seed() const { return seed_; }
     void set_seed(std::uint64_t seed) { seed_ = seed; }
 

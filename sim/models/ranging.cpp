@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cmath>
-#include <string>
 
 namespace sim {
 
@@ -41,6 +40,10 @@ int write(T& setting, T value, bool legal) {
     }
     setting = value;
     return 0;
+}
+
+int write(double& setting, double value, Ranging::Range const& range) {
+    return write(setting, value, value >= range.min && value <= range.max);
 }
 
 template <typename T>
@@ -136,7 +139,7 @@ void Ranging::measure(double right, double down, unsigned int measurements, unsi
     results.nb_spads_enabled[zone] = kSpads;
     results.target_status[zone] = kNoTarget;
     auto const target = scene_.look(right, down);
-    double const deviate = noise();  // also where there is no target: the other zones must not depend on that
+    double const deviate = next_deviate();  // also where there is no target: the other zones must not depend on that
     if (!target || target->distance_mm > kFarthest || target->distance_mm < kNearest) {
         return;
     }
@@ -160,7 +163,7 @@ void Ranging::measure(double right, double down, unsigned int measurements, unsi
 }
 
 // About normal, by hand: the library's distributions differ from host to host.
-double Ranging::noise() {
+double Ranging::next_deviate() {
     double sum = -6.0;
     for (int i = 0; i < 12; ++i) {
         sum += static_cast<double>(random_()) / 4294967296.0;
@@ -193,50 +196,25 @@ int Ranging::test_illumination_module(bool illumination_present) const {
     return asleep() || !emitter_healthy_ || !illumination_present ? failed(kError) : 0;
 }
 
-void Ranging::describe(Properties& properties) {
-    auto const add_setting = [&](char const* name, char const* help, auto get, auto set) {
-        properties.add(name, help, get, [set](auto value) { return set(value) == 0 ? Error() : "not a legal value"; });
-    };
-    add_setting(
-        "ranging.resolution", "zones: 16 or 64", [this] { return resolution_; },
-        [this](Resolution resolution) { return set_resolution(resolution); });
-    add_setting(
-        "ranging.frequency", "Hz, 1-60 with 16 zones, 1-15 with 64", [this] { return frequency_hz_; },
-        [this](unsigned char hz) { return set_frequency(hz); });
-    add_setting(
-        "ranging.mode", "1 continuous, 3 autonomous", [this] { return mode_; },
-        [this](RangingMode mode) { return set_ranging_mode(mode); });
-    add_setting(
-        "ranging.integration_time", "ms, of the autonomous mode, 2-1000", [this] { return integration_ms_; },
-        [this](unsigned int ms) { return set_integration_time(ms); });
-    add_setting(
-        "ranging.power", "0 sleep, 1 wakeup", [this] { return power_; },
-        [this](PowerMode mode) { return set_power_mode(mode); });
-    properties.add("ranging.crosstalk.compensated", "whether a calibration took the cover's cross-talk away",
-                   [this] { return compensated_; });
-    properties.add_variable("ranging.crosstalk.pull", "percent by which the cover pulls a target at 4 m nearer, 0-50",
-                            crosstalk_, 0.0, 50.0);
-    properties.add_variable("ranging.emitter_healthy", "whether the sensor's light works", emitter_healthy_);
-    properties.add_variable("ranging.noise", "times the usual, 0-100; 0: exact distances", noise_, 0.0, 100.0);
-    properties.add(
-        "ranging.seed", "of the noise; set: the noise starts anew", [this] { return seed_; },
-        [this](std::uint32_t seed) -> Error {
-            seed_ = seed;
-            random_.seed(seed);
-            return {};
-        });
-    properties.add_variable("ranging.ambient", "kcps/SPAD, light of the surroundings, 0-10000", ambient_, 0.0, 10000.0);
-    properties.add_variable("ranging.temperature", "C, of the sensor, -40 to 125", temperature_, -40.0, 125.0);
-    properties.add(
-        "ranging.scene", "as the command scene has it", [this] { return scene_.text(); },
-        [this](std::string const& text) -> Error {
-            auto const scene = Scene::parse(text);
-            if (!scene) {
-                return "not a scene: " + text;
-            }
-            scene_ = *scene;
-            return {};
-        });
+int Ranging::set_crosstalk_pull(double percent) {
+    return write(crosstalk_, percent, kPullRange);
+}
+
+int Ranging::set_noise(double factor) {
+    return write(noise_, factor, kNoiseRange);
+}
+
+void Ranging::set_seed(std::uint32_t seed) {
+    seed_ = seed;
+    random_.seed(seed);
+}
+
+int Ranging::set_ambient_light(double kcps_per_spad) {
+    return write(ambient_, kcps_per_spad, kAmbientRange);
+}
+
+int Ranging::set_temperature(double temperature) {
+    return write(temperature_, temperature, kTemperatureRange);
 }
 
 }  // namespace sim

@@ -2,12 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <random>
 
 #include "hal/tof.h"
 #include "sim/core/clock.h"
-#include "sim/device/properties.h"
 #include "sim/models/scene.h"
 
 namespace sim {
@@ -60,7 +58,33 @@ public:
 
     void set_scene(Scene const& scene) { scene_ = scene; }
     Scene const& scene() const { return scene_; }
-    void describe(Properties& properties);
+
+    // By hand. Setters refuse what is outside of their range.
+    struct Range {
+        double min;
+        double max;
+    };
+    static constexpr Range kPullRange{0.0, 50.0};            // percent
+    static constexpr Range kNoiseRange{0.0, 100.0};          // times the usual
+    static constexpr Range kAmbientRange{0.0, 10000.0};      // kcps/SPAD
+    static constexpr Range kTemperatureRange{-40.0, 125.0};  // C
+
+    // Whether a calibration took the cover's cross-talk away.
+    bool crosstalk_compensated() const { return compensated_; }
+    // Percent by which the cover pulls a target at 4 m nearer.
+    double crosstalk_pull() const { return crosstalk_; }
+    int set_crosstalk_pull(double percent);
+    bool emitter_healthy() const { return emitter_healthy_; }
+    void set_emitter_healthy(bool healthy) { emitter_healthy_ = healthy; }
+    double noise() const { return noise_; }
+    int set_noise(double factor);
+    std::uint32_t seed() const { return seed_; }
+    // The noise starts anew.
+    void set_seed(std::uint32_t seed);
+    double ambient_light() const { return ambient_; }
+    int set_ambient_light(double kcps_per_spad);
+    double temperature() const { return temperature_; }
+    int set_temperature(double temperature);
 
     static constexpr unsigned int kMostMeasurements = 32;
 
@@ -68,7 +92,7 @@ private:
     bool asleep() const { return power_ == PowerMode::sleep; }
     Duration frame_time() const;
     unsigned char highest_frequency() const;
-    double noise();
+    double next_deviate();
     void measure(double right, double down, unsigned int measurements, unsigned int zone,
                  VL53L5CX_ResultsData& results);
 

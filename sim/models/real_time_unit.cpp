@@ -3,19 +3,17 @@
 
 #include <algorithm>
 
+#include "sim/models/refusal.h"
+
 namespace sim {
 
 namespace {
 
 constexpr std::int64_t kSecond = 1'000'000;  // us
 constexpr unsigned int kFullBrightness = 100;
-constexpr char const* kPower24v = "24v";
-constexpr char const* kPowerPoe = "poe";
 
 // What the unit does without an imager: as fast as its generator, as short and as long as any sensor.
 constexpr SensorFacts kNoImager{hal::imx_te::none, 0, 0, 1, 0, 1, 100'000'000, 1000};
-
-constexpr int kRefused = -1;
 
 SensorFacts const& facts_of(hal::imx_te type) {
     switch (type) {
@@ -26,10 +24,6 @@ SensorFacts const& facts_of(hal::imx_te type) {
         default:
             return kNoImager;
     }
-}
-
-Error error_of(int status) {
-    return status == 0 ? Error() : Error("out of range");
 }
 
 Duration frame_period(SensorFacts const& facts) {
@@ -132,7 +126,7 @@ void RealTimeUnit::trigger(unsigned int count, Time now) {
 
 int RealTimeUnit::set_imager_type(hal::imx_te type) {
     if (type < hal::imx_te::none || type > hal::imx_te::imx567) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     imager_type_ = type;
     return 0;
@@ -169,7 +163,7 @@ int RealTimeUnit::set_exposure(unsigned int exposure_us) {
 
 int RealTimeUnit::set_exposure(unsigned int exposure_us, SensorFacts const& limits) {
     if (exposure_us < limits.min_exposure_us || exposure_us > limits.max_exposure_us) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     exposure_us_ = exposure_us;
     return 0;
@@ -201,7 +195,7 @@ int RealTimeUnit::set_rate(unsigned int fps) {
 
 int RealTimeUnit::set_rate(unsigned int fps, SensorFacts const& limits) {
     if (fps < 1 || fps > limits.max_fps) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     fps_ = fps;
     restart_own_triggers();
@@ -257,18 +251,14 @@ int RealTimeUnit::get_pin_values(std::bitset<DigitalIo::kPins>& values) const {
 
 int RealTimeUnit::set_light_bar(hal::color_t color) {
     if (color.brightness > kFullBrightness) {
-        return kRefused;
+        return refuse(EINVAL);
     }
     light_bar_ = color;
     return 0;
 }
 
-Error RealTimeUnit::set_power(std::string const& source) {
-    if (source != kPower24v && source != kPowerPoe) {
-        return "a power source is 24v or poe";
-    }
-    pins_.set_powered(source == kPower24v);
-    return {};
+void RealTimeUnit::set_supply(Supply supply) {
+    pins_.set_powered(supply == Supply::dc_24v);
 }
 
 void RealTimeUnit::drive_pin(unsigned char pin, bool high) {
@@ -284,40 +274,6 @@ void RealTimeUnit::trigger_from_outside(unsigned int count, std::optional<unsign
             outside_triggers_.push_back({{now_, *rate, 1}, count - 1});
         }
     }
-}
-
-void RealTimeUnit::describe(Properties& properties) {
-    properties.add(
-        "rtu.imager_type", "0 none, 1 IMX296, 2 IMX567", [this] { return imager_type_; },
-        [this](hal::imx_te type) { return error_of(set_imager_type(type)); });
-    properties.add_variable("rtu.prohibited_time", "us after a trigger in which the next one is missed",
-                            prohibited_time_us_);
-    properties.add_variable("rtu.exposure.offset", "us from the trigger to the exposure", exposure_offset_us_);
-    properties.add(
-        "rtu.exposure.time", "us, within the limits of the imager", [this] { return exposure_us_; },
-        [this](unsigned int exposure_us) { return error_of(set_exposure(exposure_us)); });
-    properties.add(
-        "rtu.trigger.continuous", "whether the unit triggers by itself", [this] { return continuous_; },
-        [this](bool continuous) { return error_of(set_continuous(continuous)); });
-    properties.add(
-        "rtu.trigger.rate", "of the unit itself, frames per second, within the limits of the imager",
-        [this] { return fps_; }, [this](unsigned int fps) { return error_of(set_rate(fps)); });
-    properties.add("rtu.trigger.count", "triggers since the start, from everywhere", [this] { return triggers_; });
-    properties.add("rtu.trigger.missed", "triggers that were missed since the last reset", [this] { return missed_; });
-    properties.add("rtu.trigger.missed_frame", "frame that was running when the last one was missed",
-                   [this] { return missed_frame_id_; });
-    properties.add(
-        "rtu.power", "what supplies the device: 24v or poe",
-        [this] { return std::string(pins_.powered() ? kPower24v : kPowerPoe); },
-        [this](std::string const& source) { return set_power(source); });
-    properties.add("rtu.lightbar.brightness", "of the light bar, percent", [this] { return light_bar_.brightness; });
-    properties.add("rtu.lightbar.red", "0-255", [this] { return light_bar_.red; });
-    properties.add("rtu.lightbar.green", "0-255", [this] { return light_bar_.green; });
-    properties.add("rtu.lightbar.blue", "0-255", [this] { return light_bar_.blue; });
-    properties.add("camera.acquiring", "whether the camera takes over the sensor's frames",
-                   [this] { return acquiring_; });
-    properties.add("camera.acquired", "frames taken over since the start", [this] { return acquired_; });
-    pins_.describe(properties);
 }
 
 }  // namespace sim

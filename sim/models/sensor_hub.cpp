@@ -316,44 +316,24 @@ int SensorHub::report_interrupt_control(std::string& report) const {
     return 0;
 }
 
-std::string SensorHub::active_sensors() const {
-    std::string text;
-    for (auto const& [id, activity] : active_) {
-        text += (text.empty() ? "" : ", ") + std::to_string(id) + " at " + number_text(activity.rate) + " Hz " +
-                std::to_string(activity.latency_ms) + " ms";
+int SensorHub::set_upload_time(unsigned int ms) {
+    if (ms > kLongestUpload) {
+        return refuse(EINVAL);
     }
-    return text.empty() ? "none" : text;
+    upload_time_ms_ = ms;
+    return 0;
 }
 
-void SensorHub::describe(Properties& properties, std::function<Time()> const& now) {
-    properties.add("hub.running", "whether the sensor hub runs a firmware", [this] { return running(); });
-    properties.add("hub.firmware", "version of the firmware that runs; 0: none",
-                   [this] { return image_ ? image_->version : std::uint16_t{0}; });
-    properties.add("hub.callbacks", "whether the data callbacks are installed",
-                   [this] { return callbacks_installed_; });
-    properties.add("hub.sensors", "virtual sensors that are on, with rate and latency",
-                   [this] { return active_sensors(); });
-    properties.add("hub.samples", "samples delivered to the library since the start", [this] { return samples_; });
-    properties.add_variable("hub.upload_time", "ms that the upload of a firmware takes", upload_time_ms_, 0U, 60000U);
-    properties.add("orientation.yaw", "degrees", [this, now] { return angles_of(orientation_.at(now())).yaw; });
-    properties.add("orientation.pitch", "degrees", [this, now] { return angles_of(orientation_.at(now())).pitch; });
-    properties.add("orientation.roll", "degrees", [this, now] { return angles_of(orientation_.at(now())).roll; });
-    properties.add(
-        "orientation.noise", "standard deviation of the measured orientation, degrees, 0 to 10",
-        [this] { return orientation_.noise(); },
-        [this](double degrees) -> Error {
-            if (degrees < 0 || degrees > 10) {
-                return "out of range 0 to 10";
-            }
-            orientation_.set_noise(degrees);
-            return {};
-        });
-    properties.add(
-        "orientation.seed", "seed of that noise", [this] { return static_cast<long long>(orientation_.seed()); },
-        [this](long long seed) -> Error {
-            orientation_.set_seed(static_cast<std::uint64_t>(seed));
-            return {};
-        });
+int SensorHub::set_noise(double degrees) {
+    return orientation_.set_noise(degrees) ? 0 : refuse(EINVAL);
+}
+
+std::vector<SensorHub::ActiveSensor> SensorHub::active_sensors() const {
+    std::vector<ActiveSensor> sensors;
+    for (auto const& [id, activity] : active_) {
+        sensors.push_back({id, activity.rate, activity.latency_ms});
+    }
+    return sensors;
 }
 
 }  // namespace sim

@@ -6,12 +6,10 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "hal/quaternion.h"
 #include "sim/core/clock.h"
-#include "sim/device/properties.h"
 #include "sim/models/firmware_image.h"
 #include "sim/models/orientation.h"
 
@@ -28,6 +26,12 @@ public:
         hal::quaternion_s16_t quaternion;  // where the kind says so
     };
 
+    struct ActiveSensor {
+        unsigned int id;
+        float rate;  // Hz
+        unsigned int latency_ms;
+    };
+
     // Leaves the hub in its boot loader, all sensors off.
     void reset();
     // Resets the hub and starts it with the bytes of an image file. Where there is none, or they
@@ -37,7 +41,12 @@ public:
     int upload(std::optional<std::string> const& image);
     // How long the upload of an image takes.
     Duration upload_time() const { return std::chrono::milliseconds(upload_time_ms_); }
+    static constexpr unsigned int kLongestUpload = 60000;  // ms
+    unsigned int upload_time_ms() const { return upload_time_ms_; }
+    int set_upload_time(unsigned int ms);
     bool running() const { return image_.has_value(); }
+    // Of the firmware that runs; 0 where none does.
+    std::uint16_t firmware_version() const { return image_ ? image_->version : std::uint16_t{0}; }
 
     // The host's data callbacks; what is registered stays over a boot.
     int install_callbacks();
@@ -47,6 +56,11 @@ public:
     // comes one period from now.
     int activate(unsigned int id, float rate, unsigned int latency_ms, Time now);
 
+    // The sensors that are on, in the order of their ids.
+    std::vector<ActiveSensor> active_sensors() const;
+    // Delivered since the start.
+    unsigned long samples() const { return samples_; }
+
     // When samples are to be delivered next, if any sensor is on.
     std::optional<Time> next_delivery() const;
     // The samples to be delivered up to now, each once, in the order of their delivery.
@@ -55,6 +69,9 @@ public:
     // Tilts the device; samples due before are of the old orientation. False where an angle is out of range.
     bool tilt(Angles const& target, Time now, Duration over);
     Orientation const& orientation() const { return orientation_; }
+    // Of its measurement, as Orientation has it.
+    int set_noise(double degrees);
+    void set_seed(std::uint64_t seed) { orientation_.set_seed(seed); }
     // The present orientation as sensor `id` measures it; -1 while that sensor is off.
     int measure(unsigned int id, Time now, hal::quaternion_s16_t& sample) const;
 
@@ -69,8 +86,6 @@ public:
     int report_interrupt(std::string& report);
     int report_interrupt_control(std::string& report) const;
 
-    void describe(Properties& properties, std::function<Time()> const& now);
-
 private:
     struct Activity {
         float rate;  // Hz
@@ -84,7 +99,6 @@ private:
 
     void advance(Time now);
     std::uint8_t boot_status() const;
-    std::string active_sensors() const;
 
     Orientation orientation_;
     std::optional<FirmwareImage> image_;  // the one that runs

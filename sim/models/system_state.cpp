@@ -1,7 +1,7 @@
 // The state that the device shows to its user, and the heartbeat that keeps the device alive.
 #include "sim/models/system_state.h"
 
-#include <cerrno>
+#include "sim/models/refusal.h"
 
 namespace sim {
 
@@ -16,8 +16,7 @@ bool is_assigned(hal::device_state_te state) {
 
 int SystemState::set_state(hal::device_state_te state) {
     if (!is_assigned(state)) {
-        errno = EINVAL;
-        return -1;
+        return refuse(EINVAL);
     }
     state_ = state;
     return 0;
@@ -41,19 +40,6 @@ int SystemState::get_heartbeat_timeout(unsigned int& timeout_ms) const {
 
 bool SystemState::alive(Time now) const {
     return heartbeats_ > 0 && now - last_heartbeat_ <= std::chrono::milliseconds(timeout_ms_);
-}
-
-void SystemState::describe(Properties& properties, std::function<Time()> const& now) {
-    properties.add(
-        "system.state", "state shown to the user: 1-6, 9, 10", [this] { return state_; },
-        [this](hal::device_state_te state) { return set_state(state) == 0 ? Error() : Error("not a device state"); });
-    properties.add("system.heartbeat.count", "heartbeats since the start", [this] { return heartbeats_; });
-    properties.add("system.heartbeat.last", "time of the last heartbeat, s; 0: none yet",
-                   [this] { return static_cast<double>(last_heartbeat_.count()) / 1e6; });
-    properties.add_variable("system.heartbeat.timeout", "ms after the last heartbeat until the software counts as dead",
-                            timeout_ms_);
-    properties.add("system.alive", "whether there was a heartbeat within the timeout",
-                   [this, now] { return alive(now()); });
 }
 
 }  // namespace sim

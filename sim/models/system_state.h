@@ -3,7 +3,6 @@
 
 #include "hal/types.h"
 #include "sim/core/clock.h"
-#include "sim/device/properties.h"
 
 namespace sim {
 
@@ -12,14 +11,17 @@ public:
     // Refuses (-1, EINVAL) a state that is not assigned and keeps the old one.
     int set_state(hal::device_state_te state);
     int get_state(hal::device_state_te& state) const;
+    hal::device_state_te state() const { return state_; }
 
     int trigger_heartbeat(Time now);
     int get_heartbeat_timeout(unsigned int& timeout_ms) const;
+    unsigned int heartbeat_timeout() const { return timeout_ms_; }
+    void set_heartbeat_timeout(unsigned int timeout_ms) { timeout_ms_ = timeout_ms; }
+    unsigned int heartbeats() const { return heartbeats_; }
+    // 0 where there was none.
+    Time last_heartbeat() const { return last_heartbeat_; }
     // Whether there was a heartbeat within the timeout.
     bool alive(Time now) const;
-
-    // `now` answers the device's time.
-    void describe(Properties& properties, std::function<Time()> const& now);
 
 private:
     hal::device_state_te state_ = hal::device_state_te::boot;

@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <chrono>
 
+#include "sim/device/describe.h"
+
 namespace {
 
 using sim::Autofocus;
@@ -77,7 +79,7 @@ TEST(AutofocusTest, MillimetresGoByTheTableOfTheDeviceType) {
     for (auto const& type : types) {
         SCOPED_TRACE(type.type);
         Autofocus autofocus;
-        autofocus.module.device_type = type.type;
+        ASSERT_EQ(autofocus.set_device_type(type.type), 0);
         unsigned short min = 0;
         unsigned short max = 0;
         EXPECT_EQ(autofocus.get_position_limits_mm(type.type, min, max), 0);
@@ -228,7 +230,7 @@ TEST(AutofocusTest, DoeModeIsNoughtOrOne) {
     EXPECT_EQ(autofocus.set_doe_mode(hal::doe_mode_te::off_by_trigger), 0);
     EXPECT_EQ(autofocus.set_doe_mode(static_cast<hal::doe_mode_te>(2)), -1);
     sim::Properties properties;
-    autofocus.describe(properties);
+    sim::describe(properties, autofocus);
     EXPECT_EQ(sim::value_text(properties.all().at("autofocus.doe.mode").get()), "1");
 }
 
@@ -249,7 +251,7 @@ TEST(AutofocusTest, DoeIsOffWhileATriggerExposesUnlessForced) {
 TEST(AutofocusTest, PropertiesShowTheMotorAndBreakThings) {
     Autofocus autofocus;
     sim::Properties properties;
-    autofocus.describe(properties);
+    sim::describe(properties, autofocus);
     autofocus.set_position(1100);
     autofocus.advance(milliseconds(500));
     EXPECT_EQ(properties.set("autofocus.motor.free", "false"), "");

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "sim/device/describe.h"
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -236,7 +238,7 @@ TEST(DigitalIoTest, EncoderCountsEveryEdgeInItsDirection) {
     ASSERT_EQ(pins.set_config(4, with_func(func_t::quadrature_input_a)), 0);
     ASSERT_EQ(pins.set_config(5, with_func(func_t::quadrature_input_b)), 0);
     sim::Properties properties;
-    pins.describe(properties);
+    sim::describe(properties, pins);
     auto const position = [&] { return std::get<long long>(properties.all().at("dio.encoder").get()); };
     for (auto const& [pin, high] : {std::pair(4, true), {5, true}, {4, false}, {5, false}, {4, true}}) {
         pins.drive(static_cast<unsigned char>(pin), high, Time(0));
@@ -253,7 +255,7 @@ TEST(DigitalIoTest, EncoderCountsNothingOfTheTimeWithoutPower) {
     ASSERT_EQ(pins.set_config(4, with_func(func_t::quadrature_input_a)), 0);
     ASSERT_EQ(pins.set_config(5, with_func(func_t::quadrature_input_b)), 0);
     sim::Properties properties;
-    pins.describe(properties);
+    sim::describe(properties, pins);
     auto const position = [&] { return std::get<long long>(properties.all().at("dio.encoder").get()); };
     pins.set_powered(false);
     pins.drive(4, true, Time(0));
@@ -273,7 +275,7 @@ TEST(DigitalIoTest, TypeDecidesHowAnOutputDrivesItsTerminal) {
     for (auto const& expected : cases) {
         DigitalIo pins;
         sim::Properties properties;
-        pins.describe(properties);
+        sim::describe(properties, pins);
         auto const terminal = [&] { return std::get<std::string>(properties.all().at("dio.3.terminal").get()); };
         config_t config;
         config.type = expected.type;

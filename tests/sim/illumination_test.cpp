@@ -7,6 +7,8 @@
 #include <chrono>
 #include <cmath>
 
+#include "sim/device/describe.h"
+
 namespace {
 
 using sim::Illumination;
@@ -291,9 +293,9 @@ TEST(IlluminationTest, MissingModuleDoesNotAnswer) {
 TEST(IlluminationTest, PropertiesShowAndSetTheModule) {
     Illumination illumination;
     sim::Properties properties;
-    illumination.describe(properties);
+    sim::describe(properties, illumination);
     EXPECT_EQ(properties.set("illumination.temperature.ambient", "35"), "");
-    EXPECT_DOUBLE_EQ(illumination.ambient_temperature, 35.0);
+    EXPECT_DOUBLE_EQ(illumination.ambient_temperature(), 35.0);
     EXPECT_EQ(properties.set("illumination.brightness.total", "14"), "");
     EXPECT_NE(properties.set("illumination.brightness.total", "15"), "");
     EXPECT_EQ(properties.set("illumination.pattern", "65535"), "");

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "sim/device/describe.h"
+
 namespace {
 
 using sim::ImageSensor;
@@ -88,7 +90,7 @@ TEST(ImageSensorTest, FramesAreCounted) {
 TEST(ImageSensorTest, GainAndVariantAreProperties) {
     ImageSensor sensor(sim::imx296_facts());
     sim::Properties properties;
-    sensor.describe(properties, "imx296");
+    sim::describe(properties, sensor, "imx296");
     EXPECT_EQ(properties.set("imx296.colour", "1"), "");
     unsigned int variant = 0;
     EXPECT_EQ(sensor.get_variant(variant), 0);

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "sim/device/describe.h"
+
 namespace {
 
 using sim::Module;
@@ -22,7 +24,7 @@ TEST(ModuleInfoTest, TheRealTimeUnitHasItsRevision) {
 TEST(ModuleInfoTest, EveryFigureCanBeSet) {
     ModuleInfo info;
     sim::Properties properties;
-    info.describe(properties);
+    sim::describe(properties, info);
     EXPECT_EQ(properties.all().size(), 8 * sim::kModules);
     EXPECT_EQ(properties.set("imx567.status", "0x81"), "");
     EXPECT_EQ(properties.set("imx567.revision.week", "53"), "");

@@ -15,7 +15,9 @@ enum class Colour : std::uint8_t { red = 1, green = 2 };
 class PropertiesTest : public testing::Test {
 protected:
     PropertiesTest() {
-        properties_.add_variable("a.count", "how many, 0-10", count_, 0U, 10U);
+        properties_.add(
+            "a.count", "how many, 0-10", [this] { return count_; }, [this](unsigned int count) { return put(count); },
+            0U, 10U);
         properties_.add_variable("a.small", "a byte", small_);
         properties_.add_variable("a.factor", "a factor", factor_);
         properties_.add_variable("a.on", "a switch", on_);
@@ -29,6 +31,14 @@ protected:
                 text_ = text;
                 return {};
             });
+    }
+
+    int put(unsigned int count) {
+        if (count > 10) {
+            return -1;
+        }
+        count_ = count;
+        return 0;
     }
 
     unsigned int count_ = 3;

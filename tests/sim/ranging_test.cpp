@@ -9,6 +9,8 @@
 #include <cmath>
 #include <iterator>
 
+#include "sim/device/describe.h"
+
 namespace {
 
 using sim::Ranging;
@@ -30,7 +32,7 @@ VL53L5CX_ResultsData shot(Ranging& ranging, unsigned int measurements = 1) {
 // Without noise and without a cover.
 void make_exact(Ranging& ranging) {
     sim::Properties properties;
-    ranging.describe(properties);
+    sim::describe(properties, ranging);
     ASSERT_EQ(properties.set("ranging.noise", "0"), "");
     ASSERT_EQ(properties.set("ranging.crosstalk.pull", "0"), "");
 }
@@ -188,7 +190,7 @@ TEST(RangingTest, NoiseComesFromItsSeed) {
     EXPECT_FALSE(
         std::equal(std::begin(first.distance_mm), std::end(first.distance_mm), std::begin(second.distance_mm)));
     sim::Properties properties;
-    one.describe(properties);
+    sim::describe(properties, one);
     EXPECT_EQ(properties.set("ranging.seed", "1"), "");
     VL53L5CX_ResultsData const again = shot(one);
     EXPECT_TRUE(std::equal(std::begin(first.distance_mm), std::end(first.distance_mm), std::begin(again.distance_mm)));
@@ -207,7 +209,7 @@ TEST(RangingTest, CrosstalkCalibrationTakesItsTimeAndTakesThePullAway) {
     Ranging ranging;
     make_exact(ranging);
     sim::Properties properties;
-    ranging.describe(properties);
+    sim::describe(properties, ranging);
     EXPECT_EQ(properties.set("ranging.crosstalk.pull", "10"), "");
     EXPECT_EQ(ranging.calibration_time({3, 1, 600}), seconds(1));
     EXPECT_EQ(ranging.calibration_time({3, 4, 600}), milliseconds(2500));
@@ -237,7 +239,7 @@ TEST(RangingTest, ModuleTestNeedsTheModuleAndTheEmitter) {
     EXPECT_EQ(ranging.test_illumination_module(true), 0);
     EXPECT_EQ(ranging.test_illumination_module(false), 255);
     sim::Properties properties;
-    ranging.describe(properties);
+    sim::describe(properties, ranging);
     EXPECT_EQ(properties.set("ranging.emitter_healthy", "false"), "");
     EXPECT_EQ(ranging.test_illumination_module(true), 255);
     VL53L5CX_ResultsData results{};
@@ -247,7 +249,7 @@ TEST(RangingTest, ModuleTestNeedsTheModuleAndTheEmitter) {
 TEST(RangingTest, SettingsArePropertiesWithTheSameLimits) {
     Ranging ranging;
     sim::Properties properties;
-    ranging.describe(properties);
+    sim::describe(properties, ranging);
     EXPECT_EQ(properties.set("ranging.resolution", "64"), "");
     EXPECT_EQ(properties.set("ranging.frequency", "15"), "");
     EXPECT_NE(properties.set("ranging.frequency", "16"), "");
@@ -265,7 +267,7 @@ TEST(RangingTest, SettingsArePropertiesWithTheSameLimits) {
 TEST(RangingTest, SceneIsAPropertyToo) {
     Ranging ranging;
     sim::Properties properties;
-    ranging.describe(properties);
+    sim::describe(properties, ranging);
     EXPECT_EQ(properties.set("ranging.scene", "step 500 900"), "");
     EXPECT_EQ(ranging.scene().text(), "step 500 900");
     EXPECT_NE(properties.set("ranging.scene", "step 500"), "");

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "sim/device/describe.h"
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -159,7 +161,7 @@ TEST_F(RealTimeUnitTest, TriggerInputTakesAFrame) {
     unit_.drive_pin(2, true);
     unit_.drive_pin(2, false);
     EXPECT_EQ(sensor_.frames(), 1U);
-    EXPECT_EQ(unit_.set_power("poe"), "");
+    unit_.set_supply(sim::Supply::poe);
     run_until(Time(1s));
     unit_.drive_pin(2, true);
     EXPECT_EQ(sensor_.frames(), 1U) << "the pins have no power";
@@ -261,7 +263,7 @@ TEST_F(RealTimeUnitTest, LightBarTakesPercentAndColour) {
     EXPECT_EQ(unit_.set_light_bar({100, 255, 0, 0}), 0);
     EXPECT_EQ(unit_.set_light_bar({101, 0, 0, 0}), -1);
     sim::Properties properties;
-    unit_.describe(properties);
+    sim::describe(properties, unit_);
     EXPECT_EQ(std::get<long long>(properties.all().at("rtu.lightbar.brightness").get()), 100);
     EXPECT_EQ(std::get<long long>(properties.all().at("rtu.lightbar.red").get()), 255);
 }
@@ -270,18 +272,17 @@ TEST_F(RealTimeUnitTest, PinsHavePowerFromTheSupplyOnly) {
     bool available = false;
     EXPECT_EQ(unit_.dio_available(available), 0);
     EXPECT_TRUE(available);
-    EXPECT_EQ(unit_.set_power("poe"), "");
+    unit_.set_supply(sim::Supply::poe);
     EXPECT_EQ(unit_.dio_available(available), 0);
     EXPECT_FALSE(available);
-    EXPECT_NE(unit_.set_power("battery"), "");
-    EXPECT_EQ(unit_.set_power("24v"), "");
+    unit_.set_supply(sim::Supply::dc_24v);
     EXPECT_EQ(unit_.dio_available(available), 0);
     EXPECT_TRUE(available);
 }
 
 TEST_F(RealTimeUnitTest, SettingsAreProperties) {
     sim::Properties properties;
-    unit_.describe(properties);
+    sim::describe(properties, unit_);
     EXPECT_EQ(properties.set("rtu.imager_type", "1"), "");
     EXPECT_EQ(properties.set("rtu.exposure.time", "30"), "");
     EXPECT_NE(properties.set("rtu.exposure.time", "29"), "");
@@ -295,7 +296,7 @@ TEST_F(RealTimeUnitTest, SettingsAreProperties) {
 
 TEST_F(RealTimeUnitTest, FramesAreAcquiredOnlyWhileTheCameraTakesThemOver) {
     sim::Properties properties;
-    unit_.describe(properties);
+    sim::describe(properties, unit_);
     auto const acquired = [&] { return std::get<long long>(properties.all().at("camera.acquired").get()); };
     run_until(Time(0));
     start(10);

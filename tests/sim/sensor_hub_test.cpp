@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+#include "sim/device/describe.h"
+
 #include "sim/models/sensor_catalogue.h"
 
 namespace {
@@ -124,7 +126,7 @@ TEST_F(SensorHubTest, EachKindOfSensorHasItsOwnLimits) {
 
 TEST_F(SensorHubTest, SensorsThatAreOnAreShown) {
     sim::Properties properties;
-    hub.describe(properties, [] { return sim::Time(0); });
+    sim::describe(properties, hub, [] { return sim::Time(0); });
     auto const shown = [&] { return sim::value_text(properties.all().at("hub.sensors").get()); };
     EXPECT_EQ(shown(), "none");
     hub.activate(37, 50, 100, 0s);

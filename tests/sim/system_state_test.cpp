@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+#include "sim/device/describe.h"
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -52,7 +54,7 @@ TEST(SystemStateTest, IsAliveWithinTheTimeoutOfAHeartbeat) {
 TEST(SystemStateTest, TheTimeoutCanBeSet) {
     SystemState system;
     sim::Properties properties;
-    system.describe(properties, [] { return 3s; });
+    sim::describe(properties, system, [] { return 3s; });
     unsigned int timeout_ms = 0;
     system.get_heartbeat_timeout(timeout_ms);
     EXPECT_EQ(timeout_ms, 1000U);
@@ -67,7 +69,7 @@ TEST(SystemStateTest, TheTimeoutCanBeSet) {
 TEST(SystemStateTest, ThePropertyRefusesWhatTheOperationRefuses) {
     SystemState system;
     sim::Properties properties;
-    system.describe(properties, [] { return 0s; });
+    sim::describe(properties, system, [] { return 0s; });
     EXPECT_NE(properties.set("system.state", "7"), "");
     EXPECT_EQ(properties.set("system.state", "9"), "");
     EXPECT_EQ(state_of(system), device_state_te::preview_network_reset);

@@ -1,0 +1,108 @@
+// The properties of the real-time unit, its digital I/O, the camera and the image sensors.
+#include "sim/device/describe.h"
+
+namespace sim {
+
+namespace {
+
+constexpr char const* kOutOfRange = "out of range";
+
+char const* name_of(DigitalIo::Terminal terminal) {
+    switch (terminal) {
+        case DigitalIo::Terminal::low:
+            return "low";
+        case DigitalIo::Terminal::high:
+            return "high";
+        case DigitalIo::Terminal::open:
+            break;
+    }
+    return "open";
+}
+
+}  // namespace
+
+void describe(Properties& properties, RealTimeUnit& unit) {
+    properties.add(
+        "rtu.imager_type", "0 none, 1 IMX296, 2 IMX567", [&unit] { return unit.imager_type(); },
+        [&unit](hal::imx_te type) { return unit.set_imager_type(type); }, kOutOfRange);
+    properties.add(
+        "rtu.prohibited_time", "us after a trigger in which the next one is missed",
+        [&unit] { return unit.prohibited_time(); },
+        [&unit](unsigned int time_us) { return unit.set_prohibited_time(time_us); }, kOutOfRange);
+    properties.add(
+        "rtu.exposure.offset", "us from the trigger to the exposure", [&unit] { return unit.exposure_offset(); },
+        [&unit](unsigned int offset_us) { return unit.set_exposure_offset(offset_us); }, kOutOfRange);
+    properties.add(
+        "rtu.exposure.time", "us, within the limits of the imager", [&unit] { return unit.exposure(); },
+        [&unit](unsigned int exposure_us) { return unit.set_exposure(exposure_us); }, kOutOfRange);
+    properties.add(
+        "rtu.trigger.continuous", "whether the unit triggers by itself", [&unit] { return unit.continuous(); },
+        [&unit](bool continuous) { return unit.set_continuous(continuous); }, kOutOfRange);
+    properties.add(
+        "rtu.trigger.rate", "of the unit itself, frames per second, within the limits of the imager",
+        [&unit] { return unit.rate(); }, [&unit](unsigned int fps) { return unit.set_rate(fps); }, kOutOfRange);
+    properties.add("rtu.trigger.count", "triggers since the start, from everywhere",
+                   [&unit] { return unit.triggers(); });
+    properties.add("rtu.trigger.missed", "triggers that were missed since the last reset",
+                   [&unit] { return unit.missed_triggers(); });
+    properties.add("rtu.trigger.missed_frame", "frame that was running when the last one was missed",
+                   [&unit] { return unit.missed_frame(); });
+    properties.add(
+        "rtu.power", "what supplies the device: 24v or poe",
+        [&unit] { return std::string(unit.supply() == Supply::dc_24v ? "24v" : "poe"); },
+        [&unit](std::string const& source) -> Error {
+            if (source != "24v" && source != "poe") {
+                return "a power source is 24v or poe";
+            }
+            unit.set_supply(source == "24v" ? Supply::dc_24v : Supply::poe);
+            return {};
+        });
+    properties.add("rtu.lightbar.brightness", "of the light bar, percent",
+                   [&unit] { return unit.light_bar().brightness; });
+    properties.add("rtu.lightbar.red", "0-255", [&unit] { return unit.light_bar().red; });
+    properties.add("rtu.lightbar.green", "0-255", [&unit] { return unit.light_bar().green; });
+    properties.add("rtu.lightbar.blue", "0-255", [&unit] { return unit.light_bar().blue; });
+    properties.add("camera.acquiring", "whether the camera takes over the sensor's frames",
+                   [&unit] { return unit.acquiring(); });
+    properties.add("camera.acquired", "frames taken over since the start", [&unit] { return unit.acquired(); });
+    describe(properties, unit.pins());
+}
+
+void describe(Properties& properties, DigitalIo const& pins) {
+    for (unsigned char pin = 0; pin < DigitalIo::kPins; ++pin) {
+        std::string const name = "dio." + std::to_string(pin);
+        properties.add(name + ".type", "0 npn, 1 pnp, 2 push-pull", [&pins, pin] { return pins.config(pin).type; });
+        properties.add(name + ".func",
+                       "0 output, 1 illumination output, 2 input, 3 trigger input, 4 and 5 encoder A and B",
+                       [&pins, pin] { return pins.config(pin).func; });
+        properties.add(name + ".contact", "0 normally open, 1 normally closed",
+                       [&pins, pin] { return pins.config(pin).config; });
+        properties.add(name + ".invert", "whether the pin is inverted",
+                       [&pins, pin] { return pins.config(pin).invert; });
+        properties.add(name + ".command", "value that was set for the output",
+                       [&pins, pin] { return pins.command(pin); });
+        properties.add(name + ".value", "value that is read from the pin",
+                       [&pins, pin] { return pins.values().test(pin); });
+        properties.add(name + ".terminal", "low, high or open: the wire of an input, the driver of an output",
+                       [&pins, pin] { return name_of(pins.terminal(pin)); });
+    }
+    properties.add("dio.encoder", "position of the quadrature encoder, edges",
+                   [&pins] { return pins.encoder_position(); });
+}
+
+void describe(Properties& properties, ImageSensor& sensor, std::string const& name) {
+    properties.add(
+        name + ".colour", "variant: 0 monochrome, 1 colour", [&sensor] { return sensor.variant(); },
+        [&sensor](unsigned int variant) { return sensor.set_variant(variant); }, 0U, ImageSensor::kMaxVariant);
+    properties.add(
+        name + ".gain", "0.1 dB, 0 to " + std::to_string(sensor.facts().max_gain), [&sensor] { return sensor.gain(); },
+        [&sensor](unsigned int gain) { return sensor.set_gain(gain); }, "beyond the sensor's gain");
+    properties.add(name + ".roi.x", "left edge of the region of interest, pixels",
+                   [&sensor] { return sensor.roi_x(); });
+    properties.add(name + ".roi.y", "upper edge of the region of interest, pixels",
+                   [&sensor] { return sensor.roi_y(); });
+    properties.add(name + ".scan_mode", "0 normal, 1 subsampling, 2 binning", [&sensor] { return sensor.scan_mode(); });
+    properties.add(name + ".frames", "frames taken since the start", [&sensor] { return sensor.frames(); });
+}
+
+}  // namespace sim

@@ -1,0 +1,45 @@
+// The properties of the sensor hub and of the orientation that it measures.
+#include "sim/core/numbers.h"
+#include "sim/device/describe.h"
+
+namespace sim {
+
+namespace {
+
+std::string text_of(std::vector<SensorHub::ActiveSensor> const& sensors) {
+    std::string text;
+    for (SensorHub::ActiveSensor const& sensor : sensors) {
+        text += (text.empty() ? "" : ", ") + std::to_string(sensor.id) + " at " +
+                number_text(static_cast<double>(sensor.rate)) + " Hz " + std::to_string(sensor.latency_ms) + " ms";
+    }
+    return text.empty() ? "none" : text;
+}
+
+}  // namespace
+
+void describe(Properties& properties, SensorHub& hub, std::function<Time()> const& now) {
+    properties.add("hub.running", "whether the sensor hub runs a firmware", [&hub] { return hub.running(); });
+    properties.add("hub.firmware", "version of the firmware that runs; 0: none",
+                   [&hub] { return hub.firmware_version(); });
+    properties.add("hub.callbacks", "whether the data callbacks are installed",
+                   [&hub] { return hub.callbacks_installed(); });
+    properties.add("hub.sensors", "virtual sensors that are on, with rate and latency",
+                   [&hub] { return text_of(hub.active_sensors()); });
+    properties.add("hub.samples", "samples delivered to the library since the start", [&hub] { return hub.samples(); });
+    properties.add(
+        "hub.upload_time", "ms that the upload of a firmware takes", [&hub] { return hub.upload_time_ms(); },
+        [&hub](unsigned int ms) { return hub.set_upload_time(ms); }, 0U, SensorHub::kLongestUpload);
+    auto const angles = [&hub, now] { return angles_of(hub.orientation().at(now())); };
+    properties.add("orientation.yaw", "degrees", [angles] { return angles().yaw; });
+    properties.add("orientation.pitch", "degrees", [angles] { return angles().pitch; });
+    properties.add("orientation.roll", "degrees", [angles] { return angles().roll; });
+    properties.add(
+        "orientation.noise", "standard deviation of the measured orientation, degrees, 0 to 10",
+        [&hub] { return hub.orientation().noise(); }, [&hub](double degrees) { return hub.set_noise(degrees); }, 0.0,
+        Orientation::kMostNoise);
+    properties.add(
+        "orientation.seed", "seed of that noise", [&hub] { return static_cast<long long>(hub.orientation().seed()); },
+        [&hub](long long seed) { hub.set_seed(static_cast<std::uint64_t>(seed)); });
+}
+
+}  // namespace sim

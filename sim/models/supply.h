@@ -1,0 +1,9 @@
+// What supplies the device.
+#pragma once
+
+namespace sim {
+
+// The digital I/O has power from the 24 V alone.
+enum class Supply { dc_24v, poe };
+
+}  // namespace sim
