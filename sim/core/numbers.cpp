@@ -3,8 +3,8 @@
 
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 
 namespace sim {
@@ -14,6 +14,16 @@ namespace {
 bool starts_like_a_number(std::string_view text) {
     std::size_t const first = text.find_first_not_of("+-");
     return first <= 1 && (std::string_view("0123456789.").find(text[first]) != std::string_view::npos);
+}
+
+template <typename Float>
+std::string shortest(Float value) {
+    Float const magnitude = std::fabs(value);
+    bool const plain =
+        magnitude == 0 || (magnitude >= static_cast<Float>(1e-4) && magnitude < static_cast<Float>(1e16));
+    std::array<char, 64> text{};
+    auto const format = plain ? std::chars_format::fixed : std::chars_format::scientific;
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value, format).ptr};
 }
 
 }  // namespace
@@ -73,10 +83,20 @@ std::optional<bool> parse_truth(std::string_view text) {
     return std::nullopt;
 }
 
+std::string number_text(float value) {
+    return shortest(value);
+}
+
 std::string number_text(double value) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%g", value);
-    return text.data();
+    return shortest(value);
+}
+
+std::string number_text(long double value) {
+    return shortest(value);
+}
+
+double to_nearest_part(double value, double parts) {
+    return std::round(value * parts) / parts + 0.0;  // never -0
 }
 
 }  // namespace sim

@@ -16,7 +16,13 @@ std::optional<long long> parse_integer(std::string_view text);
 // true, false, on, off, 1, 0.
 std::optional<bool> parse_truth(std::string_view text);
 
-// The shortest decimal form with up to six significant digits, as printf's %g.
+// The shortest decimal number that reads back as the same value of that type: plain digits from 0.0001 to below 1e16,
+// an exponent otherwise.
+std::string number_text(float value);
 std::string number_text(double value);
+std::string number_text(long double value);
+
+// The nearest multiple of a `parts`-th, for values whose last digits are but the noise of reckoning.
+double to_nearest_part(double value, double parts);
 
 }  // namespace sim

@@ -1,4 +1,5 @@
 // The properties of the illumination and the autofocus module.
+#include "sim/core/numbers.h"
 #include "sim/device/describe.h"
 
 namespace sim {
@@ -7,6 +8,9 @@ namespace {
 
 using Setting = Illumination::Setting;
 using Guard = bool hal::illu_guards::*;
+
+constexpr double kDegreeParts = 1000;  // the sensors' own degree is a whole one
+constexpr double kStepParts = 1000;    // the motor moves so much of a step in a microsecond
 
 void add_settings(Properties& properties, Illumination& light) {
     auto const add = [&](char const* name, char const* help, Setting setting) {
@@ -57,11 +61,11 @@ void add_switches(Properties& properties, Illumination& light) {
 void add_temperatures(Properties& properties, Illumination& light) {
     properties.add(
         "illumination.temperature.internal", "C, inside, -40 to 125; set: goes on from there",
-        [&light] { return light.internal_temperature(); },
+        [&light] { return to_nearest_part(light.internal_temperature(), kDegreeParts); },
         [&light](double temperature) { return light.set_internal_temperature(temperature); }, "out of range");
     properties.add(
         "illumination.temperature.external", "C, outside, -40 to 125; set: goes on from there",
-        [&light] { return light.external_temperature(); },
+        [&light] { return to_nearest_part(light.external_temperature(), kDegreeParts); },
         [&light](double temperature) { return light.set_external_temperature(temperature); }, "out of range");
     properties.add(
         "illumination.temperature.ambient", "C, of the surroundings, -40 to 125",
@@ -143,7 +147,7 @@ void describe(Properties& properties, Autofocus& focus) {
     properties.add_variable("autofocus.mirror.healthy", "whether the mirror swings", focus.module.mirror_healthy);
     properties.add_variable("autofocus.table.filled", "whether there is a calibration table",
                             focus.module.table_filled);
-    properties.add("autofocus.position", "steps", [&focus] { return focus.position(); });
+    properties.add("autofocus.position", "steps", [&focus] { return to_nearest_part(focus.position(), kStepParts); });
     properties.add(
         "autofocus.target", "steps, where the motor goes", [&focus] { return focus.target(); },
         [&focus](unsigned int target) { return focus.set_position(target); }, "the motor cannot go there now");

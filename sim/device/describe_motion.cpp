@@ -6,11 +6,14 @@ namespace sim {
 
 namespace {
 
+// Of a degree: finer than the hub's samples, which tell a hundredth.
+constexpr double kAngleParts = 10'000;
+
 std::string text_of(std::vector<SensorHub::ActiveSensor> const& sensors) {
     std::string text;
     for (SensorHub::ActiveSensor const& sensor : sensors) {
-        text += (text.empty() ? "" : ", ") + std::to_string(sensor.id) + " at " +
-                number_text(static_cast<double>(sensor.rate)) + " Hz " + std::to_string(sensor.latency_ms) + " ms";
+        text += (text.empty() ? "" : ", ") + std::to_string(sensor.id) + " at " + number_text(sensor.rate) + " Hz " +
+                std::to_string(sensor.latency_ms) + " ms";
     }
     return text.empty() ? "none" : text;
 }
@@ -29,10 +32,14 @@ void describe(Properties& properties, SensorHub& hub, std::function<Time()> cons
     properties.add(
         "hub.upload_time", "ms that the upload of a firmware takes", [&hub] { return hub.upload_time_ms(); },
         [&hub](unsigned int ms) { return hub.set_upload_time(ms); }, 0U, SensorHub::kLongestUpload);
-    auto const angles = [&hub, now] { return angles_of(hub.orientation().at(now())); };
-    properties.add("orientation.yaw", "degrees", [angles] { return angles().yaw; });
-    properties.add("orientation.pitch", "degrees", [angles] { return angles().pitch; });
-    properties.add("orientation.roll", "degrees", [angles] { return angles().roll; });
+    auto const add_angle = [&](char const* name, double Angles::*angle) {
+        properties.add(name, "degrees", [&hub, now, angle] {
+            return to_nearest_part(angles_of(hub.orientation().at(now())).*angle, kAngleParts);
+        });
+    };
+    add_angle("orientation.yaw", &Angles::yaw);
+    add_angle("orientation.pitch", &Angles::pitch);
+    add_angle("orientation.roll", &Angles::roll);
     properties.add(
         "orientation.noise", "standard deviation of the measured orientation, degrees, 0 to 10",
         [&hub] { return hub.orientation().noise(); }, [&hub](double degrees) { return hub.set_noise(degrees); }, 0.0,

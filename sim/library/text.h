@@ -30,7 +30,7 @@ inline std::string text_of(bool value) {
     return value ? "true" : "false";
 }
 inline std::string text_of(float value) {
-    return number_text(static_cast<double>(value));
+    return number_text(value);
 }
 inline std::string text_of(char const* value) {
     return value != nullptr ? quoted(value) : "null";

@@ -67,7 +67,8 @@ std::string hex(unsigned int value) {
     return line("0x%02X", value);
 }
 
-std::string rate_text(double rate) {
+template <typename Float>
+std::string rate_text(Float rate) {
     return number_text(rate) + " Hz";
 }
 
@@ -277,7 +278,7 @@ int SensorHub::report_configuration(long long id, std::string& report) const {
     auto const active = active_.find(sensor->id);
     bool const on = active != active_.end();
     report = line("Configuration of virtual sensor %u: ", sensor->id) + std::string(sensor->name) + "\n" +
-             row("sample rate", rate_text(on ? static_cast<double>(active->second.rate) : 0)) +
+             row("sample rate", rate_text(on ? active->second.rate : 0.0F)) +
              row("latency", std::to_string(on ? active->second.latency_ms : 0) + " ms") + row("sensitivity", 0U) +
              row("range", sensor->max_range);
     return 0;

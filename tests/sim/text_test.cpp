@@ -12,8 +12,8 @@ using sim::text_of;
 TEST(TextTest, ScalarsAreShort) {
     char const* const none = nullptr;
     unsigned char const byte = 200;
-    EXPECT_EQ(list_of(true, false, -5, 18446744073709551615UL, byte, 0.5F, 1e6F),
-              "true, false, -5, 18446744073709551615, 200, 0.5, 1e+06");
+    EXPECT_EQ(list_of(true, false, -5, 18446744073709551615UL, byte, 0.1F, 1e6F),
+              "true, false, -5, 18446744073709551615, 200, 0.1, 1000000");
     EXPECT_EQ(text_of(none), "null");
     EXPECT_EQ(text_of(hal::imx_te::imx567), "2");
     EXPECT_EQ(text_of(std::bitset<6>(0b100001)), "100001");
