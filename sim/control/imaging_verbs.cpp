@@ -1,7 +1,9 @@
 // The verbs for what surrounds the camera: wires, supply, fitted sensor and triggers from outside.
 #include <array>
 
+#include "sim/control/value_words.h"
 #include "sim/control/verbs.h"
+#include "sim/core/numbers.h"
 
 namespace sim {
 
@@ -21,7 +23,7 @@ struct Sensor {
 constexpr std::array<Sensor, 2> kSensors{{{"imx296", "/dev/imx296"}, {"imx567", "/dev/imx567"}}};
 
 std::optional<unsigned int> parse_count(std::string const& text) {
-    auto const count = parse_value<unsigned int>(text);
+    auto const count = parse_integer_as<unsigned int>(text);
     return count && *count >= 1 && *count <= kMostTriggers ? count : std::nullopt;
 }
 
@@ -29,7 +31,7 @@ Reply drive(Caller const& caller, Words const& words) {
     if (words.size() != 2 || (words[1] != "high" && words[1] != "low")) {
         return usage_error(kDriveUsage);
     }
-    auto const pin = parse_value<unsigned char>(words[0]);
+    auto const pin = parse_integer_as<unsigned char>(words[0]);
     if (!pin || *pin >= DigitalIo::kPins) {
         return Reply::error("no pin " + words[0] + ": 0 to 5");
     }
@@ -41,10 +43,11 @@ Reply power(Caller const& caller, Words const& words) {
     if (words.size() != 1) {
         return usage_error(kPowerUsage);
     }
-    if (words.front() != "24v" && words.front() != "poe") {
-        return Reply::error("a power source is 24v or poe");
+    auto const supply = parse_supply(words.front());
+    if (!supply) {
+        return Reply::error(supply_error());
     }
-    caller.device.rtu.set_supply(words.front() == "24v" ? Supply::dc_24v : Supply::poe);
+    caller.device.rtu.set_supply(*supply);
     return Reply::done();
 }
 

@@ -1,6 +1,6 @@
 // The verb that puts something in front of the ranging sensor.
+#include "sim/control/value_words.h"
 #include "sim/control/verbs.h"
-#include "sim/models/scene.h"
 
 namespace sim {
 
@@ -14,7 +14,7 @@ char const* const kSceneUsage =
     "scene hole MM [DEPTH_MM] [reflectance PERCENT]";
 
 Reply scene(Caller const& caller, Words const& words) {
-    auto const parsed = Scene::parse(join_words(words));
+    auto const parsed = parse_scene(words);
     if (!parsed) {
         return usage_error(kSceneUsage);
     }

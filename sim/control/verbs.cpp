@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "sim/control/fault_words.h"
+#include "sim/control/value_words.h"
 #include "sim/core/numbers.h"
 
 namespace sim {
@@ -40,7 +42,16 @@ Reply set(Caller const& caller, Words const& words) {
     if (words.size() != 2) {
         return usage_error(kSetUsage);
     }
-    return Reply::of(caller.device.properties.set(words[0], words[1]));
+    return Reply::of(set_property(caller.device.properties, words[0], words[1]));
+}
+
+Reply add_fault(FaultRules& faults, Words const& words) {
+    FaultRule rule;
+    Error const error = parse_fault_rule(words, rule);
+    if (error.empty()) {
+        faults.add(rule);
+    }
+    return Reply::of(error);
 }
 
 Reply clear_faults(FaultRules& faults, Words const& words) {
@@ -48,7 +59,7 @@ Reply clear_faults(FaultRules& faults, Words const& words) {
         faults.clear();
         return Reply::done();
     }
-    auto const id = parse_value<int>(words[1]);
+    auto const id = parse_integer_as<int>(words[1]);
     return id ? Reply::of(faults.clear(*id)) : Reply::error("no fault rule " + words[1]);
 }
 
@@ -56,7 +67,7 @@ Reply fault(Caller const& caller, Words const& words) {
     FaultRules& faults = caller.device.faults;
     std::string const form = words.empty() ? "" : words.front();
     if (form == "add" && words.size() > 1) {
-        return Reply::of(faults.add(Words(words.begin() + 1, words.end())));
+        return add_fault(faults, Words(words.begin() + 1, words.end()));
     }
     if (form == "list" && words.size() == 1) {
         return Reply::done(faults.list());

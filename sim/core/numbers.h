@@ -1,9 +1,11 @@
 // Numbers as the control grammar and the journal write them.
 #pragma once
 
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace sim {
 
@@ -13,6 +15,20 @@ std::optional<long double> parse_number(std::string_view text);
 std::optional<double> parse_float(std::string_view text);
 // Decimal or 0x hexadecimal; nothing outside the range of long long.
 std::optional<long long> parse_integer(std::string_view text);
+// Whether the number is one of type Int; the same text as such a number.
+template <typename Int>
+bool fits(long long number) {
+    if constexpr (std::is_unsigned_v<Int>) {
+        return number >= 0 && static_cast<unsigned long long>(number) <= std::numeric_limits<Int>::max();
+    } else {
+        return number >= std::numeric_limits<Int>::min() && number <= std::numeric_limits<Int>::max();
+    }
+}
+template <typename Int>
+std::optional<Int> parse_integer_as(std::string_view text) {
+    auto const number = parse_integer(text);
+    return number && fits<Int>(*number) ? std::optional<Int>(static_cast<Int>(*number)) : std::nullopt;
+}
 // true, false, on, off, 1, 0.
 std::optional<bool> parse_truth(std::string_view text);
 

@@ -48,15 +48,8 @@ void describe(Properties& properties, RealTimeUnit& unit) {
     properties.add("rtu.trigger.missed_frame", "frame that was running when the last one was missed",
                    [&unit] { return unit.missed_frame(); });
     properties.add(
-        "rtu.power", "what supplies the device: 24v or poe",
-        [&unit] { return std::string(unit.supply() == Supply::dc_24v ? "24v" : "poe"); },
-        [&unit](std::string const& source) -> Error {
-            if (source != "24v" && source != "poe") {
-                return "a power source is 24v or poe";
-            }
-            unit.set_supply(source == "24v" ? Supply::dc_24v : Supply::poe);
-            return {};
-        });
+        "rtu.power", "what supplies the device: 24v or poe", [&unit] { return unit.supply(); },
+        [&unit](Supply supply) { unit.set_supply(supply); });
     properties.add("rtu.lightbar.brightness", "of the light bar, percent",
                    [&unit] { return unit.light_bar().brightness; });
     properties.add("rtu.lightbar.red", "0-255", [&unit] { return unit.light_bar().red; });

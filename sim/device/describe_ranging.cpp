@@ -47,15 +47,8 @@ void describe(Properties& properties, Ranging& ranging) {
         "ranging.temperature", "C, of the sensor, -40 to 125", [&ranging] { return ranging.temperature(); },
         [&ranging](double temperature) { return ranging.set_temperature(temperature); }, Ranging::kTemperatureRange);
     properties.add(
-        "ranging.scene", "as the command scene has it", [&ranging] { return ranging.scene().text(); },
-        [&ranging](std::string const& text) -> Error {
-            auto const scene = Scene::parse(text);
-            if (!scene) {
-                return "not a scene: " + text;
-            }
-            ranging.set_scene(*scene);
-            return {};
-        });
+        "ranging.scene", "as the command scene has it", [&ranging] { return ranging.scene(); },
+        [&ranging](Scene const& scene) { ranging.set_scene(scene); });
 }
 
 }  // namespace sim

@@ -21,11 +21,21 @@ struct FaultEffect {
     bool answers() const { return status.has_value() || !values.empty(); }
 };
 
+// Which calls a rule takes, and what it does to them.
+struct FaultRule {
+    std::string operation;               // a name, or a pattern of names
+    unsigned long skip = 0;              // calls that it lets pass first
+    std::optional<unsigned long> count;  // calls that it applies to then; nothing: all
+    FaultEffect effect;
+};
+
+// As the command fault has it.
+std::string text_of(FaultRule const& rule);
+
 class FaultRules {
 public:
-    // A rule of the words "OPERATION [skip N] [count M] status S | delay MS | value V[,V...]", the effects and
-    // options in any order.
-    Error add(std::vector<std::string> const& words);
+    // Answers its id.
+    int add(FaultRule rule);
     // One line a rule: id, text, how often it fired.
     std::string list() const;
     Error clear(int id);
@@ -36,21 +46,14 @@ public:
     FaultEffect next_call(std::string_view operation);
 
 private:
-    struct Rule {
-        int id = 0;
-        std::string text;
-        std::string operation;
-        unsigned long skip = 0;
-        std::optional<unsigned long> count;
-        FaultEffect effect;
+    struct Entry {
+        int id;
+        FaultRule rule;
         unsigned long seen = 0;
         unsigned long fired = 0;
     };
 
-    static Error parse(std::vector<std::string> const& words, Rule& rule);
-    static Error parse_option(std::string const& name, std::string const& text, Rule& rule);
-
-    std::vector<Rule> rules_;
+    std::vector<Entry> entries_;
     int next_id_ = 1;
 };
 

@@ -5,8 +5,6 @@
 #include <array>
 #include <cstdio>
 
-#include "sim/core/numbers.h"
-
 namespace sim {
 
 namespace {
@@ -28,6 +26,16 @@ std::string json_text(std::string const& text) {
     return json + "\"";
 }
 
+struct Writer {
+    std::string operator()(bool truth) const { return truth ? "true" : "false"; }
+    std::string operator()(long long number) const { return std::to_string(number); }
+    std::string operator()(float number) const { return number_text(number); }
+    std::string operator()(double number) const { return number_text(number); }
+    std::string operator()(std::string const& text) const { return text; }
+    std::string operator()(Supply supply) const { return name_of(supply); }
+    std::string operator()(Scene const& scene) const { return scene.text(); }
+};
+
 std::string padded(std::string text, std::size_t width) {
     text.resize(std::max(width, text.size()), ' ');
     return text;
@@ -36,33 +44,30 @@ std::string padded(std::string text, std::size_t width) {
 }  // namespace
 
 std::string value_text(Value const& value) {
-    if (auto const* truth = std::get_if<bool>(&value)) {
-        return *truth ? "true" : "false";
-    }
-    if (auto const* number = std::get_if<long long>(&value)) {
-        return std::to_string(*number);
-    }
-    if (auto const* number = std::get_if<double>(&value)) {
-        return number_text(*number);
-    }
-    return std::get<std::string>(value);
+    return std::visit(Writer(), value);
 }
 
 std::string value_json(Value const& value) {
-    auto const* text = std::get_if<std::string>(&value);
-    return text != nullptr ? json_text(*text) : value_text(value);
+    bool const is_bare = std::holds_alternative<bool>(value) || std::holds_alternative<long long>(value) ||
+                         std::holds_alternative<float>(value) || std::holds_alternative<double>(value);
+    return is_bare ? value_text(value) : json_text(value_text(value));
 }
 
-Error Properties::set(std::string const& name, std::string const& text) const {
-    auto const found = properties_.find(name);
-    if (found == properties_.end()) {
+Error Properties::set(std::string const& name, Value const& value) const {
+    Property const* const property = find(name);
+    if (property == nullptr) {
         return "unknown property " + name;
     }
-    if (!found->second.set) {
+    if (!property->set) {
         return name + " is read only";
     }
-    Error const error = found->second.set(text);
+    Error const error = property->set(value);
     return error.empty() ? error : name + ": " + error;
+}
+
+Property const* Properties::find(std::string const& name) const {
+    auto const found = properties_.find(name);
+    return found == properties_.end() ? nullptr : &found->second;
 }
 
 std::string Properties::table(std::string_view prefix) const {
@@ -100,19 +105,4 @@ std::map<std::string, Property> Properties::select(std::string_view prefix) cons
     return selected;
 }
 
-namespace detail {
-
-std::optional<bool> parse_bool(std::string const& text) {
-    return parse_truth(text);
-}
-
-std::optional<long long> parse_long(std::string const& text) {
-    return parse_integer(text);
-}
-
-std::optional<double> parse_double(std::string const& text) {
-    return parse_float(text);
-}
-
-}  // namespace detail
 }  // namespace sim

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -11,9 +10,13 @@
 #include <utility>
 #include <variant>
 
+#include "sim/core/numbers.h"
+#include "sim/models/scene.h"
+#include "sim/models/supply.h"
+
 namespace sim {
 
-using Value = std::variant<bool, long long, double, std::string>;
+using Value = std::variant<bool, long long, float, double, std::string, Supply, Scene>;
 
 // The value as `show` prints it.
 std::string value_text(Value const& value);
@@ -26,16 +29,16 @@ using Error = std::string;
 struct Property {
     std::string help;  // one line: what it is, its unit, its range
     std::function<Value()> get;
-    std::function<Error(std::string const& text)> set;  // empty: read only
+    std::function<Error(Value const& value)> set;  // of the type that `get` answers; empty: read only
 };
 
 // Getters and setters are called with the device's lock held. A setter that answers an error changed nothing.
 class Properties {
 public:
-    // `get` answers a bool, an integer, an enumerator, a floating-point number or a text.
+    // `get` answers what Value holds, an integer or an enumerator.
     template <typename Get>
     void add(std::string name, std::string help, Get get);
-    // `set` takes what `get` answers. It answers nothing, where it takes every value, or an Error.
+    // `set` takes every value of the type that `get` answers, and answers nothing.
     template <typename Get, typename Set>
     void add(std::string name, std::string help, Get get, Set set);
     // `set` answers a status; one other than 0 is a refusal, which `refusal` explains.
@@ -48,7 +51,10 @@ public:
     template <typename T>
     void add_variable(std::string name, std::string help, T& variable);
 
-    Error set(std::string const& name, std::string const& text) const;
+    // A value that has not the property's type is refused too.
+    Error set(std::string const& name, Value const& value) const;
+    // Null for an unknown name.
+    Property const* find(std::string const& name) const;
     // The properties whose name is `prefix` or begins with `prefix` and a dot; all for an empty one. As a table of
     // name, value and help; empty when there is none.
     std::string table(std::string_view prefix) const;
@@ -62,36 +68,19 @@ private:
     std::map<std::string, Property> properties_;
 };
 
-// What the text means as a T; nothing when it is no T.
-template <typename T>
-std::optional<T> parse_value(std::string const& text);
-
 namespace detail {
 
-std::optional<bool> parse_bool(std::string const& text);
-std::optional<long long> parse_long(std::string const& text);
-std::optional<double> parse_double(std::string const& text);
+template <typename T, typename... Ts>
+constexpr bool is_one_of = (std::is_same_v<T, Ts> || ...);
+
+// The type by which Value holds a T: its own, that of whole numbers, or a text.
+template <typename T>
+using Held = std::conditional_t<is_one_of<T, bool, float, double, Supply, Scene>, T,
+                                std::conditional_t<std::is_enum_v<T> || std::is_integral_v<T>, long long, std::string>>;
 
 template <typename T>
 Value to_value(T const& value) {
-    if constexpr (std::is_same_v<T, bool>) {
-        return value;
-    } else if constexpr (std::is_enum_v<T> || std::is_integral_v<T>) {
-        return static_cast<long long>(value);
-    } else if constexpr (std::is_floating_point_v<T>) {
-        return static_cast<double>(value);
-    } else {
-        return std::string(value);
-    }
-}
-
-template <typename Int>
-bool fits(long long number) {
-    if constexpr (std::is_unsigned_v<Int>) {
-        return number >= 0 && static_cast<unsigned long long>(number) <= std::numeric_limits<Int>::max();
-    } else {
-        return number >= std::numeric_limits<Int>::min() && number <= std::numeric_limits<Int>::max();
-    }
+    return static_cast<Held<T>>(value);
 }
 
 template <typename T, bool = std::is_enum_v<T>>
@@ -103,25 +92,19 @@ struct integer_of<T, true> {
     using type = std::underlying_type_t<T>;
 };
 
-}  // namespace detail
-
+// Nothing where the value is no T.
 template <typename T>
-std::optional<T> parse_value(std::string const& text) {
-    if constexpr (std::is_same_v<T, bool>) {
-        return detail::parse_bool(text);
-    } else if constexpr (std::is_enum_v<T> || std::is_integral_v<T>) {
-        auto const number = detail::parse_long(text);
-        if (!number || !detail::fits<typename detail::integer_of<T>::type>(*number)) {
-            return std::nullopt;
-        }
-        return static_cast<T>(*number);
-    } else if constexpr (std::is_floating_point_v<T>) {
-        auto const number = detail::parse_double(text);
-        return number ? std::optional<T>(static_cast<T>(*number)) : std::nullopt;
+std::optional<T> from_value(Value const& value) {
+    auto const* const held = std::get_if<Held<T>>(&value);
+    if constexpr (std::is_same_v<Held<T>, long long>) {
+        bool const is_one = held != nullptr && fits<typename integer_of<T>::type>(*held);
+        return is_one ? std::optional<T>(static_cast<T>(*held)) : std::nullopt;
     } else {
-        return text;
+        return held != nullptr ? std::optional<T>(*held) : std::nullopt;
     }
 }
+
+}  // namespace detail
 
 template <typename Get>
 void Properties::add(std::string name, std::string help, Get get) {
@@ -131,26 +114,24 @@ void Properties::add(std::string name, std::string help, Get get) {
 template <typename Get, typename Set>
 void Properties::add(std::string name, std::string help, Get get, Set set) {
     using T = std::decay_t<decltype(get())>;
-    auto const set_text = [set](std::string const& text) -> Error {
-        auto const value = parse_value<T>(text);
-        if (!value) {
-            return "not a value of this property: " + text;
-        }
-        if constexpr (std::is_void_v<decltype(set(*value))>) {
-            set(*value);
-            return {};
-        } else {
-            return set(*value);
-        }
+    auto const set_always = [set](T const& value) {
+        set(value);
+        return 0;
     };
-    properties_[std::move(name)] = Property{std::move(help), [get] { return detail::to_value(get()); }, set_text};
+    add(std::move(name), std::move(help), get, set_always, "");
 }
 
 template <typename Get, typename Set>
 void Properties::add(std::string name, std::string help, Get get, Set set, std::string refusal) {
     using T = std::decay_t<decltype(get())>;
-    add(std::move(name), std::move(help), get,
-        [set, refusal = std::move(refusal)](T const& value) { return set(value) == 0 ? Error() : refusal; });
+    auto const set_value = [set, refusal = std::move(refusal)](Value const& value) -> Error {
+        auto const wanted = detail::from_value<T>(value);
+        if (!wanted) {
+            return "not a value of this property: " + value_text(value);
+        }
+        return set(*wanted) == 0 ? Error() : refusal;
+    };
+    properties_[std::move(name)] = Property{std::move(help), [get] { return detail::to_value(get()); }, set_value};
 }
 
 template <typename Get, typename Set, typename T>

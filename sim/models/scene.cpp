@@ -2,8 +2,6 @@
 #include "sim/models/scene.h"
 
 #include <cmath>
-#include <sstream>
-#include <vector>
 
 #include "sim/core/numbers.h"
 
@@ -15,19 +13,6 @@ constexpr double kDegree = 3.14159265358979323846 / 180.0;
 constexpr double kFarthest = 10000.0;  // mm, further than the sensor sees
 constexpr double kSteepest = 60.0;     // degrees
 constexpr double kHoleSlope = 0.15;    // half the width of the hole at the distance of 1
-constexpr double kUsualReflectance = 50.0;
-
-struct Grammar {
-    char const* name;
-    Scene::Shape shape;
-    std::size_t least;  // numbers behind the name
-    std::size_t most;
-};
-
-constexpr Grammar kGrammar[] = {
-    {"none", Scene::Shape::nothing, 0, 0}, {"plane", Scene::Shape::plane, 1, 1}, {"tilted", Scene::Shape::tilted, 2, 3},
-    {"step", Scene::Shape::step, 2, 2},    {"hole", Scene::Shape::hole, 1, 2},
-};
 
 bool is_distance(double mm) {
     return mm > 0.0 && mm <= kFarthest;
@@ -39,78 +24,57 @@ bool is_angle(double degrees) {
 
 }  // namespace
 
-std::optional<Scene> Scene::parse(std::string_view text) {
-    std::istringstream words{std::string(text)};
-    std::string name;
-    words >> name;
-    std::vector<double> numbers;
-    std::optional<double> reflectance;
-    for (std::string word; words >> word;) {
-        bool const last = word == "reflectance" && !reflectance && words >> word;
-        auto const number = parse_float(word);
-        if (!number || (reflectance && !last)) {
-            return std::nullopt;
-        }
-        if (last) {
-            reflectance = *number;
-        } else {
-            numbers.push_back(*number);
-        }
-    }
-    for (Grammar const& grammar : kGrammar) {
-        if (name != grammar.name) {
-            continue;
-        }
-        if (numbers.size() < grammar.least || numbers.size() > grammar.most) {
-            return std::nullopt;
-        }
-        numbers.resize(3);
-        Scene scene;
-        scene.shape_ = grammar.shape;
-        scene.first_ = numbers[0];
-        scene.second_ = numbers[1];
-        scene.third_ = numbers[2];
-        scene.reflectance_ = reflectance.value_or(kUsualReflectance);
-        return scene.is_possible() ? std::optional<Scene>(scene) : std::nullopt;
-    }
-    return std::nullopt;
+std::optional<Scene> Scene::of(Scene const& scene) {
+    bool const possible = scene.reflectance_ >= 1.0 && scene.reflectance_ <= 100.0;
+    return possible ? std::optional<Scene>(scene) : std::nullopt;
 }
 
-bool Scene::is_possible() const {
-    if (!(reflectance_ >= 1.0 && reflectance_ <= 100.0)) {
-        return false;
-    }
-    switch (shape_) {
-        case Shape::nothing:
-            return reflectance_ == kUsualReflectance;
-        case Shape::plane:
-            return is_distance(first_);
-        case Shape::tilted:
-            return is_distance(first_) && is_angle(second_) && is_angle(third_);
-        case Shape::step:
-            return is_distance(first_) && is_distance(second_);
-        case Shape::hole:
-            return is_distance(first_) && (second_ == 0.0 || (is_distance(second_) && second_ > first_));
-    }
-    return false;
+Scene Scene::nothing() {
+    return {Shape::nothing, 0.0, 0.0, 0.0, kUsualReflectance};
+}
+
+std::optional<Scene> Scene::plane(double mm, double reflectance) {
+    return is_distance(mm) ? of({Shape::plane, mm, 0.0, 0.0, reflectance}) : std::nullopt;
+}
+
+std::optional<Scene> Scene::tilted(double mm, double yaw, double pitch, double reflectance) {
+    bool const possible = is_distance(mm) && is_angle(yaw) && is_angle(pitch);
+    return possible ? of({Shape::tilted, mm, yaw, pitch, reflectance}) : std::nullopt;
+}
+
+std::optional<Scene> Scene::step(double left_mm, double right_mm, double reflectance) {
+    bool const possible = is_distance(left_mm) && is_distance(right_mm);
+    return possible ? of({Shape::step, left_mm, right_mm, 0.0, reflectance}) : std::nullopt;
+}
+
+std::optional<Scene> Scene::hole(double mm, double depth_mm, double reflectance) {
+    bool const possible = is_distance(mm) && (depth_mm == 0.0 || (is_distance(depth_mm) && depth_mm > mm));
+    return possible ? of({Shape::hole, mm, depth_mm, 0.0, reflectance}) : std::nullopt;
+}
+
+bool operator==(Scene const& one, Scene const& other) {
+    return one.shape_ == other.shape_ && one.first_ == other.first_ && one.second_ == other.second_ &&
+           one.third_ == other.third_ && one.reflectance_ == other.reflectance_;
 }
 
 std::string Scene::text() const {
-    std::ostringstream text;
-    for (Grammar const& grammar : kGrammar) {
-        if (grammar.shape != shape_) {
-            continue;
-        }
-        text << grammar.name;
-        double const numbers[] = {first_, second_, third_};
-        for (std::size_t i = 0; i < grammar.most; ++i) {
-            text << ' ' << number_text(numbers[i]);
-        }
+    std::string const first = number_text(first_);
+    std::string const second = number_text(second_);
+    std::string const reflectance =
+        reflectance_ == kUsualReflectance ? "" : " reflectance " + number_text(reflectance_);
+    switch (shape_) {
+        case Shape::nothing:
+            break;
+        case Shape::plane:
+            return "plane " + first + reflectance;
+        case Shape::tilted:
+            return "tilted " + first + " " + second + " " + number_text(third_) + reflectance;
+        case Shape::step:
+            return "step " + first + " " + second + reflectance;
+        case Shape::hole:
+            return "hole " + first + " " + second + reflectance;
     }
-    if (reflectance_ != kUsualReflectance) {
-        text << " reflectance " << number_text(reflectance_);
-    }
-    return text.str();
+    return "none";
 }
 
 std::optional<Target> Scene::look(double right, double down) const {

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <chrono>
 
+#include "sim/control/value_words.h"
 #include "sim/device/describe.h"
 
 namespace {
@@ -254,16 +255,16 @@ TEST(AutofocusTest, PropertiesShowTheMotorAndBreakThings) {
     sim::describe(properties, autofocus);
     autofocus.set_position(1100);
     autofocus.advance(milliseconds(500));
-    EXPECT_EQ(properties.set("autofocus.motor.free", "false"), "");
+    EXPECT_EQ(sim::set_property(properties, "autofocus.motor.free", "false"), "");
     autofocus.advance(milliseconds(900));
     EXPECT_EQ(sim::value_text(properties.all().at("autofocus.position").get()), "600");
     EXPECT_EQ(sim::value_text(properties.all().at("autofocus.moving").get()), "true");
-    EXPECT_EQ(properties.set("autofocus.device_type", "R47XXXX3"), "");
-    EXPECT_NE(properties.set("autofocus.device_type", "3"), "");
-    EXPECT_NE(properties.set("autofocus.position", "5"), "");
-    EXPECT_NE(properties.set("autofocus.target", "5"), "");
-    EXPECT_EQ(properties.set("autofocus.maintenance", "true"), "");
-    EXPECT_EQ(properties.set("autofocus.target", "5"), "");
+    EXPECT_EQ(sim::set_property(properties, "autofocus.device_type", "R47XXXX3"), "");
+    EXPECT_NE(sim::set_property(properties, "autofocus.device_type", "3"), "");
+    EXPECT_NE(sim::set_property(properties, "autofocus.position", "5"), "");
+    EXPECT_NE(sim::set_property(properties, "autofocus.target", "5"), "");
+    EXPECT_EQ(sim::set_property(properties, "autofocus.maintenance", "true"), "");
+    EXPECT_EQ(sim::set_property(properties, "autofocus.target", "5"), "");
     EXPECT_TRUE(autofocus.moving());
 }
 

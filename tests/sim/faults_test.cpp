@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "sim/control/fault_words.h"
 #include "sim/device/operations.h"
 
 namespace {
@@ -13,7 +14,14 @@ using sim::FaultRules;
 
 class FaultsTest : public testing::Test {
 protected:
-    Error add(std::vector<std::string> const& words) { return rules_.add(words); }
+    Error add(sim::Words const& words) {
+        sim::FaultRule rule;
+        Error error = sim::parse_fault_rule(words, rule);
+        if (error.empty()) {
+            rules_.add(rule);
+        }
+        return error;
+    }
     // The status that the rules give the next call of an operation; 99 for none.
     int next(char const* operation = "rtu_t::get_exposure") { return rules_.next_call(operation).status.value_or(99); }
 
@@ -33,7 +41,7 @@ TEST_F(FaultsTest, SkipAndCountChooseTheCalls) {
     EXPECT_EQ(next(), 5);
     EXPECT_EQ(next(), 5);
     EXPECT_EQ(next(), 99);
-    EXPECT_EQ(rules_.list(), "1  rtu_t::get_exposure count 2 status 5 skip 1  fired 2\n");
+    EXPECT_EQ(rules_.list(), "1  rtu_t::get_exposure skip 1 count 2 status 5  fired 2\n");
 }
 
 TEST_F(FaultsTest, TheFirstRuleThatAppliesTakesTheCall) {
@@ -53,6 +61,20 @@ TEST_F(FaultsTest, EffectsCanBeCombined) {
     EXPECT_EQ(effect.delay, 2500us);
     EXPECT_EQ(effect.values, (std::vector<long double>{0x30, -1, 1.5, 1}));
     EXPECT_TRUE(effect.answers());
+}
+
+TEST_F(FaultsTest, TheListHasEveryRuleInOneOrderAndWithoutLoss) {
+    EXPECT_EQ(
+        add({"*", "value", "0x30,-1,0.1,true,18446744073709551615", "delay", "0.29", "status", "4", "count", "0x2"}),
+        "");
+    EXPECT_EQ(rules_.list(), "1  * count 2 status 4 delay 0.29 value 48,-1,0.1,1,1.8446744073709551615e+19  fired 0\n");
+    EXPECT_EQ(rules_.next_call("tof_t::shot").delay, 290us);
+}
+
+TEST_F(FaultsTest, ARuleAnswersItsId) {
+    EXPECT_EQ(rules_.add({"*", 0, {}, {}}), 1);
+    EXPECT_EQ(rules_.clear(1), "");
+    EXPECT_EQ(rules_.add({"*", 0, {}, {}}), 2) << "ids are not used again";
 }
 
 TEST_F(FaultsTest, ADelayAloneLetsTheDeviceAnswer) {

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "sim/control/fault_words.h"
+
 #include <cerrno>
 #include <fstream>
 
@@ -45,9 +47,11 @@ protected:
         return path;
     }
 
-    void add_fault(std::vector<std::string> const& words) {
+    void add_fault(sim::Words const& words) {
+        sim::FaultRule rule;
+        ASSERT_EQ(sim::parse_fault_rule(words, rule), "");
         auto const lock = device_.lock();
-        ASSERT_EQ(device_.faults.add(words), "");
+        device_.faults.add(rule);
     }
     // A call that answers `status` and, in the device's copies, 5 and 2.5.
     int call(unsigned int& number, float& fraction, int status = 0) {

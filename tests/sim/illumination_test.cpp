@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cmath>
 
+#include "sim/control/value_words.h"
 #include "sim/device/describe.h"
 
 namespace {
@@ -294,23 +295,23 @@ TEST(IlluminationTest, PropertiesShowAndSetTheModule) {
     Illumination illumination;
     sim::Properties properties;
     sim::describe(properties, illumination);
-    EXPECT_EQ(properties.set("illumination.temperature.ambient", "35"), "");
+    EXPECT_EQ(sim::set_property(properties, "illumination.temperature.ambient", "35"), "");
     EXPECT_DOUBLE_EQ(illumination.ambient_temperature(), 35.0);
-    EXPECT_EQ(properties.set("illumination.brightness.total", "14"), "");
-    EXPECT_NE(properties.set("illumination.brightness.total", "15"), "");
-    EXPECT_EQ(properties.set("illumination.pattern", "65535"), "");
-    EXPECT_NE(properties.set("illumination.pattern", "1"), "");
-    EXPECT_EQ(properties.set("illumination.limit.ot_off", "70"), "");
+    EXPECT_EQ(sim::set_property(properties, "illumination.brightness.total", "14"), "");
+    EXPECT_NE(sim::set_property(properties, "illumination.brightness.total", "15"), "");
+    EXPECT_EQ(sim::set_property(properties, "illumination.pattern", "65535"), "");
+    EXPECT_NE(sim::set_property(properties, "illumination.pattern", "1"), "");
+    EXPECT_EQ(sim::set_property(properties, "illumination.limit.ot_off", "70"), "");
     EXPECT_EQ(illumination.brightness(), 14U);
     EXPECT_EQ(illumination.pattern(), hal::light_pattern_te::strobe);
     EXPECT_EQ(illumination.ot_off_limit(), 70U);
     EXPECT_TRUE(illumination.lit());
-    EXPECT_EQ(properties.set("illumination.temperature.internal", "90"), "");
+    EXPECT_EQ(sim::set_property(properties, "illumination.temperature.internal", "90"), "");
     EXPECT_FALSE(illumination.lit());
-    EXPECT_NE(properties.set("illumination.temperature.internal", "126"), "");
-    EXPECT_NE(properties.set("illumination.temperature.ambient", "-41"), "");
-    EXPECT_NE(properties.set("illumination.lit", "true"), "");
-    EXPECT_NE(properties.set("illumination.present", "perhaps"), "");
+    EXPECT_NE(sim::set_property(properties, "illumination.temperature.internal", "126"), "");
+    EXPECT_NE(sim::set_property(properties, "illumination.temperature.ambient", "-41"), "");
+    EXPECT_NE(sim::set_property(properties, "illumination.lit", "true"), "");
+    EXPECT_NE(sim::set_property(properties, "illumination.present", "perhaps"), "");
     EXPECT_EQ(sim::value_text(properties.all().at("illumination.flags.over_temperature").get()), "true");
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "sim/control/value_words.h"
 #include "sim/device/describe.h"
 
 namespace {
@@ -91,12 +92,12 @@ TEST(ImageSensorTest, GainAndVariantAreProperties) {
     ImageSensor sensor(sim::imx296_facts());
     sim::Properties properties;
     sim::describe(properties, sensor, "imx296");
-    EXPECT_EQ(properties.set("imx296.colour", "1"), "");
+    EXPECT_EQ(sim::set_property(properties, "imx296.colour", "1"), "");
     unsigned int variant = 0;
     EXPECT_EQ(sensor.get_variant(variant), 0);
     EXPECT_EQ(variant, 1U);
-    EXPECT_EQ(properties.set("imx296.gain", "300"), "");
-    EXPECT_NE(properties.set("imx296.gain", "481"), "");
+    EXPECT_EQ(sim::set_property(properties, "imx296.gain", "300"), "");
+    EXPECT_NE(sim::set_property(properties, "imx296.gain", "481"), "");
     EXPECT_EQ(gain_of(sensor), 300U);
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "sim/control/value_words.h"
 #include "sim/device/describe.h"
 
 namespace {
@@ -26,9 +27,9 @@ TEST(ModuleInfoTest, EveryFigureCanBeSet) {
     sim::Properties properties;
     sim::describe(properties, info);
     EXPECT_EQ(properties.all().size(), 8 * sim::kModules);
-    EXPECT_EQ(properties.set("imx567.status", "0x81"), "");
-    EXPECT_EQ(properties.set("imx567.revision.week", "53"), "");
-    EXPECT_EQ(properties.set("imx567.serial_number", "4294967295"), "");
+    EXPECT_EQ(sim::set_property(properties, "imx567.status", "0x81"), "");
+    EXPECT_EQ(sim::set_property(properties, "imx567.revision.week", "53"), "");
+    EXPECT_EQ(sim::set_property(properties, "imx567.serial_number", "4294967295"), "");
     unsigned char status = 0;
     hal::revision_t revision{};
     unsigned int serial_number = 0;

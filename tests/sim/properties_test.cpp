@@ -5,9 +5,10 @@
 
 #include <cstdint>
 
+#include "sim/control/value_words.h"
+
 namespace {
 
-using sim::Error;
 using sim::Properties;
 
 enum class Colour : std::uint8_t { red = 1, green = 2 };
@@ -24,13 +25,12 @@ protected:
         properties_.add("a.colour", "1 red, 2 green", [this] { return colour_; });
         properties_.add(
             "ab", "a text", [this] { return text_; },
-            [this](std::string const& text) -> Error {
-                if (text == "bad") {
-                    return "not that one";
-                }
-                text_ = text;
-                return {};
-            });
+            [this](std::string const& text) {
+                bool const good = text != "bad";
+                text_ = good ? text : text_;
+                return good ? 0 : -1;
+            },
+            "not that one");
     }
 
     int put(unsigned int count) {
@@ -75,28 +75,38 @@ TEST_F(PropertiesTest, JsonHasTypedValues) {
 }
 
 TEST_F(PropertiesTest, SetTakesEveryType) {
-    EXPECT_EQ(properties_.set("a.count", "0x0A"), "");
+    EXPECT_EQ(sim::set_property(properties_, "a.count", "0x0A"), "");
     EXPECT_EQ(count_, 10U);
-    EXPECT_EQ(properties_.set("a.small", "255"), "");
+    EXPECT_EQ(sim::set_property(properties_, "a.small", "255"), "");
     EXPECT_EQ(small_, 255);
-    EXPECT_EQ(properties_.set("a.factor", "-2.25"), "");
+    EXPECT_EQ(sim::set_property(properties_, "a.factor", "-2.25"), "");
     EXPECT_EQ(factor_, -2.25F);
-    EXPECT_EQ(properties_.set("a.on", "off"), "");
+    EXPECT_EQ(sim::set_property(properties_, "a.on", "off"), "");
     EXPECT_FALSE(on_);
-    EXPECT_EQ(properties_.set("ab", "new"), "");
+    EXPECT_EQ(sim::set_property(properties_, "ab", "new"), "");
     EXPECT_EQ(text_, "new");
 }
 
+TEST_F(PropertiesTest, AValueOfAnotherTypeIsRefused) {
+    EXPECT_EQ(properties_.set("a.count", sim::Value(4LL)), "");
+    EXPECT_EQ(count_, 4U);
+    EXPECT_EQ(properties_.set("a.count", sim::Value(5.0)), "a.count: not a value of this property: 5");
+    EXPECT_EQ(properties_.set("a.on", sim::Value(0LL)), "a.on: not a value of this property: 0");
+    EXPECT_EQ(properties_.set("ab", sim::Value(true)), "ab: not a value of this property: true");
+    EXPECT_EQ(count_, 4U);
+    EXPECT_TRUE(on_);
+}
+
 TEST_F(PropertiesTest, RefusedValuesChangeNothing) {
-    EXPECT_EQ(properties_.set("a.count", "11"), "a.count: out of range 0 to 10");
-    EXPECT_EQ(properties_.set("a.count", "-1"), "a.count: not a value of this property: -1");
-    EXPECT_EQ(properties_.set("a.small", "256"), "a.small: not a value of this property: 256");
-    EXPECT_EQ(properties_.set("a.factor", "1.5x"), "a.factor: not a value of this property: 1.5x");
-    EXPECT_EQ(properties_.set("a.factor", "nan"), "a.factor: not a value of this property: nan");
-    EXPECT_EQ(properties_.set("a.on", "maybe"), "a.on: not a value of this property: maybe");
-    EXPECT_EQ(properties_.set("ab", "bad"), "ab: not that one");
-    EXPECT_EQ(properties_.set("a.colour", "1"), "a.colour is read only");
-    EXPECT_EQ(properties_.set("a", "1"), "unknown property a");
+    EXPECT_EQ(sim::set_property(properties_, "a.count", "11"), "a.count: out of range 0 to 10");
+    EXPECT_EQ(sim::set_property(properties_, "a.count", "-1"), "a.count: not a value of this property: -1");
+    EXPECT_EQ(sim::set_property(properties_, "a.small", "256"), "a.small: not a value of this property: 256");
+    EXPECT_EQ(sim::set_property(properties_, "a.factor", "1.5x"), "a.factor: not a value of this property: 1.5x");
+    EXPECT_EQ(sim::set_property(properties_, "a.factor", "nan"), "a.factor: not a value of this property: nan");
+    EXPECT_EQ(sim::set_property(properties_, "a.on", "maybe"), "a.on: not a value of this property: maybe");
+    EXPECT_EQ(sim::set_property(properties_, "ab", "bad"), "ab: not that one");
+    EXPECT_EQ(sim::set_property(properties_, "a.colour", "1"), "a.colour is read only");
+    EXPECT_EQ(sim::set_property(properties_, "a", "1"), "unknown property a");
     EXPECT_EQ(count_, 3U);
     EXPECT_EQ(small_, 200);
     EXPECT_EQ(factor_, 0.5F);

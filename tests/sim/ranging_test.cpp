@@ -9,6 +9,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "sim/control/value_words.h"
 #include "sim/device/describe.h"
 
 namespace {
@@ -18,7 +19,9 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 void look_at(Ranging& ranging, char const* scene) {
-    auto const parsed = sim::Scene::parse(scene);
+    sim::Words words;
+    ASSERT_TRUE(sim::split_words(scene, words));
+    auto const parsed = sim::parse_scene(words);
     ASSERT_TRUE(parsed);
     ranging.set_scene(*parsed);
 }
@@ -33,8 +36,8 @@ VL53L5CX_ResultsData shot(Ranging& ranging, unsigned int measurements = 1) {
 void make_exact(Ranging& ranging) {
     sim::Properties properties;
     sim::describe(properties, ranging);
-    ASSERT_EQ(properties.set("ranging.noise", "0"), "");
-    ASSERT_EQ(properties.set("ranging.crosstalk.pull", "0"), "");
+    ASSERT_EQ(sim::set_property(properties, "ranging.noise", "0"), "");
+    ASSERT_EQ(sim::set_property(properties, "ranging.crosstalk.pull", "0"), "");
 }
 
 TEST(RangingTest, StartsAsPublished) {
@@ -191,7 +194,7 @@ TEST(RangingTest, NoiseComesFromItsSeed) {
         std::equal(std::begin(first.distance_mm), std::end(first.distance_mm), std::begin(second.distance_mm)));
     sim::Properties properties;
     sim::describe(properties, one);
-    EXPECT_EQ(properties.set("ranging.seed", "1"), "");
+    EXPECT_EQ(sim::set_property(properties, "ranging.seed", "1"), "");
     VL53L5CX_ResultsData const again = shot(one);
     EXPECT_TRUE(std::equal(std::begin(first.distance_mm), std::end(first.distance_mm), std::begin(again.distance_mm)));
 }
@@ -210,7 +213,7 @@ TEST(RangingTest, CrosstalkCalibrationTakesItsTimeAndTakesThePullAway) {
     make_exact(ranging);
     sim::Properties properties;
     sim::describe(properties, ranging);
-    EXPECT_EQ(properties.set("ranging.crosstalk.pull", "10"), "");
+    EXPECT_EQ(sim::set_property(properties, "ranging.crosstalk.pull", "10"), "");
     EXPECT_EQ(ranging.calibration_time({3, 1, 600}), seconds(1));
     EXPECT_EQ(ranging.calibration_time({3, 4, 600}), milliseconds(2500));
     EXPECT_EQ(ranging.calibration_time({3, 16, 600}), milliseconds(8500));
@@ -240,7 +243,7 @@ TEST(RangingTest, ModuleTestNeedsTheModuleAndTheEmitter) {
     EXPECT_EQ(ranging.test_illumination_module(false), 255);
     sim::Properties properties;
     sim::describe(properties, ranging);
-    EXPECT_EQ(properties.set("ranging.emitter_healthy", "false"), "");
+    EXPECT_EQ(sim::set_property(properties, "ranging.emitter_healthy", "false"), "");
     EXPECT_EQ(ranging.test_illumination_module(true), 255);
     VL53L5CX_ResultsData results{};
     EXPECT_EQ(ranging.shot(1, results), 255);
@@ -250,13 +253,13 @@ TEST(RangingTest, SettingsArePropertiesWithTheSameLimits) {
     Ranging ranging;
     sim::Properties properties;
     sim::describe(properties, ranging);
-    EXPECT_EQ(properties.set("ranging.resolution", "64"), "");
-    EXPECT_EQ(properties.set("ranging.frequency", "15"), "");
-    EXPECT_NE(properties.set("ranging.frequency", "16"), "");
-    EXPECT_NE(properties.set("ranging.frequency", "300"), "");
-    EXPECT_EQ(properties.set("ranging.mode", "1"), "");
-    EXPECT_EQ(properties.set("ranging.integration_time", "20"), "");
-    EXPECT_NE(properties.set("ranging.power", "2"), "");
+    EXPECT_EQ(sim::set_property(properties, "ranging.resolution", "64"), "");
+    EXPECT_EQ(sim::set_property(properties, "ranging.frequency", "15"), "");
+    EXPECT_NE(sim::set_property(properties, "ranging.frequency", "16"), "");
+    EXPECT_NE(sim::set_property(properties, "ranging.frequency", "300"), "");
+    EXPECT_EQ(sim::set_property(properties, "ranging.mode", "1"), "");
+    EXPECT_EQ(sim::set_property(properties, "ranging.integration_time", "20"), "");
+    EXPECT_NE(sim::set_property(properties, "ranging.power", "2"), "");
     EXPECT_EQ(ranging.resolution(), Ranging::Resolution::zones_8x8);
     EXPECT_EQ(ranging.frequency(), 15);
     EXPECT_EQ(ranging.ranging_mode(), Ranging::RangingMode::continuous);
@@ -268,9 +271,9 @@ TEST(RangingTest, SceneIsAPropertyToo) {
     Ranging ranging;
     sim::Properties properties;
     sim::describe(properties, ranging);
-    EXPECT_EQ(properties.set("ranging.scene", "step 500 900"), "");
+    EXPECT_EQ(sim::set_property(properties, "ranging.scene", "step 500 900"), "");
     EXPECT_EQ(ranging.scene().text(), "step 500 900");
-    EXPECT_NE(properties.set("ranging.scene", "step 500"), "");
+    EXPECT_NE(sim::set_property(properties, "ranging.scene", "step 500"), "");
     EXPECT_EQ(sim::value_text(properties.all().at("ranging.scene").get()), "step 500 900");
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "sim/control/value_words.h"
 #include "sim/device/describe.h"
 
 namespace {
@@ -283,13 +284,13 @@ TEST_F(RealTimeUnitTest, PinsHavePowerFromTheSupplyOnly) {
 TEST_F(RealTimeUnitTest, SettingsAreProperties) {
     sim::Properties properties;
     sim::describe(properties, unit_);
-    EXPECT_EQ(properties.set("rtu.imager_type", "1"), "");
-    EXPECT_EQ(properties.set("rtu.exposure.time", "30"), "");
-    EXPECT_NE(properties.set("rtu.exposure.time", "29"), "");
-    EXPECT_EQ(properties.set("rtu.trigger.rate", "60"), "");
-    EXPECT_NE(properties.set("rtu.trigger.rate", "61"), "");
-    EXPECT_EQ(properties.set("rtu.prohibited_time", "7"), "");
-    EXPECT_EQ(properties.set("rtu.trigger.continuous", "true"), "");
+    EXPECT_EQ(sim::set_property(properties, "rtu.imager_type", "1"), "");
+    EXPECT_EQ(sim::set_property(properties, "rtu.exposure.time", "30"), "");
+    EXPECT_NE(sim::set_property(properties, "rtu.exposure.time", "29"), "");
+    EXPECT_EQ(sim::set_property(properties, "rtu.trigger.rate", "60"), "");
+    EXPECT_NE(sim::set_property(properties, "rtu.trigger.rate", "61"), "");
+    EXPECT_EQ(sim::set_property(properties, "rtu.prohibited_time", "7"), "");
+    EXPECT_EQ(sim::set_property(properties, "rtu.trigger.continuous", "true"), "");
     run_until(Time(1s));
     EXPECT_EQ(sensor_.frames(), 60U);
 }

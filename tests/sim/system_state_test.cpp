@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "sim/control/value_words.h"
 #include "sim/device/describe.h"
 
 namespace {
@@ -58,7 +59,7 @@ TEST(SystemStateTest, TheTimeoutCanBeSet) {
     unsigned int timeout_ms = 0;
     system.get_heartbeat_timeout(timeout_ms);
     EXPECT_EQ(timeout_ms, 1000U);
-    EXPECT_EQ(properties.set("system.heartbeat.timeout", "2500"), "");
+    EXPECT_EQ(sim::set_property(properties, "system.heartbeat.timeout", "2500"), "");
     system.get_heartbeat_timeout(timeout_ms);
     EXPECT_EQ(timeout_ms, 2500U);
     system.trigger_heartbeat(1s);
@@ -70,8 +71,8 @@ TEST(SystemStateTest, ThePropertyRefusesWhatTheOperationRefuses) {
     SystemState system;
     sim::Properties properties;
     sim::describe(properties, system, [] { return 0s; });
-    EXPECT_NE(properties.set("system.state", "7"), "");
-    EXPECT_EQ(properties.set("system.state", "9"), "");
+    EXPECT_NE(sim::set_property(properties, "system.state", "7"), "");
+    EXPECT_EQ(sim::set_property(properties, "system.state", "9"), "");
     EXPECT_EQ(state_of(system), device_state_te::preview_network_reset);
 }
 
