@@ -40,7 +40,7 @@ std::vector<std::string> quoted_texts(std::string const& source) {
 
 std::set<std::string> operations_in_sources() {
     std::set<std::string> names;
-    for (auto const& entry : std::filesystem::directory_iterator(R47_SOURCE_DIR "/sim/hal")) {
+    for (auto const& entry : std::filesystem::directory_iterator(R47_SOURCE_DIR "/sim/library")) {
         std::ifstream file(entry.path());
         for (std::string line; std::getline(file, line);) {
             for (std::string const& text : quoted_texts(line)) {
