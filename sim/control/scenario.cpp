@@ -16,13 +16,22 @@ namespace {
 
 char const* const kBlanks = " \t\r";
 
-std::optional<ScenarioLine> parse_line(std::string const& text, int number) {
+// `before`: the time of the line before.
+std::optional<Time> parse_time(std::string_view word, Time before) {
+    if (word.front() != '+') {
+        return parse_duration(word);
+    }
+    auto const later = parse_duration(word.substr(1));
+    return later && before + *later <= kLongestDuration ? std::optional<Time>(before + *later) : std::nullopt;
+}
+
+std::optional<ScenarioLine> parse_line(std::string const& text, int number, Time before) {
     std::size_t const first = text.find_first_not_of(kBlanks);
     if (first == std::string::npos || text[first] == '#') {
         return std::nullopt;
     }
     std::size_t const end = std::min(text.find_first_of(kBlanks, first), text.size());
-    auto const due = parse_duration(std::string_view(text).substr(first, end - first));
+    auto const due = parse_time(std::string_view(text).substr(first, end - first), before);
     return ScenarioLine{number, due, text.substr(due ? end : first)};
 }
 
@@ -100,7 +109,8 @@ Scenario parse_scenario(std::istream& lines) {
     Scenario scenario;
     std::string line;
     for (int number = 1; std::getline(lines, line); ++number) {
-        if (auto const parsed = parse_line(line, number)) {
+        Time const before = scenario.empty() ? Time(0) : scenario.back().due.value_or(Time(0));
+        if (auto const parsed = parse_line(line, number, before)) {
             scenario.push_back(*parsed);
         }
     }

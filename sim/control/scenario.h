@@ -18,7 +18,8 @@ struct ScenarioLine {
 
 using Scenario = std::vector<ScenarioLine>;
 
-// Reads lines of the form "[TIME] COMMAND"; empty lines and those that begin with # are left out.
+// Reads lines of the form "[TIME] COMMAND"; empty lines and those that begin with # are left out. A time is one since
+// the start, or with a + one since that of the line before. One beyond kLongestDuration is none, and so a bad command.
 Scenario parse_scenario(std::istream& lines);
 // Reads the file and carries it out on a device of its own without the files `missing`, so that a bad line is found
 // before it is too late. An error names the file and, for a bad line, its number.

@@ -11,8 +11,6 @@ namespace sim {
 
 namespace {
 
-constexpr double kLongestSeconds = 24.0 * 3600;
-
 struct Unit {
     std::string_view name;
     double microseconds;
@@ -87,7 +85,8 @@ std::optional<Duration> parse_duration(std::string_view text) {
             continue;
         }
         auto const number = parse_float(text.substr(0, text.size() - unit.name.size()));
-        if (!number || *number < 0 || *number * unit.microseconds > kLongestSeconds * 1e6) {
+        if (!number || text.front() == '+' || text.front() == '-' ||
+            *number * unit.microseconds > static_cast<double>(kLongestDuration.count())) {
             return std::nullopt;
         }
         return Duration(std::llround(*number * unit.microseconds));

@@ -12,7 +12,7 @@ namespace sim {
 using Time = std::chrono::microseconds;
 using Duration = std::chrono::microseconds;
 
-// Which way the time passes. A plain value without a lock: delivery/timeline.h keeps the device's clock.
+// Which way the time passes. A plain value without a lock: core/timeline.h keeps the device's clock.
 // A change of mode keeps the time that has been reached.
 class Clock {
 public:
@@ -45,8 +45,11 @@ private:
     Time origin_{0};
 };
 
-// "3s", "250ms", "10us", also with decimals as in "1.5s"; nothing for any other text or beyond one day, so
-// that a device that triggers all the while keeps up and no sum of times overflows.
+// So that a device that triggers all the while keeps up, and no sum of times overflows.
+constexpr Duration kLongestDuration = std::chrono::hours(24);
+
+// "3s", "250ms", "10us", also with decimals as in "1.5s"; nothing for any other text, for one with a sign, or beyond
+// kLongestDuration.
 std::optional<Duration> parse_duration(std::string_view text);
 // Seconds with six decimals, as the journal writes them.
 std::string seconds(Time time);

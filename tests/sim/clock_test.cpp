@@ -64,7 +64,8 @@ TEST(ClockTest, DurationsAreReadInAllUnits) {
 }
 
 TEST(ClockTest, OtherTextsAreNoDurations) {
-    for (char const* text : {"", "s", "3", "3 s", "-1s", "3sec", "xs", "1e300s", "nans", "infs", "86401s", "--1s"}) {
+    for (char const* text :
+         {"", "s", "3", "3 s", "-1s", "3sec", "xs", "1e300s", "nans", "infs", "86401s", "--1s", "+1s", "-0s"}) {
         EXPECT_FALSE(parse_duration(text)) << text;
     }
 }

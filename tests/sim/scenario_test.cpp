@@ -51,6 +51,38 @@ TEST_F(ScenarioTest, LinesHaveAnOptionalTime) {
     EXPECT_EQ(scenario[2].due, 250ms);
 }
 
+TEST_F(ScenarioTest, APlusCountsFromTheTimeOfTheLineBefore) {
+    Scenario const scenario =
+        parse("2s help\n+500ms help\n# no line\n\n+0s help\n1s help\n+1us help\nhelp\n+3s help\n");
+    ASSERT_EQ(scenario.size(), 7U);
+    EXPECT_EQ(scenario[1].due, 2500ms);
+    EXPECT_EQ(scenario[1].command, " help");
+    EXPECT_EQ(scenario[2].due, 2500ms);
+    EXPECT_EQ(scenario[4].due, 1s + 1us);
+    EXPECT_EQ(scenario[6].due, 3s) << "after a line without a time from the start on";
+    EXPECT_EQ(parse("+2s help\n")[0].due, 2s);
+}
+
+TEST_F(ScenarioTest, LinesWithAPlusRunAtTheirTime) {
+    Scenario scenario;
+    ASSERT_EQ(load("1s set system.state 5\n+1s set system.state 6\n", scenario), "");
+    ASSERT_EQ(sim::start_scenario(scenario, device_), "");
+    device_.timeline.step(1999ms - device_.now());
+    EXPECT_EQ(state(), hal::device_state_te::warning);
+    device_.timeline.step(1ms);
+    EXPECT_EQ(state(), hal::device_state_te::error);
+}
+
+TEST_F(ScenarioTest, ATimeThatIsNoneIsABadCommand) {
+    Scenario scenario;
+    for (std::string const word : {"+", "+1", "++1s", "+-1s", "-1s", "+x"}) {
+        EXPECT_EQ(load("1s help\n" + word + " help\n", scenario),
+                  "scenario " + path_ + ", line 2: unknown command \"" + word + "\": try help");
+    }
+    EXPECT_EQ(load("86400s help\n+0s help\n", scenario), "");
+    EXPECT_NE(load("86400s help\n+1us help\n", scenario), "") << "beyond a day";
+}
+
 TEST_F(ScenarioTest, UntimedLinesRunAtOnceAndTimedOnesAtTheirTime) {
     Scenario scenario;
     ASSERT_EQ(load("2s set system.state 6\n1s set system.state 5\nset system.state 3\n", scenario), "");
