@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "sim/control/verbs.h"
-#include "sim/library/text.h"
+#include "sim/core/text.h"
 
 namespace sim {
 

@@ -11,12 +11,10 @@
 #include <vector>
 
 #include "sim/core/numbers.h"
+#include "sim/core/text.h"
 #include "sim/library/records.h"
 
 namespace sim {
-
-// In double quotes, with \" \\ \n and \xHH for what cannot be printed.
-std::string quoted(std::string const& text);
 
 // Stands for another object of the library among the arguments: "#2".
 struct ObjectNumber {
