@@ -1,5 +1,5 @@
 // The verbs for what surrounds the camera: wires, supply, fitted sensor and triggers from outside.
-#include <array>
+#include <algorithm>
 
 #include "sim/control/value_words.h"
 #include "sim/control/verbs.h"
@@ -15,12 +15,6 @@ char const* const kFitUsage = "fit imx296 | imx567 | none";
 char const* const kTriggerUsage = "trigger COUNT [at RATE]";
 
 constexpr unsigned int kMostTriggers = 1'000'000;
-
-struct Sensor {
-    char const* name;
-    char const* node;
-};
-constexpr std::array<Sensor, 2> kSensors{{{"imx296", "/dev/imx296"}, {"imx567", "/dev/imx567"}}};
 
 std::optional<unsigned int> parse_count(std::string const& text) {
     auto const count = parse_integer_as<unsigned int>(text);
@@ -59,12 +53,15 @@ Error make_present(Nodes& nodes, std::string const& node, bool present) {
 }
 
 Reply fit(Caller const& caller, Words const& words) {
+    auto const sensors = image_sensors();
     std::string const name = words.size() == 1 ? words.front() : "";
-    if (name != "none" && name != kSensors[0].name && name != kSensors[1].name) {
+    bool const is_sensor =
+        std::any_of(sensors.begin(), sensors.end(), [&](SensorFacts const* sensor) { return name == sensor->name; });
+    if (name != "none" && !is_sensor) {
         return usage_error(kFitUsage);
     }
-    for (Sensor const& sensor : kSensors) {
-        Error const error = make_present(caller.device.nodes, sensor.node, name == sensor.name);
+    for (SensorFacts const* const sensor : sensors) {
+        Error const error = make_present(caller.device.nodes, sensor->node, name == sensor->name);
         if (!error.empty()) {
             return Reply::error(error);
         }

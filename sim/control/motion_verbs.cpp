@@ -10,6 +10,10 @@ char const* const kTiltUsage = "tilt YAW PITCH ROLL [over DURATION]";
 char const* const kPressUsage = "press DURATION";
 char const* const kButtonUsage = "button down\nbutton up";
 
+std::string both_ways(double most) {
+    return number_text(-most) + " to " + number_text(most);
+}
+
 Reply tilt(Caller const& caller, Words const& words) {
     bool const turns = words.size() == 5 && words[3] == "over";
     if (words.size() != 3 && !turns) {
@@ -27,7 +31,8 @@ Reply tilt(Caller const& caller, Words const& words) {
     }
     Device& device = caller.device;
     if (!device.hub.tilt({*yaw, *pitch, *roll}, device.now(), *over)) {
-        return Reply::error("angle out of range: yaw and roll -360 to 360, pitch -90 to 90");
+        return Reply::error("angle out of range: yaw and roll " + both_ways(Orientation::kMostTurn) + ", pitch " +
+                            both_ways(Orientation::kMostPitch));
     }
     return Reply::done();
 }

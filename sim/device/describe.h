@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <string>
 
 #include "sim/device/properties.h"
 #include "sim/models/autofocus.h"
@@ -22,8 +21,7 @@ void describe(Properties& properties, ModuleInfo& modules);
 // With its pins.
 void describe(Properties& properties, RealTimeUnit& unit);
 void describe(Properties& properties, DigitalIo const& pins);
-// Under the name `name`.
-void describe(Properties& properties, ImageSensor& sensor, std::string const& name);
+void describe(Properties& properties, ImageSensor& sensor);
 void describe(Properties& properties, Illumination& light);
 void describe(Properties& properties, Autofocus& focus);
 void describe(Properties& properties, Ranging& ranging);

@@ -83,7 +83,8 @@ void describe(Properties& properties, DigitalIo const& pins) {
                    [&pins] { return pins.encoder_position(); });
 }
 
-void describe(Properties& properties, ImageSensor& sensor, std::string const& name) {
+void describe(Properties& properties, ImageSensor& sensor) {
+    std::string const name = sensor.facts().name;
     properties.add(
         name + ".colour", "variant: 0 monochrome, 1 colour", [&sensor] { return sensor.variant(); },
         [&sensor](unsigned int variant) { return sensor.set_variant(variant); }, 0U, ImageSensor::kMaxVariant);

@@ -48,8 +48,8 @@ void Device::describe() {
     sim::describe(properties, system, time);
     sim::describe(properties, modules);
     sim::describe(properties, rtu);
-    sim::describe(properties, imx296, "imx296");
-    sim::describe(properties, imx567, "imx567");
+    sim::describe(properties, imx296);
+    sim::describe(properties, imx567);
     sim::describe(properties, illumination);
     sim::describe(properties, autofocus);
     properties.add("autofocus.doe.active", "whether it shines now",

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "sim/models/firmware_image.h"
+#include "sim/models/image_sensor.h"
 
 namespace sim {
 
@@ -42,8 +43,8 @@ std::vector<NodeFile> const& device_files() {
         {"/dev/r47-illumination-driver", ""},
         {"/dev/r47-autofocus-driver", ""},
         {"/dev/r47-tof-driver", ""},
-        {"/dev/imx296", ""},
-        {"/dev/imx567", ""},
+        {imx296_facts().node, ""},
+        {imx567_facts().node, ""},
         {"/dev/i2c-2", ""},
         {"/dev/gpiochip1", ""},
         {"/sys/class/gpio/gpio481/value", "0\n"},
@@ -102,10 +103,12 @@ Error MemoryFileSystem::write(NodeFile const& file) {
 }
 
 hal::imx_te Nodes::fitted_sensor() const {
-    if (present("/dev/imx296")) {
-        return hal::imx_te::imx296;
+    for (SensorFacts const* const sensor : image_sensors()) {
+        if (present(sensor->node)) {
+            return sensor->type;
+        }
     }
-    return present("/dev/imx567") ? hal::imx_te::imx567 : hal::imx_te::none;
+    return hal::imx_te::none;
 }
 
 Error Nodes::remove(std::string const& path) {

@@ -7,8 +7,8 @@ namespace sim {
 
 namespace {
 
-constexpr SensorFacts kImx296{hal::imx_te::imx296, 1456, 1088, 4, 480, 30, 15'500'000, 60};
-constexpr SensorFacts kImx567{hal::imx_te::imx567, 2472, 2064, 8, 480, 1, 100'000'000, 96};
+constexpr SensorFacts kImx296{hal::imx_te::imx296, "imx296", "/dev/imx296", 1456, 1088, 4, 480, 30, 15'500'000, 60};
+constexpr SensorFacts kImx567{hal::imx_te::imx567, "imx567", "/dev/imx567", 2472, 2064, 8, 480, 1, 100'000'000, 96};
 
 // The region keeps at least one cell of the grid.
 bool is_on_grid(unsigned int offset, unsigned int size, unsigned int grid) {
@@ -23,6 +23,19 @@ SensorFacts const& imx296_facts() {
 
 SensorFacts const& imx567_facts() {
     return kImx567;
+}
+
+std::array<SensorFacts const*, 2> image_sensors() {
+    return {&kImx296, &kImx567};
+}
+
+SensorFacts const* find_image_sensor(hal::imx_te type) {
+    for (SensorFacts const* const sensor : image_sensors()) {
+        if (sensor->type == type) {
+            return sensor;
+        }
+    }
+    return nullptr;
 }
 
 int ImageSensor::get_variant(unsigned int& variant) const {

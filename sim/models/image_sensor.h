@@ -1,13 +1,17 @@
 // One image sensor: gain, region of interest, scan mode and the frames that it took.
 #pragma once
 
+#include <array>
+
 #include "hal/types.h"
 
 namespace sim {
 
-// What a type of sensor can do.
+// A type of sensor: how it is called, and what it can do.
 struct SensorFacts {
     hal::imx_te type;
+    char const* name;
+    char const* node;    // the file by which programs find it
     unsigned int width;  // pixels
     unsigned int height;
     unsigned int roi_grid;         // the region of interest begins at multiples of it, in pixels
@@ -19,6 +23,10 @@ struct SensorFacts {
 
 SensorFacts const& imx296_facts();
 SensorFacts const& imx567_facts();
+// Both, the one that counts where both are fitted first.
+std::array<SensorFacts const*, 2> image_sensors();
+// Null where the type is none of them.
+SensorFacts const* find_image_sensor(hal::imx_te type);
 
 // Setters refuse (-1, EINVAL) what the sensor cannot do and keep the old value.
 class ImageSensor {

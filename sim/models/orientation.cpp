@@ -95,8 +95,8 @@ double angle_between(Rotation const& one, Rotation const& other) {
 }
 
 bool Orientation::tilt(Angles const& target, Time now, Duration over) {
-    bool const in_range =
-        std::fabs(target.yaw) <= 360 && std::fabs(target.pitch) <= 90 && std::fabs(target.roll) <= 360;
+    bool const in_range = std::fabs(target.yaw) <= kMostTurn && std::fabs(target.pitch) <= kMostPitch &&
+                          std::fabs(target.roll) <= kMostTurn;
     if (in_range) {
         from_ = at(now);
         to_ = rotation_of(target);

@@ -32,9 +32,12 @@ double angle_between(Rotation const& one, Rotation const& other);
 // Level at first. The noise depends on the seed and the time alone, so that every run measures the same.
 class Orientation {
 public:
-    static constexpr double kMostNoise = 10.0;  // degrees
+    // Degrees, either way.
+    static constexpr double kMostTurn = 360.0;  // of yaw and roll
+    static constexpr double kMostPitch = 90.0;
+    static constexpr double kMostNoise = 10.0;
 
-    // False, and nothing changes, where an angle is out of range: yaw and roll -360 to 360, pitch -90 to 90.
+    // False, and nothing changes, where an angle is out of range.
     // Over a time the device turns evenly on the shortest way.
     bool tilt(Angles const& target, Time now, Duration over = Duration(0));
 

@@ -13,17 +13,11 @@ constexpr std::int64_t kSecond = 1'000'000;  // us
 constexpr unsigned int kFullBrightness = 100;
 
 // What the unit does without an imager: as fast as its generator, as short and as long as any sensor.
-constexpr SensorFacts kNoImager{hal::imx_te::none, 0, 0, 1, 0, 1, 100'000'000, 1000};
+constexpr SensorFacts kNoImager{hal::imx_te::none, "none", "", 0, 0, 1, 0, 1, 100'000'000, 1000};
 
 SensorFacts const& facts_of(hal::imx_te type) {
-    switch (type) {
-        case hal::imx_te::imx296:
-            return imx296_facts();
-        case hal::imx_te::imx567:
-            return imx567_facts();
-        default:
-            return kNoImager;
-    }
+    SensorFacts const* const sensor = find_image_sensor(type);
+    return sensor != nullptr ? *sensor : kNoImager;
 }
 
 Duration frame_period(SensorFacts const& facts) {

@@ -15,20 +15,20 @@ constexpr unsigned int kGyroscopeRange = 2000;    // degrees per second
 
 constexpr VirtualSensor acceleration(unsigned int id, std::string_view name, double min_rate = kContinuousMin,
                                      double least_rate = kContinuousLeast) {
-    return {id, name, true, min_rate, least_rate, kContinuousMax, kAccelerometerRange, 16, 7};
+    return {id, name, true, false, min_rate, least_rate, kContinuousMax, kAccelerometerRange, 16, 7};
 }
 
 constexpr VirtualSensor turn_rate(unsigned int id, std::string_view name, double min_rate = kContinuousMin,
                                   double least_rate = kContinuousLeast) {
-    return {id, name, true, min_rate, least_rate, kContinuousMax, kGyroscopeRange, 16, 7};
+    return {id, name, true, false, min_rate, least_rate, kContinuousMax, kGyroscopeRange, 16, 7};
 }
 
 constexpr VirtualSensor rotation_vector(unsigned int id, std::string_view name) {
-    return {id, name, true, kContinuousMin, kContinuousLeast, kContinuousMax, 1, 16, 11};
+    return {id, name, true, true, kContinuousMin, kContinuousLeast, kContinuousMax, 1, 16, 11};
 }
 
 constexpr VirtualSensor event(unsigned int id, std::string_view name, unsigned int event_size = 1) {
-    return {id, name, false, 1, 1, 1, 0, 1, event_size};
+    return {id, name, false, false, 1, 1, 1, 0, 1, event_size};
 }
 
 // As on a hub without magnetometer.

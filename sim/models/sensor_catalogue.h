@@ -11,6 +11,7 @@ struct VirtualSensor {
     unsigned int id;
     std::string_view name;
     bool continuous;          // delivers samples at its rate, not events
+    bool orientation;         // its samples carry the orientation
     double min_rate;          // Hz, the sensor's own
     double least_rate;        // Hz, that may be asked for: below its own least the hub leaves samples out
     double max_rate;          // Hz

@@ -44,10 +44,6 @@ constexpr std::array<Flag, 8> kControlFlags{{
     {0x80, "open drain", "push-pull"},
 }};
 
-bool is_orientation(unsigned int id) {
-    return id == 37 || id == 38;
-}
-
 template <typename... Args>
 std::string line(char const* format, Args... args) {
     std::array<char, 160> text{};
@@ -160,12 +156,13 @@ std::optional<Time> SensorHub::next_delivery() const {
 // Takes the samples due up to now. Those of events are none: the device lies on a bench.
 void SensorHub::advance(Time now) {
     for (auto& [id, activity] : active_) {
-        if (!find_virtual_sensor(id)->continuous) {
+        VirtualSensor const& sensor = *find_virtual_sensor(id);
+        if (!sensor.continuous) {
             continue;
         }
         for (Time due = activity.sample_time(activity.taken + 1); due <= now;
              due = activity.sample_time(activity.taken + 1)) {
-            auto const kind = is_orientation(id) ? hal::cb_struct_te::quaternion_s16 : hal::cb_struct_te::none;
+            auto const kind = sensor.orientation ? hal::cb_struct_te::quaternion_s16 : hal::cb_struct_te::none;
             activity.pending.push_back({due, static_cast<std::uint8_t>(id), kind, orientation_.measure(due)});
             ++activity.taken;
         }
@@ -194,7 +191,7 @@ bool SensorHub::tilt(Angles const& target, Time now, Duration over) {
 }
 
 int SensorHub::measure(unsigned int id, Time now, hal::quaternion_s16_t& sample) const {
-    if (!is_orientation(id) || active_.count(id) == 0) {
+    if (active_.count(id) == 0 || !find_virtual_sensor(id)->orientation) {
         return refuse(EIO);
     }
     sample = orientation_.measure(now);

@@ -91,7 +91,7 @@ TEST(ImageSensorTest, FramesAreCounted) {
 TEST(ImageSensorTest, GainAndVariantAreProperties) {
     ImageSensor sensor(sim::imx296_facts());
     sim::Properties properties;
-    sim::describe(properties, sensor, "imx296");
+    sim::describe(properties, sensor);
     EXPECT_EQ(sim::set_property(properties, "imx296.colour", "1"), "");
     unsigned int variant = 0;
     EXPECT_EQ(sensor.get_variant(variant), 0);
