@@ -65,10 +65,10 @@ TEST_F(FaultsTest, EffectsCanBeCombined) {
 
 TEST_F(FaultsTest, TheListHasEveryRuleInOneOrderAndWithoutLoss) {
     EXPECT_EQ(
-        add({"*", "value", "0x30,-1,0.1,true,18446744073709551615", "delay", "0.29", "status", "4", "count", "0x2"}),
+        add({"*", "value", "0x30,-1,0.1,true,18446744073709551615", "delay", "2.01", "status", "4", "count", "0x2"}),
         "");
-    EXPECT_EQ(rules_.list(), "1  * count 2 status 4 delay 0.29 value 48,-1,0.1,1,1.8446744073709551615e+19  fired 0\n");
-    EXPECT_EQ(rules_.next_call("tof_t::shot").delay, 290us);
+    EXPECT_EQ(rules_.list(), "1  * count 2 status 4 delay 2.01 value 48,-1,0.1,1,1.8446744073709551615e+19  fired 0\n");
+    EXPECT_EQ(rules_.next_call("tof_t::shot").delay, 2010us);
 }
 
 TEST_F(FaultsTest, ARuleAnswersItsId) {

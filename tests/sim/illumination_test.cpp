@@ -291,6 +291,40 @@ TEST(IlluminationTest, MissingModuleDoesNotAnswer) {
     EXPECT_EQ(errno, ENODEV);
 }
 
+TEST(IlluminationTest, AHandPassesTheWriteProtectionAndTheKindOfTheModule) {
+    Illumination illumination;
+    illumination.module.rgbw = false;
+    ASSERT_TRUE(illumination.write_protected());
+    sim::Properties properties;
+    sim::describe(properties, illumination);
+    struct {
+        char const* name;
+        char const* most;
+        char const* beyond;
+    } const cases[] = {
+        {"segments", "15", "16"},          {"brightness.total", "14", "15"}, {"brightness.red", "100", "101"},
+        {"brightness.green", "99", "101"}, {"brightness.blue", "98", "101"}, {"limit.dc", "13", "15"},
+        {"limit.flash", "12", "15"},       {"limit.ot_off", "100", "39"},    {"limit.ot_decrease", "30", "31"}};
+    for (auto const& setting : cases) {
+        std::string const name = std::string("illumination.") + setting.name;
+        EXPECT_EQ(sim::set_property(properties, name, setting.most), "");
+        EXPECT_NE(sim::set_property(properties, name, setting.beyond), "");
+    }
+    for (auto const& setting : cases) {
+        EXPECT_EQ(sim::value_text(properties.find(std::string("illumination.") + setting.name)->get()), setting.most);
+    }
+    illumination.module.rgbw = true;
+    for (auto const& [colour, percent] :
+         {std::pair(Illumination::red, 100U), {Illumination::green, 99U}, {Illumination::blue, 98U}}) {
+        unsigned int shown = 0;
+        EXPECT_EQ(illumination.get_colour(colour, shown), 0);
+        EXPECT_EQ(shown, percent);
+    }
+    EXPECT_EQ(sim::set_property(properties, "illumination.guards.dvs", "false"), "");
+    EXPECT_FALSE(illumination.guards().dvs);
+    EXPECT_TRUE(illumination.guards().over_temperature);
+}
+
 TEST(IlluminationTest, PropertiesShowAndSetTheModule) {
     Illumination illumination;
     sim::Properties properties;

@@ -267,6 +267,27 @@ TEST(RangingTest, SettingsArePropertiesWithTheSameLimits) {
     EXPECT_EQ(ranging.power_mode(), Ranging::PowerMode::wakeup);
 }
 
+TEST(RangingTest, WhatIsSetByHandHasItsRange) {
+    struct {
+        char const* name;
+        char const* best;
+        char const* beyond;
+        char const* range;
+    } const cases[] = {{"ranging.crosstalk.pull", "50", "50.1", "0 to 50"},
+                       {"ranging.noise", "100", "-0.1", "0 to 100"},
+                       {"ranging.ambient", "10000", "10001", "0 to 10000"},
+                       {"ranging.temperature", "-40", "-40.5", "-40 to 125"}};
+    Ranging ranging;
+    sim::Properties properties;
+    sim::describe(properties, ranging);
+    for (auto const& expected : cases) {
+        std::string const name = expected.name;
+        EXPECT_EQ(sim::set_property(properties, name, expected.best), "");
+        EXPECT_EQ(sim::set_property(properties, name, expected.beyond), name + ": out of range " + expected.range);
+        EXPECT_EQ(sim::value_text(properties.all().at(name).get()), expected.best);
+    }
+}
+
 TEST(RangingTest, SceneIsAPropertyToo) {
     Ranging ranging;
     sim::Properties properties;
