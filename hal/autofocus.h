@@ -11,16 +11,17 @@ namespace hal {
 // Mode of the diffractive optical element. Codes are typed by number, so any int may arrive.
 enum class doe_mode_te : int { disabled = 0, off_by_trigger = 1 };
 
+// Flags: any byte but 0 is true.
 struct af_error {
-    bool reserved;
-    bool no_valid_frequency;
-    bool initialization_error;
-    bool motor_stuck;
-    bool target_unreachable;
-    bool mirror_failure;
-    bool no_mirror;
-    bool communication_error;
-    bool empty_calibration_table;
+    unsigned char reserved;
+    unsigned char no_valid_frequency;
+    unsigned char initialization_error;
+    unsigned char motor_stuck;
+    unsigned char target_unreachable;
+    unsigned char mirror_failure;
+    unsigned char no_mirror;
+    unsigned char communication_error;
+    unsigned char empty_calibration_table;
 };
 static_assert(sizeof(af_error) == 9);
 static_assert(offsetof(af_error, no_valid_frequency) == 1);

@@ -18,15 +18,16 @@ enum class exposure_mode : unsigned int { continuous = 0, flash = 0xFFFE, switch
 // The module's own error number; 0 means none.
 enum class illu_error_code : unsigned int {};
 
+// Flags: any byte but 0 is true.
 struct spot_flags {
-    bool general_error;
-    bool low_power;
-    bool trigger_overflow;
-    bool driver_error;
-    bool calibration_error;
-    bool dvsc;
-    bool bc;
-    bool over_temperature;
+    unsigned char general_error;
+    unsigned char low_power;
+    unsigned char trigger_overflow;
+    unsigned char driver_error;
+    unsigned char calibration_error;
+    unsigned char dvsc;
+    unsigned char bc;
+    unsigned char over_temperature;
 };
 static_assert(sizeof(spot_flags) == 8);
 static_assert(offsetof(spot_flags, low_power) == 1);
@@ -48,11 +49,12 @@ static_assert(offsetof(spot_states, operating_mode) == 4);
 static_assert(offsetof(spot_states, segments) == 8);
 static_assert(offsetof(spot_states, further_state) == 12);
 
+// Flags, as above.
 struct illu_guards {
-    bool over_temperature;
-    bool dvs;
-    bool autocal;
-    bool pvd;
+    unsigned char over_temperature;
+    unsigned char dvs;
+    unsigned char autocal;
+    unsigned char pvd;
 };
 static_assert(sizeof(illu_guards) == 4);
 static_assert(offsetof(illu_guards, dvs) == 1);

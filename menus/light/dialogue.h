@@ -14,6 +14,6 @@ Number ask(char const* prompt) {
     return value;
 }
 
-inline void print_flag(char const* label, bool flag) {
-    std::cout << label << (flag ? "TRUE " : "FALSE ") << std::endl;
+inline void print_flag(char const* label, unsigned char flag) {
+    std::cout << label << (flag != 0 ? "TRUE " : "FALSE ") << std::endl;
 }

@@ -7,7 +7,7 @@ namespace sim {
 namespace {
 
 using Setting = Illumination::Setting;
-using Guard = bool hal::illu_guards::*;
+using Guard = unsigned char hal::illu_guards::*;
 
 constexpr double kDegreeParts = 1000;  // the sensors' own degree is a whole one
 constexpr double kStepParts = 1000;    // the motor moves so much of a step in a microsecond
@@ -34,10 +34,10 @@ void add_settings(Properties& properties, Illumination& light) {
 void add_switches(Properties& properties, Illumination& light) {
     auto const add_guard = [&](char const* name, char const* help, Guard guard) {
         properties.add(
-            name, help, [&light, guard] { return light.guards().*guard; },
+            name, help, [&light, guard] { return light.guards().*guard != 0; },
             [&light, guard](bool on) {
                 hal::illu_guards guards = light.guards();
-                guards.*guard = on;
+                guards.*guard = on ? 1 : 0;
                 light.put_guards(guards);
             });
     };
@@ -82,16 +82,16 @@ void add_flags(Properties& properties, Illumination& light) {
     properties.add_variable("illumination.flags.dvsc", "set by hand", disturbances.dvsc);
     properties.add_variable("illumination.flags.bc", "set by hand", disturbances.bc);
     properties.add("illumination.flags.trigger_overflow", "the flash is longer than the triggers are apart",
-                   [&light] { return light.flags().trigger_overflow; });
+                   [&light] { return light.flags().trigger_overflow != 0; });
     properties.add("illumination.flags.over_temperature", "from the off limit until it has cooled by the decrease",
-                   [&light] { return light.flags().over_temperature; });
+                   [&light] { return light.flags().over_temperature != 0; });
     properties.add("illumination.error_code", "number of the gravest flag; 0: none",
                    [&light] { return light.error_code(); });
 }
 
 void add_errors(Properties& properties, Autofocus const& focus) {
     auto const add = [&](char const* name, char const* help, auto get) {
-        properties.add(name, help, [&focus, get] { return get(focus.errors()); });
+        properties.add(name, help, [&focus, get] { return get(focus.errors()) != 0; });
     };
     using Errors = hal::af_error;
     add("autofocus.error.no_valid_frequency", "no calibration has found one",

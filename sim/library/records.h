@@ -96,6 +96,11 @@ struct Fields<VL53L5CX_ResultsData> {
     }
 };
 
+// Records whose bytes are flags, of which any but 0 is true.
+template <typename T>
+constexpr bool is_flags =
+    std::is_same_v<T, hal::spot_flags> || std::is_same_v<T, hal::illu_guards> || std::is_same_v<T, hal::af_error>;
+
 template <typename T, typename = void>
 struct is_record : std::false_type {};
 template <typename T>

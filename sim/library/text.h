@@ -60,7 +60,9 @@ std::string list_of(T const&... values) {
 
 template <typename T>
 std::string text_of(T const& value) {
-    if constexpr (is_record<T>::value) {
+    if constexpr (is_flags<T>) {
+        return "{" + std::apply([](auto... flags) { return list_of((flags != 0)...); }, Fields<T>::of(value)) + "}";
+    } else if constexpr (is_record<T>::value) {
         return "{" + std::apply([](auto const&... fields) { return list_of(fields...); }, Fields<T>::of(value)) + "}";
     } else if constexpr (std::is_array_v<T>) {
         std::string list;

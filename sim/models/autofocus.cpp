@@ -98,7 +98,7 @@ void Autofocus::move(Duration length) {
         without_motion_ += length;
         if (without_motion_ >= kStuckAfter) {
             raised_.motor_stuck = true;
-            raised_.initialization_error |= homing_;
+            raised_.initialization_error = raised_.initialization_error != 0 || homing_;
             homing_ = false;
             target_ = position_;
         }

@@ -64,7 +64,7 @@ double time_to_reach(double mark, double from, double to, double time_constant) 
 unsigned int gravest(hal::spot_flags const& flags) {
     using Flags = hal::spot_flags;
     struct {
-        bool set;
+        unsigned char set;
         std::size_t offset;
     } const order[] = {
         {flags.driver_error, offsetof(Flags, driver_error)},
@@ -76,7 +76,7 @@ unsigned int gravest(hal::spot_flags const& flags) {
         {flags.trigger_overflow, offsetof(Flags, trigger_overflow)},
     };
     for (auto const& flag : order) {
-        if (flag.set) {
+        if (flag.set != 0) {
             return static_cast<unsigned int>(flag.offset);
         }
     }
@@ -276,7 +276,7 @@ unsigned int Illumination::overdrive() const {
 
 bool Illumination::lit() const {
     bool const any = brightness() + colours() > 0;
-    bool const switched_off = too_hot_ && guards_.over_temperature;
+    bool const switched_off = too_hot_ && guards_.over_temperature != 0;
     return module.present && mode_ == hal::illumination_mode_te::active && segments() != 0 && any && !switched_off;
 }
 

@@ -6,27 +6,6 @@
 namespace library_double {
 
 template <>
-hal::af_error taken() {
-    hal::af_error error{};
-    for (bool* flag : {&error.reserved, &error.no_valid_frequency, &error.initialization_error, &error.motor_stuck,
-                       &error.target_unreachable, &error.mirror_failure, &error.no_mirror, &error.communication_error,
-                       &error.empty_calibration_table}) {
-        *flag = taken<bool>();
-    }
-    return error;
-}
-
-template <>
-hal::spot_flags taken() {
-    hal::spot_flags flags{};
-    for (bool* flag : {&flags.general_error, &flags.low_power, &flags.trigger_overflow, &flags.driver_error,
-                       &flags.calibration_error, &flags.dvsc, &flags.bc, &flags.over_temperature}) {
-        *flag = taken<bool>();
-    }
-    return flags;
-}
-
-template <>
 hal::spot_states taken() {
     hal::spot_states states{};
     states.light_range = taken<std::uint32_t>();
@@ -36,15 +15,6 @@ hal::spot_states taken() {
     }
     states.further_state = taken<std::uint8_t>();
     return states;
-}
-
-template <>
-hal::illu_guards taken() {
-    hal::illu_guards guards{};
-    for (bool* flag : {&guards.over_temperature, &guards.dvs, &guards.autocal, &guards.pvd}) {
-        *flag = taken<bool>();
-    }
-    return guards;
 }
 
 }  // namespace library_double

@@ -170,6 +170,15 @@ TEST(AutofocusMenuTest, ErrorsPrintInTheirOwnOrderAndTheFirstFlagNever) {
     expect_run(kAutofocus, steps, with_scenario(scenario));
 }
 
+TEST(AutofocusMenuTest, AnyByteButZeroIsATrueFlag) {
+    expect_run(kAutofocus,
+               {{'e',
+                 "",
+                 errors({"no_valid_frequency", "motor_stuck"}),
+                 {"autofocus_t::read_error() = 0 [{false, true, false, true, false, false, false, false, false}]"}}},
+               with_scenario({"fault add autofocus_t::read_error value 0,2,0,255"}));
+}
+
 TEST(AutofocusMenuTest, NegativePositionIsPrintedAsItWasTyped) {
     expect_run(
         kAutofocus,

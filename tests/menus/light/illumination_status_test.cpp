@@ -120,6 +120,31 @@ TEST(IlluminationStatusTest, FlagsPrintInAnotherOrderThanTheyAreStored) {
     expect_run(kIllumination, steps, with_scenario(scenario));
 }
 
+TEST(IlluminationStatusTest, AnyByteButZeroIsATrueFlag) {
+    expect_run(kIllumination,
+               {
+                   {'f',
+                    "",
+                    spot_flags({1, 0, 0, 0, 1, 0, 0, 1}),
+                    {"illumination_t::get_spot_flags() = 0 [{true, true, true, false, false, false, false, false}]"}},
+                   {'q',
+                    "",
+                    "OT: TRUE \nDVS: TRUE \nAUTOCAL: FALSE \nPVD: TRUE \n",
+                    {"illumination_t::get_guards() = 0 [{true, true, false, true}]"}},
+               },
+               with_scenario({"fault add illumination_t::get_spot_flags value 2,128,255",
+                              "fault add illumination_t::get_guards value 2,128,0,255"}));
+}
+
+TEST(IlluminationStatusTest, GuardsOfTheDeviceAreReadOut) {
+    expect_run(kIllumination,
+               {{'q',
+                 "",
+                 "OT: FALSE \nDVS: TRUE \nAUTOCAL: TRUE \nPVD: FALSE \n",
+                 {"illumination_t::get_guards() = 0 [{false, true, true, false}]"}}},
+               with_scenario({"set illumination.guards.ot false", "set illumination.guards.pvd false"}));
+}
+
 TEST(IlluminationStatusTest, GuardsPrintInTheOrderOfTheRecord) {
     std::vector<Step> steps;
     for (std::size_t guard = 0; guard < 4; ++guard) {
