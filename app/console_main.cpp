@@ -9,6 +9,7 @@
 
 #include "app/console_io.h"
 #include "app/device_check.h"
+#include "app/device_paths.h"
 #include "app/system_state.h"
 #include "hal/types.h"
 #include "menus/imaging/camera.h"
@@ -24,11 +25,9 @@
 #include "menus/ranging/tof.h"
 #include "net/socket_console.h"
 
-char const* g_gyro_firmware = "/opt/kelvora/libhal/fw/kelvora-260AP_1.6.fw";
+char const* g_gyro_firmware = kHubFirmware;
 
 namespace {
-
-constexpr char const* kTurboFirmware = "/opt/kelvora/libhal/fw/kelvora-260AB_turbo-1.x.fw";
 
 // Kept: the camera is listed twice, and 's' is a dead entry; socket mode starts with the unlisted 'L'.
 constexpr char const* kMainMenu =
@@ -64,9 +63,8 @@ void prepare_gpio_lines() {
     }
 }
 
-// The "old" firmware is the turbo one.
 void use_old_gyro_firmware() {
-    g_gyro_firmware = kTurboFirmware;
+    g_gyro_firmware = kOldHubFirmware;
 }
 
 // True where the word names a whole run of the console; a word that is not known is ignored.

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "app/console_io.h"
+#include "app/device_paths.h"
 
 namespace {
 
@@ -18,16 +19,16 @@ struct checked_file {
 // without a say; the firmware is always this one, whichever the gyro menus use; either image sensor's node missing
 // sets the one bit of both.
 constexpr std::array<checked_file, 10> kCheckedFiles{{
-    {"/dev/i2c-2", 1},
-    {"/dev/r47-rtu-driver", 2},
-    {"/dev/r47-autofocus-driver", 4},
-    {"/dev/r47-rtu-driver", 0},
-    {"/dev/r47-illumination-driver", 16},
-    {"/dev/gpiochip1", 32},
-    {"/opt/kelvora/libhal/fw/kelvora-260AP_1.6.fw", 128},
-    {"/sys/class/gpio/gpio481/value", 256},
-    {"/dev/imx567", 64},
-    {"/dev/imx296", 64},
+    {kHubDevice, 1},
+    {kRtuDevice, 2},
+    {kAutofocusDevice, 4},
+    {kRtuDevice, 0},
+    {kIlluminationDevice, 16},
+    {kButtonDevice, 32},
+    {kHubFirmware, 128},
+    {kHubInterrupt, 256},
+    {kImx567Device, 64},
+    {kImx296Device, 64},
 }};
 
 }  // namespace

@@ -4,10 +4,12 @@
 #include <fstream>
 #include <iostream>
 
+#include "app/device_paths.h"
+
 int determine_device_type() {
-    std::ifstream const autofocus("/dev/r47-autofocus-driver");
-    std::ifstream const illumination("/dev/r47-illumination-driver");
-    std::ifstream const rtu("/dev/r47-rtu-driver");
+    std::ifstream const autofocus(kAutofocusDevice);
+    std::ifstream const illumination(kIlluminationDevice);
+    std::ifstream const rtu(kRtuDevice);
     if (!autofocus && !illumination && !rtu) {
         return 1;
     }

@@ -5,11 +5,13 @@
 #include <iostream>
 #include <thread>
 
+#include "app/device_paths.h"
 #include "app/terminal_input.h"
 #include "hal/button.h"
 #include "hal/gyro.h"
 #include "hal/gyro_alarm.h"
 #include "hal/rtu.h"
+#include "menus/motion/hub.h"
 #include "menus/motion/tilt_watchdog.h"
 
 namespace {
@@ -27,17 +29,16 @@ constexpr char const* kMenu =
 
 int test_alarm_old() {
     std::cout << "int test_alarm_old()" << std::endl;
-    hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
+    hal::rtu_t rtu(kRtuDevice, kDeviceAccess);
     // Kept: always this firmware and this button line, whatever is configured and fitted.
-    hal::gyro_t gyro("/dev/i2c-2", 2, "/opt/kelvora/libhal/fw/kelvora-260AP_1.6.fw", "/sys/class/gpio/gpio481/value",
-                     200);
+    hal::gyro_t gyro = open_hub(kHubFirmware);
     hal::gyro_alarm_t const alarm(gyro, 37);  // kept: built, but its actions are never set
     gyro.boot();
     gyro.install_callbacks();
     gyro.irq_callback_hold(true);
     gyro.info_firmware();
     gyro.activate_vsensor(37, 1.0F, 1);
-    hal::button_t button("/dev/gpiochip1", 44, true, 2000);
+    hal::button_t button(kButtonDevice, 44, true, 2000);
     button.release_records[0] = {50, nullptr};
     button.release_records[1] = {5000, request_save_position};
     button.irq_callback_hold(false);

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "app/console_io.h"
+#include "app/device_paths.h"
 #include "app/device_type.h"
 #include "app/terminal_input.h"
 
@@ -110,9 +111,9 @@ void set_lightbar_actions(lender<hal::rtu_t> const& rtu) {
 }
 
 int test_button() {
-    hal::button_t button("/dev/gpiochip1", static_cast<short>(get_button_irq_line()), true, 2000);
+    hal::button_t button(kButtonDevice, static_cast<short>(get_button_irq_line()), true, 2000);
     testbutton_init(button);
-    hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
+    hal::rtu_t rtu(kRtuDevice, kDeviceAccess);
     lender<hal::rtu_t> const lent_rtu(rtu);
     set_lightbar_actions(lent_rtu);
     button.irq_callback_hold(false);

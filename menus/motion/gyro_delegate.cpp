@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "app/console_main.h"
+#include "app/device_paths.h"
 #include "app/device_type.h"
 #include "app/terminal_input.h"
 #include "hal/button.h"
@@ -12,6 +13,7 @@
 #include "hal/gyro_delegate.h"
 #include "hal/rtu.h"
 #include "menus/motion/gyro_alarm.h"
+#include "menus/motion/hub.h"
 #include "menus/motion/orientation_sample.h"
 
 namespace {
@@ -40,9 +42,7 @@ void print_orientation(unsigned char sensor_id, hal::cb_struct_te kind, void* da
 }
 
 int test_gyro_delegate() {
-    // Kept: always this firmware, whichever is configured.
-    hal::gyro_t gyro("/dev/i2c-2", 2, "/opt/kelvora/libhal/fw/kelvora-260AP_1.6.fw", "/sys/class/gpio/gpio481/value",
-                     200);
+    hal::gyro_t gyro = open_hub(kHubFirmware);  // kept: this one, whichever is configured
     gyro.boot();
     gyro.activate_vsensor(37, 5.0F, 1);
     hal::gyro_delegate_t const delegate(gyro, 37, print_orientation);
@@ -61,9 +61,9 @@ int test_gyro_delegate() {
 
 int test_gyro_delegate_and_alarm() {
     std::cout << "int test_gyro_delegate_and_alarm()" << std::endl;
-    hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
-    hal::gyro_t gyro("/dev/i2c-2", 2, g_gyro_firmware, "/sys/class/gpio/gpio481/value", 200);
-    hal::button_t button("/dev/gpiochip1", get_button_irq_line(), true, 2000);
+    hal::rtu_t rtu(kRtuDevice, kDeviceAccess);
+    hal::gyro_t gyro = open_hub(g_gyro_firmware);
+    hal::button_t button(kButtonDevice, get_button_irq_line(), true, 2000);
     gyro.boot();
     gyro.info_firmware();
     gyro.activate_vsensor(37, 1.0F, 1);
