@@ -3,9 +3,9 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
 
+#include "app/exit_console.h"
 #include "hal/illumination.h"
 #include "hal/rtu.h"
 #include "menus/imaging/sensor_classes.h"
@@ -19,8 +19,8 @@ constexpr char const* kUsage =
     "\t 3. Get Serial Number     \n"
     "\t 0. Exit                  \n\n\n";
 
-// Both commands report a failure with this one text.
-void report_failure() {
+// Both commands tell a failure with this one text.
+void print_read_failure() {
     int const error = errno;
     std::cout << std::flush;
     errno = error;  // the library's, not that of an output which cannot be written
@@ -54,7 +54,7 @@ int get_status(hal::base_t* module) {
     std::cout << "Status of the Module: \t";
     unsigned char status = 0;
     if (module->get_status(status) < 0) {
-        report_failure();
+        print_read_failure();
     } else {
         std::cout << "Done!\n";
     }
@@ -65,7 +65,7 @@ int get_revision(hal::base_t* module) {
     std::cout << "Revision of the Module: \t";
     hal::revision_t revision{};
     if (module->get_revision(revision) < 0) {
-        report_failure();
+        print_read_failure();
         return 0;
     }
     std::cout << driver_name(module);
@@ -79,7 +79,20 @@ int get_serial_number(hal::base_t*) {
     return -1;
 }
 
-void exit_console() {
-    std::cout << "\n\033[0mGood Bye\n";
-    std::exit(0);
+bool run_module_option(char option, hal::base_t* module) {
+    switch (option) {
+        case '0':
+            exit_console();
+        case '1':
+            get_status(module);
+            return true;
+        case '2':
+            get_revision(module);
+            return true;
+        case '3':
+            get_serial_number(module);
+            return true;
+        default:
+            return false;
+    }
 }

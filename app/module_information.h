@@ -14,6 +14,5 @@ int get_revision(hal::base_t* module);
 // Does nothing and returns -1: the modules' serial numbers are not read.
 int get_serial_number(hal::base_t* module);
 
-// What key '0' of these menus does: says goodbye and ends the process with status 0. Objects of the menu are
-// not destroyed.
-[[noreturn]] void exit_console();
+// Runs one of these commands where the option is its key, and says whether it was. Key '0' ends the process.
+bool run_module_option(char option, hal::base_t* module);

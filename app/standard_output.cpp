@@ -10,7 +10,7 @@
 namespace {
 
 // Passes everything on to the C library's stream, which has the lock and the buffer, whatever becomes of it there.
-class OutputWithoutFailure : public std::streambuf {
+class output_without_failure : public std::streambuf {
 protected:
     int_type overflow(int_type c) override {
         if (c != traits_type::eof()) {
@@ -35,7 +35,7 @@ protected:
 void set_up_standard_output() {
     // Both must outlive everything that prints, at the end of the process too.
     static char buffer[1 << 16];  // larger than any screen
-    static auto* const output = new OutputWithoutFailure;
+    static auto* const output = new output_without_failure;
     std::setvbuf(stdout, buffer, ::isatty(STDOUT_FILENO) ? _IOLBF : _IOFBF, sizeof buffer);
     std::cout.rdbuf(output);
 }

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <thread>
 
+#include "app/device_paths.h"
 #include "app/terminal_input.h"
 
 namespace {
@@ -38,8 +39,28 @@ int get_device_status(hal::system_t& system) {
     return 0;
 }
 
+namespace {
+
+void run_option(char option, hal::system_t& system) {
+    switch (option) {
+        case 'h':
+            system.trigger_heartbeat();
+            break;
+        case 'F':
+            get_device_status(system);
+            break;
+        case 'f':
+            set_device_status(system);
+            break;
+        default:
+            std::cout << "Enter Valid option = " << option;
+    }
+}
+
+}  // namespace
+
 void test_system() {
-    hal::system_t system("/dev/r47-rtu-driver", 2);
+    hal::system_t system(kRtuDevice, kDeviceAccess);
     std::cout << "\n\n\n\n\nStarted test program for the_system component\n";
     while (true) {
         std::cout << kMenu;
@@ -47,20 +68,9 @@ void test_system() {
         read_option(option);
         std::cout << "\n\tYour option = " << option << std::endl;
         std::this_thread::sleep_for(kWaitBeforeAction);
-        switch (option) {
-            case 'h':
-                system.trigger_heartbeat();
-                break;
-            case 'F':
-                get_device_status(system);
-                break;
-            case 'f':
-                set_device_status(system);
-                break;
-            case 'x':
-                std::exit(0);  // kept: the label says "Return to Main", the key ends the process
-            default:
-                std::cout << "Enter Valid option = " << option;
+        if (option == kExitKey) {
+            std::exit(0);  // kept: the label says "Return to Main", the key ends the process
         }
+        run_option(option, system);
     }
 }

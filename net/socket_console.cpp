@@ -20,12 +20,12 @@ constexpr char const* kMenu =
     "\n\n   Please enter your option: ";
 
 // A send to a client that has gone must not kill the process.
-class BrokenPipeIgnored {
+class broken_pipe_ignored {
 public:
-    BrokenPipeIgnored() : previous_(std::signal(SIGPIPE, SIG_IGN)) {}
-    ~BrokenPipeIgnored() { std::signal(SIGPIPE, previous_); }
-    BrokenPipeIgnored(BrokenPipeIgnored const&) = delete;
-    BrokenPipeIgnored& operator=(BrokenPipeIgnored const&) = delete;
+    broken_pipe_ignored() : previous_(std::signal(SIGPIPE, SIG_IGN)) {}
+    ~broken_pipe_ignored() { std::signal(SIGPIPE, previous_); }
+    broken_pipe_ignored(broken_pipe_ignored const&) = delete;
+    broken_pipe_ignored& operator=(broken_pipe_ignored const&) = delete;
 
 private:
     void (*previous_)(int);
@@ -60,7 +60,7 @@ int test_socket() {
     server_tcp const server("0.0.0.0", kPort);
     socket_tcp client = server.accept();
     p_client_socket = &client;
-    BrokenPipeIgnored const ignored;
+    broken_pipe_ignored const ignored;
     dismiss_client(false);
     watch_connection(client.descriptor());
     release_terminal();

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "app/console_io.h"
+#include "app/device_paths.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
 #include "hal/camera.h"
@@ -131,7 +132,7 @@ void set_roi_offset(hal::camera_t& camera) {
     } else {
         std::cout << "\t\t sensor error to set roi x,y offset\n";
     }
-    kosstream("%d", status);  // kept: waits in send_string for the reply that another command sends
+    kosstream("%d", status);  // kept: waits for the reply that another command sends; stations count its items
 }
 
 void get_roi_offset(hal::camera_t& camera) {
@@ -184,12 +185,89 @@ int get_scanmode() {
     hal::roi_te mode = hal::roi_te::normal;
     int const status = p_camera->get_hscanmode(mode);
     std::cout << "Scanmode = " << static_cast<unsigned int>(mode) << std::endl;
-    kosstream("%d", status);  // kept: waits in send_string for the reply that another command sends
+    kosstream("%d", status);  // kept: waits for the reply that another command sends; stations count its items
     return status;
 }
 
+namespace {
+
+void run_option(char option, hal::camera_t& camera, int& fps) {
+    switch (option) {
+        case 'm':
+            camera.single_shot();
+            break;
+        case 't':
+            camera.set_trigger_mode(hal::trigger_te::continuous);
+            break;
+        case 'T':
+            camera.set_trigger_mode(hal::trigger_te::manual);
+            break;
+        case 'W':
+            get_trigger_mode(camera);
+            break;
+        case 'u':
+            set_framerate(camera, fps);
+            break;
+        case 'U':
+            get_framerate(camera);
+            break;
+        case 'L':
+            get_framerate_limits(camera);
+            break;
+        case 'v':
+            camera.start_acquisition();
+            break;
+        case 'V':
+            camera.stop_acquisition();
+            break;
+        case 'e':
+            sensor_get([](unsigned int& gain) { return p_camera->get_gain(gain); }, kGain);
+            break;
+        case 'E':
+            sensor_set([](unsigned int& gain) { return p_camera->set_gain(gain); }, kGain);
+            break;
+        case 'f':
+            sensor_get([](unsigned int& exposure_us) { return p_camera->get_exposure(exposure_us); }, kExposure);
+            break;
+        case 'F':
+            sensor_set([](unsigned int& exposure_us) { return p_camera->set_exposure(exposure_us); }, kExposure);
+            break;
+        case 'w':
+            get_exposure_limits(camera);
+            break;
+        case 'i':
+            get_framecount(camera);
+            break;
+        case 'j':
+            set_roi_offset(camera);
+            break;
+        case 'J':
+            get_roi_offset(camera);
+            break;
+        case 'k':
+            print_imager_type(camera);
+            break;
+        case 's':
+            get_scanmode();
+            break;
+        case 'S':
+            set_scanmode();
+            break;
+        case 'z':
+            get_trigger_counter();
+            break;
+        case 'Z':
+            reset_trigger_counter();
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace
+
 int test_camera() {
-    hal::camera_t camera(hal::camera_t::determine_imxtype(), nullptr, "/dev/r47-rtu-driver", 2);
+    hal::camera_t camera(hal::camera_t::determine_imxtype(), nullptr, kRtuDevice, kDeviceAccess);
     p_camera = &camera;
     int fps = 0;  // the last rate typed: an entry that does not convert repeats it
     while (true) {
@@ -197,77 +275,9 @@ int test_camera() {
         char option = kExitKey;
         kogetchar(option);
         std::cout << "\t\tYour option = " << option << std::endl;
-        switch (option) {
-            case 'm':
-                camera.single_shot();
-                break;
-            case 't':
-                camera.set_trigger_mode(hal::trigger_te::continuous);
-                break;
-            case 'T':
-                camera.set_trigger_mode(hal::trigger_te::manual);
-                break;
-            case 'W':
-                get_trigger_mode(camera);
-                break;
-            case 'u':
-                set_framerate(camera, fps);
-                break;
-            case 'U':
-                get_framerate(camera);
-                break;
-            case 'L':
-                get_framerate_limits(camera);
-                break;
-            case 'v':
-                camera.start_acquisition();
-                break;
-            case 'V':
-                camera.stop_acquisition();
-                break;
-            case 'e':
-                sensor_get([](unsigned int& gain) { return p_camera->get_gain(gain); }, kGain);
-                break;
-            case 'E':
-                sensor_set([](unsigned int& gain) { return p_camera->set_gain(gain); }, kGain);
-                break;
-            case 'f':
-                sensor_get([](unsigned int& exposure_us) { return p_camera->get_exposure(exposure_us); }, kExposure);
-                break;
-            case 'F':
-                sensor_set([](unsigned int& exposure_us) { return p_camera->set_exposure(exposure_us); }, kExposure);
-                break;
-            case 'w':
-                get_exposure_limits(camera);
-                break;
-            case 'i':
-                get_framecount(camera);
-                break;
-            case 'j':
-                set_roi_offset(camera);
-                break;
-            case 'J':
-                get_roi_offset(camera);
-                break;
-            case 'k':
-                print_imager_type(camera);
-                break;
-            case 's':
-                get_scanmode();
-                break;
-            case 'S':
-                set_scanmode();
-                break;
-            case 'z':
-                get_trigger_counter();
-                break;
-            case 'Z':
-                reset_trigger_counter();
-                break;
-            case 'x':
-                return 0;
-            default:
-                break;
+        if (option == kExitKey) {
+            return 0;
         }
+        run_option(option, camera, fps);
     }
 }

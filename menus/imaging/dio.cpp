@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "app/console_io.h"
+#include "app/device_paths.h"
 #include "app/module_information.h"
 #include "app/terminal_input.h"
 #include "hal/rtu.h"
@@ -36,11 +37,12 @@ constexpr hal::color_t kCyan{100, 0, 255, 255};
 
 // The menu's own object, beside the one of the real-time unit menu; both open the same unit. Opened on first use.
 hal::rtu_t& rtu() {
-    static hal::rtu_t unit("/dev/r47-rtu-driver", 2);
+    static hal::rtu_t unit(kRtuDevice, kDeviceAccess);
     return unit;
 }
 
-int ask(char const* prompt, int& value) {
+// Asks for a number through console I/O; one that does not convert leaves the value.
+int ask_field(char const* prompt, int& value) {
     std::cout << prompt;
     koscanf("%d", value);
     return value;
@@ -51,31 +53,31 @@ unsigned char library_pin(int pin) {
     return static_cast<unsigned char>(pin);
 }
 
-void report_and_send(int status) {
+void reply_status(int status) {
     kosstream("%d", status);
     kosstream_send();
 }
 
-// Kept: the off-delay is asked for before the on-delay.
+// Kept: the off-delay is asked for before the on-delay; stations send their answers in this order.
 void set_pin_config() {
     using config_t = hal::dio_pin_config_t;
     int value = 0;  // one for all fields: an entry that does not convert repeats the field before
     config_t config;
     std::cout << "Setup DIO config: \n";
-    int const pin = ask(kPinPrompt, value);
-    config.type = static_cast<config_t::pin_type>(ask("DIO type 0-npn 1-pnp 2-pupu:", value));
-    config.func =
-        static_cast<config_t::pin_func>(ask("DIO func 0-Out 1-OutIll 2-In 3-InTrigIm 4-InQuadrA 5-InQuadrB:", value));
-    config.config = ask("DIO config 0-NO 1-NC :", value) != 0 ? config_t::pin_config::normally_closed
-                                                              : config_t::pin_config::normally_open;
-    config.invert = ask("DIO invert 0-NO 1-INV:", value) != 0;
-    config.off_delay_active = ask("DIO off_del active:", value) != 0;
-    config.off_delay_time = ask("DIO off_del time:", value);
-    config.on_delay_active = ask("DIO on_del active:", value) != 0;
-    config.on_delay_time = ask("DIO on_del time:", value);
-    config.pulse_active = ask("DIO pulse active:", value) != 0;
-    config.pulse_time = ask("DIO pulse time:", value);
-    report_and_send(rtu().set_io_pin_config(library_pin(pin), config));
+    int const pin = ask_field(kPinPrompt, value);
+    config.type = static_cast<config_t::pin_type>(ask_field("DIO type 0-npn 1-pnp 2-pupu:", value));
+    config.func = static_cast<config_t::pin_func>(
+        ask_field("DIO func 0-Out 1-OutIll 2-In 3-InTrigIm 4-InQuadrA 5-InQuadrB:", value));
+    config.config = ask_field("DIO config 0-NO 1-NC :", value) != 0 ? config_t::pin_config::normally_closed
+                                                                    : config_t::pin_config::normally_open;
+    config.invert = ask_field("DIO invert 0-NO 1-INV:", value) != 0;
+    config.off_delay_active = ask_field("DIO off_del active:", value) != 0;
+    config.off_delay_time = ask_field("DIO off_del time:", value);
+    config.on_delay_active = ask_field("DIO on_del active:", value) != 0;
+    config.on_delay_time = ask_field("DIO on_del time:", value);
+    config.pulse_active = ask_field("DIO pulse active:", value) != 0;
+    config.pulse_time = ask_field("DIO pulse time:", value);
+    reply_status(rtu().set_io_pin_config(library_pin(pin), config));
 }
 
 void print_pin_config(int pin, hal::dio_pin_config_t const& config) {
@@ -104,24 +106,24 @@ void send_pin_config(int pin, hal::dio_pin_config_t const& config) {
     kosstream_send();
 }
 
-// Kept: the pin is asked for without a prompt.
+// Kept: the pin is asked for without a prompt; a station needs none.
 void set_pin_value() {
     int pin = 0;
     koscanf("%d", pin);
     std::cout << "Value for pin :" << pin;
     int value = 0;
     koscanf("%d", value);
-    report_and_send(rtu().set_pin_value(library_pin(pin), value > 0));
+    reply_status(rtu().set_pin_value(library_pin(pin), value > 0));
 }
 
 void get_pin_value() {
     int pin = 0;
-    ask(kPinPrompt, pin);
+    ask_field(kPinPrompt, pin);
     bool value = false;
     rtu().get_pin_value(library_pin(pin), value);
     std::cout << "Value: " << value << std::endl;
     kosstream("%d", value);
-    kosstream("%d", value);  // kept: the client gets the value twice
+    kosstream("%d", value);  // kept: twice; stations take both items
     kosstream_send();
 }
 
@@ -134,7 +136,7 @@ void get_all_pin_values() {
 }
 
 void set_light_bar(hal::color_t color) {
-    kosstream("%d", rtu().set_lightbar_col(color));  // kept: waits in send_string for the next reply
+    kosstream("%d", rtu().set_lightbar_col(color));  // kept: waits for the next reply; stations count its items
 }
 
 }  // namespace
@@ -142,14 +144,48 @@ void set_light_bar(hal::color_t color) {
 void read_dio_config() {
     hal::dio_pin_config_t config;
     int pin = 0;
-    ask(kPinPrompt, pin);
+    ask_field(kPinPrompt, pin);
     rtu().get_io_pin_config(library_pin(pin), config);
     print_pin_config(pin, config);
     send_pin_config(pin, config);
 }
 
+namespace {
+
+void run_option(char option) {
+    switch (option) {
+        case 'f':
+            set_pin_config();
+            break;
+        case 'F':
+            read_dio_config();
+            break;
+        case 'h':
+            set_pin_value();
+            break;
+        case 'H':
+            get_pin_value();
+            break;
+        case 'p':
+            get_all_pin_values();
+            break;
+        case 'o':
+            set_light_bar(kRed);
+            break;
+        case 'O':
+            set_light_bar(kCyan);
+            break;
+        default:
+            if (!run_module_option(option, &rtu())) {
+                std::cout << "Enter Valid option = " << option;
+            }
+    }
+}
+
+}  // namespace
+
 int test_dio() {
-    hal::rtu_t& unit = rtu();
+    rtu();  // opened before anything is printed
     std::cout << "\n\n\n\n\nStarted test program for dio kernel driver\n";
     while (true) {
         top_usage();
@@ -157,43 +193,9 @@ int test_dio() {
         char option = kExitKey;
         kogetchar(option);
         std::cout << "\n\tYour option = " << option << std::endl;
-        switch (option) {
-            case '0':
-                exit_console();
-            case '1':
-                get_status(&unit);
-                break;
-            case '2':
-                get_revision(&unit);
-                break;
-            case '3':
-                get_serial_number(&unit);
-                break;
-            case 'f':
-                set_pin_config();
-                break;
-            case 'F':
-                read_dio_config();
-                break;
-            case 'h':
-                set_pin_value();
-                break;
-            case 'H':
-                get_pin_value();
-                break;
-            case 'p':
-                get_all_pin_values();
-                break;
-            case 'o':
-                set_light_bar(kRed);
-                break;
-            case 'O':
-                set_light_bar(kCyan);
-                break;
-            case 'x':
-                return 0;
-            default:
-                std::cout << "Enter Valid option = " << option;
+        if (option == kExitKey) {
+            return 0;
         }
+        run_option(option);
     }
 }

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 
+#include "app/device_paths.h"
 #include "app/module_information.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
@@ -37,8 +38,8 @@ constexpr unsigned int kOffset = 20;  // pixels, both ways
 
 // The sensor whose node can be opened; null where there is none.
 std::unique_ptr<hal::imx_t> open_fitted_sensor() {
-    std::ifstream const imx296("/dev/imx296");
-    std::ifstream const imx567("/dev/imx567");
+    std::ifstream const imx296(kImx296Device);
+    std::ifstream const imx567(kImx567Device);
     if (imx296.is_open()) {
         return std::make_unique<hal::imx296_t>();
     }
@@ -73,6 +74,38 @@ void get_roi_offset(hal::imx_t& sensor) {
     }
 }
 
+void run_option(char option) {
+    switch (option) {
+        case 'c':
+            sensor_get([](unsigned int& type) { return p_sensor->get_sensortype(type); }, "sensortype");
+            break;
+        case 'e':
+            sensor_get([](unsigned int& gain) { return p_sensor->get_gain(gain); }, kGain);
+            break;
+        case 'E':
+            sensor_set([](unsigned int& gain) { return p_sensor->set_gain(gain); }, kGain);
+            break;
+        case 'h':
+            sensor_get([](unsigned int& mode) { return p_sensor->get_hscanmode(mode); }, kScanMode);
+            break;
+        case 'H':
+            sensor_set([](unsigned int& mode) { return p_sensor->set_hscanmode(mode); }, kScanMode);
+            break;
+        case 'i':
+            get_framecount(*p_sensor);
+            break;
+        case 'j':
+            set_roi_offset(*p_sensor);
+            break;
+        case 'J':
+            get_roi_offset(*p_sensor);
+            break;
+        default:
+            run_module_option(option, p_sensor);
+            break;
+    }
+}
+
 }  // namespace
 
 int test_imx(int) {
@@ -87,46 +120,9 @@ int test_imx(int) {
         char option = kExitKey;
         read_option(option);
         std::cout << "\t\t Your Option = " << option << std::endl;
-        switch (option) {
-            case '0':
-                exit_console();
-            case '1':
-                get_status(p_sensor);
-                break;
-            case '2':
-                get_revision(p_sensor);
-                break;
-            case '3':
-                get_serial_number(p_sensor);
-                break;
-            case 'c':
-                sensor_get([](unsigned int& type) { return p_sensor->get_sensortype(type); }, "sensortype");
-                break;
-            case 'e':
-                sensor_get([](unsigned int& gain) { return p_sensor->get_gain(gain); }, kGain);
-                break;
-            case 'E':
-                sensor_set([](unsigned int& gain) { return p_sensor->set_gain(gain); }, kGain);
-                break;
-            case 'h':
-                sensor_get([](unsigned int& mode) { return p_sensor->get_hscanmode(mode); }, kScanMode);
-                break;
-            case 'H':
-                sensor_set([](unsigned int& mode) { return p_sensor->set_hscanmode(mode); }, kScanMode);
-                break;
-            case 'i':
-                get_framecount(*sensor);
-                break;
-            case 'j':
-                set_roi_offset(*sensor);
-                break;
-            case 'J':
-                get_roi_offset(*sensor);
-                break;
-            case 'x':
-                return 0;
-            default:
-                break;
+        if (option == kExitKey) {
+            return 0;
         }
+        run_option(option);
     }
 }

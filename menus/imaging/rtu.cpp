@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "app/console_io.h"
+#include "app/device_paths.h"
 #include "app/module_information.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
@@ -12,10 +13,8 @@
 
 namespace {
 
-constexpr char const* kDevice = "/dev/r47-rtu-driver";
-
 // Opened before main, so that the unit is open before anything else is done.
-hal::rtu_t rtu(kDevice, 2);
+hal::rtu_t rtu(kRtuDevice, kDeviceAccess);
 
 // "ix567" is kept, here and in the prompt.
 constexpr char const* kMenu =
@@ -63,7 +62,7 @@ void start_continuous_trigger(int& value) {
     } else {
         std::cout << "sensor set  fps: " << fps << std::endl;
     }
-    kosstream("%d", status);  // kept: waits in send_string for the reply that another command sends
+    kosstream("%d", status);  // kept: waits for the reply that another command sends; stations count its items
 }
 
 }  // namespace
@@ -85,7 +84,7 @@ int get_version_rtu(hal::revision_t& rev) {
 }
 
 int test_rtu_delegate() {
-    hal::rtu_delegate_t delegate(kDevice, 2);
+    hal::rtu_delegate_t delegate(kRtuDevice, kDeviceAccess);
     unsigned char status = 0;
     delegate.get_status(status);
     hal::revision_t revision{};
@@ -94,6 +93,54 @@ int test_rtu_delegate() {
     delegate.get_heartbeat_timeout(timeout_ms);
     return 0;
 }
+
+namespace {
+
+void run_option(char option, int& value, hal::imx_te& imager) {
+    switch (option) {
+        case 'a':
+            set_imager_type(value);
+            break;
+        case 'A':
+            get_imager_type(imager);
+            break;
+        case 'b':
+            sensor_set([](unsigned int& time_us) { return rtu.set_trigger_prohibited_time(time_us); }, kProhibitedTime);
+            break;
+        case 'B':
+            sensor_get([](unsigned int& time_us) { return rtu.get_trigger_prohibited_time(time_us); }, kProhibitedTime);
+            break;
+        case 'c':
+            sensor_set([](unsigned int& offset_us) { return rtu.set_exposure_offset(offset_us); }, kExposureOffset);
+            break;
+        case 'C':
+            sensor_get([](unsigned int& offset_us) { return rtu.get_exposure_offset(offset_us); }, kExposureOffset);
+            break;
+        case 'e':
+            sensor_set([](unsigned int& exposure_us) { return rtu.set_exposure(exposure_us); }, kExposure);
+            break;
+        case 'E':
+            sensor_get([](unsigned int& exposure_us) { return rtu.get_exposure(exposure_us); }, kExposure);
+            break;
+        case 'm':
+            rtu.single_shot(true);
+            break;
+        case 't':
+            start_continuous_trigger(value);
+            break;
+        case 'T':
+            rtu.set_trigger_mode(false);
+            break;
+        case 'p':
+            dio_available();
+            break;
+        default:
+            run_module_option(option, &rtu);
+            break;
+    }
+}
+
+}  // namespace
 
 int test_rtu() {
     int value = 0;  // the last number typed: an entry that does not convert repeats it
@@ -105,60 +152,9 @@ int test_rtu() {
         char option = kExitKey;
         read_option(option);  // kept: from the terminal in socket mode too, unlike the numbers of 'a' and 't'
         std::cout << "Your Option = " << option << std::endl;
-        switch (option) {
-            case '0':
-                exit_console();
-            case '1':
-                get_status(&rtu);
-                break;
-            case '2':
-                get_revision(&rtu);
-                break;
-            case '3':
-                get_serial_number(&rtu);
-                break;
-            case 'a':
-                set_imager_type(value);
-                break;
-            case 'A':
-                get_imager_type(imager);
-                break;
-            case 'b':
-                sensor_set([](unsigned int& time_us) { return rtu.set_trigger_prohibited_time(time_us); },
-                           kProhibitedTime);
-                break;
-            case 'B':
-                sensor_get([](unsigned int& time_us) { return rtu.get_trigger_prohibited_time(time_us); },
-                           kProhibitedTime);
-                break;
-            case 'c':
-                sensor_set([](unsigned int& offset_us) { return rtu.set_exposure_offset(offset_us); }, kExposureOffset);
-                break;
-            case 'C':
-                sensor_get([](unsigned int& offset_us) { return rtu.get_exposure_offset(offset_us); }, kExposureOffset);
-                break;
-            case 'e':
-                sensor_set([](unsigned int& exposure_us) { return rtu.set_exposure(exposure_us); }, kExposure);
-                break;
-            case 'E':
-                sensor_get([](unsigned int& exposure_us) { return rtu.get_exposure(exposure_us); }, kExposure);
-                break;
-            case 'm':
-                rtu.single_shot(true);
-                break;
-            case 't':
-                start_continuous_trigger(value);
-                break;
-            case 'T':
-                rtu.set_trigger_mode(false);
-                break;
-            case 'p':
-                dio_available();
-                break;
-            case 'x':
-                return 0;
-            default:
-                break;
+        if (option == kExitKey) {
+            return 0;
         }
+        run_option(option, value, imager);
     }
 }

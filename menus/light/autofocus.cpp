@@ -4,6 +4,7 @@
 #include <iostream>
 #include <string>
 
+#include "app/device_paths.h"
 #include "app/module_information.h"
 #include "app/terminal_input.h"
 #include "menus/light/dialogue.h"
@@ -34,7 +35,7 @@ constexpr char const* kMenu =
 // Commands: a read that failed prints nothing, a write one line. "posisiton" and "miror_failure" are kept.
 
 // The value is shown as it was typed, signed.
-void report(int status, char const* what, int value) {
+void print_refusal(int status, char const* what, int value) {
     if (status != 0) {
         std::cout << "\t\t error setting " << what << " " << value << std::endl;
     }
@@ -48,8 +49,8 @@ void get_position() {
 }
 
 void set_position() {
-    int const position = ask<int>("AF new pos: ");
-    report(p_autofocus->set_position(static_cast<unsigned int>(position)), "posisiton", position);
+    int const position = ask_below<int>("AF new pos: ");
+    print_refusal(p_autofocus->set_position(static_cast<unsigned int>(position)), "posisiton", position);
 }
 
 void get_calibration_frequency() {
@@ -88,13 +89,13 @@ void get_position_limits() {
 }
 
 void set_doe_mode() {
-    int const mode = ask<int>("AF doe mode: 0 = doe is disabled, 1 = doe is enabled and off by trigger ");
-    report(p_autofocus->set_doe_mode(static_cast<hal::doe_mode_te>(mode)), "set_doe_mode", mode);
+    int const mode = ask_below<int>("AF doe mode: 0 = doe is disabled, 1 = doe is enabled and off by trigger ");
+    print_refusal(p_autofocus->set_doe_mode(static_cast<hal::doe_mode_te>(mode)), "set_doe_mode", mode);
 }
 
 void set_doe_force_active() {
-    int const active = ask<int>("AF doe led: 0 = doe follows doe mode, 1 = doe is forced to active");
-    report(p_autofocus->set_doe_force_active(active != 0), "set_doe_force_active", active);
+    int const active = ask_below<int>("AF doe led: 0 = doe follows doe mode, 1 = doe is forced to active");
+    print_refusal(p_autofocus->set_doe_force_active(active != 0), "set_doe_force_active", active);
 }
 
 void get_position_limits_mm() {
@@ -116,12 +117,12 @@ void get_position_mm() {
 }
 
 void set_position_mm() {
-    int const position = ask<int>("AF new pos: ");
-    report(p_autofocus->set_position_mm(static_cast<unsigned int>(position)), "position mm", position);
+    int const position = ask_below<int>("AF new pos: ");
+    print_refusal(p_autofocus->set_position_mm(static_cast<unsigned int>(position)), "position mm", position);
 }
 
 void set_maintenance_mode() {
-    int const enabled = ask<int>("set AF maintenance mode: 0 = disabled, 1 = enabled");
+    int const enabled = ask_below<int>("set AF maintenance mode: 0 = disabled, 1 = enabled");
     if (p_autofocus->set_maintenance_mode(enabled != 0) != 0) {
         std::cout << "\t\t error setting maintenance mode " << std::endl;  // kept: the one without its value
     }
@@ -133,8 +134,62 @@ void check_af() {
     std::cout << (p_autofocus->is_present() ? "Autofocus AVAILABLE" : "Autofocus MISSING") << std::endl;
 }
 
+namespace {
+
+void run_option(char option) {
+    switch (option) {
+        case 'a':
+            get_position();
+            break;
+        case 'A':
+            set_position();
+            break;
+        case 'b':
+            p_autofocus->reset();
+            break;
+        case 'c':
+            p_autofocus->calibrate();
+            break;
+        case 'd':
+            get_calibration_frequency();
+            break;
+        case 'e':
+            read_error();
+            break;
+        case 'f':
+            check_af();
+            break;
+        case 'g':
+            get_position_limits();
+            break;
+        case 'h':
+            set_doe_mode();
+            break;
+        case 'i':
+            set_doe_force_active();
+            break;
+        case 'l':
+            get_position_limits_mm();
+            break;
+        case 'm':
+            get_position_mm();
+            break;
+        case 'M':
+            set_position_mm();
+            break;
+        case 'n':
+            set_maintenance_mode();
+            break;
+        default:
+            run_module_option(option, p_autofocus);
+            break;
+    }
+}
+
+}  // namespace
+
 int test_autofocus() {
-    hal::autofocus_t autofocus("/dev/r47-autofocus-driver", 2);
+    hal::autofocus_t autofocus(kAutofocusDevice, kDeviceAccess);
     p_autofocus = &autofocus;
     while (true) {
         top_usage();
@@ -142,64 +197,9 @@ int test_autofocus() {
         char option = kExitKey;
         read_option(option);
         std::cout << "Your Option = " << option << std::endl;
-        switch (option) {
-            case '0':
-                exit_console();
-            case '1':
-                get_status(p_autofocus);
-                break;
-            case '2':
-                get_revision(p_autofocus);
-                break;
-            case '3':
-                get_serial_number(p_autofocus);
-                break;
-            case 'a':
-                get_position();
-                break;
-            case 'A':
-                set_position();
-                break;
-            case 'b':
-                p_autofocus->reset();
-                break;
-            case 'c':
-                p_autofocus->calibrate();
-                break;
-            case 'd':
-                get_calibration_frequency();
-                break;
-            case 'e':
-                read_error();
-                break;
-            case 'f':
-                check_af();
-                break;
-            case 'g':
-                get_position_limits();
-                break;
-            case 'h':
-                set_doe_mode();
-                break;
-            case 'i':
-                set_doe_force_active();
-                break;
-            case 'l':
-                get_position_limits_mm();
-                break;
-            case 'm':
-                get_position_mm();
-                break;
-            case 'M':
-                set_position_mm();
-                break;
-            case 'n':
-                set_maintenance_mode();
-                break;
-            case 'x':
-                return 0;
-            default:
-                break;
+        if (option == kExitKey) {
+            return 0;
         }
+        run_option(option);
     }
 }

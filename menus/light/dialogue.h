@@ -5,9 +5,9 @@
 
 #include "app/terminal_input.h"
 
-// The number that is typed below the prompt; 0 where none is.
+// The number that is typed below the prompt; 0 where the text is none.
 template <typename Number>
-Number ask(char const* prompt) {
+Number ask_below(char const* prompt) {
     std::cout << prompt << std::endl;
     Number value = 0;
     read_number(value);

@@ -4,29 +4,13 @@
 #include <iostream>
 
 #include "app/console_io.h"
+#include "app/device_paths.h"
 #include "app/module_information.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
 #include "menus/light/dialogue.h"
+#include "menus/light/illumination_object.h"
 #include "menus/light/illumination_status.h"
-
-hal::illumination_t* p_illumination = nullptr;
-
-namespace illumination_menu {
-
-void report(int status) {
-    if (status != 0) {
-        std::cout << "Communication Failure" << std::endl;
-    }
-}
-
-void show_number(char const* label, int (hal::illumination_t::*get)(unsigned int&) const) {
-    unsigned int number = 0;
-    report((p_illumination->*get)(number));
-    std::cout << label << number << std::endl;
-}
-
-}  // namespace illumination_menu
 
 using namespace illumination_menu;
 
@@ -83,36 +67,38 @@ constexpr unsigned int kHighestBrightness = 14;
 
 void show_led(char const* label, int (hal::illumination_t::*get)(bool&) const) {
     bool enabled = false;
-    report((p_illumination->*get)(enabled));
+    print_failure((p_illumination->*get)(enabled));
     print_flag(label, enabled);
 }
 
 void change_led(char const* prompt, int (hal::illumination_t::*set)(bool) const) {
-    report((p_illumination->*set)(ask<int>(prompt) != 0));
+    print_failure((p_illumination->*set)(ask_below<int>(prompt) != 0));
 }
 
-struct Limits {
+struct setting_limits {
     unsigned int min = 0;
     unsigned int max = 0;
     unsigned int step = 0;
 };
 
-struct Colour {
+struct colour_channel {
     char const* name;
     int (hal::illumination_t::*get)(unsigned int&) const;
     int (hal::illumination_t::*set)(unsigned int);
     int (hal::illumination_t::*get_limits)(unsigned int&, unsigned int&, unsigned int&) const;
 };
 
-constexpr Colour kRed{"red", &hal::illumination_t::get_brightness_red, &hal::illumination_t::set_brightness_red,
-                      &hal::illumination_t::get_brightness_limits_red};
-constexpr Colour kGreen{"green", &hal::illumination_t::get_brightness_green, &hal::illumination_t::set_brightness_green,
-                        &hal::illumination_t::get_brightness_limits_green};
-constexpr Colour kBlue{"blue", &hal::illumination_t::get_brightness_blue, &hal::illumination_t::set_brightness_blue,
-                       &hal::illumination_t::get_brightness_limits_blue};
+constexpr colour_channel kRed{"red", &hal::illumination_t::get_brightness_red, &hal::illumination_t::set_brightness_red,
+                              &hal::illumination_t::get_brightness_limits_red};
+constexpr colour_channel kGreen{"green", &hal::illumination_t::get_brightness_green,
+                                &hal::illumination_t::set_brightness_green,
+                                &hal::illumination_t::get_brightness_limits_green};
+constexpr colour_channel kBlue{"blue", &hal::illumination_t::get_brightness_blue,
+                               &hal::illumination_t::set_brightness_blue,
+                               &hal::illumination_t::get_brightness_limits_blue};
 
-void set_illum_brightness(Colour const& colour) {
-    Limits limits;
+void set_illum_brightness(colour_channel const& colour) {
+    setting_limits limits;
     (p_illumination->*colour.get_limits)(limits.min, limits.max, limits.step);
     std::cout << "Enter a value in range: " << limits.min << " - " << limits.max << std::endl;
     unsigned int value = 0;
@@ -123,10 +109,10 @@ void set_illum_brightness(Colour const& colour) {
     (p_illumination->*colour.set)(value);
 }
 
-void get_illum_brightness(Colour const& colour) {
+void get_illum_brightness(colour_channel const& colour) {
     unsigned int value = 0;
     (p_illumination->*colour.get)(value);
-    Limits limits;
+    setting_limits limits;
     (p_illumination->*colour.get_limits)(limits.min, limits.max, limits.step);
     // Kept: no blank between the value and "min: ".
     std::cout << "\t\t get brightness " << colour.name << ": " << value << "min: " << limits.min
@@ -134,7 +120,7 @@ void get_illum_brightness(Colour const& colour) {
 }
 
 // A number that the client may send; the warning does not keep it from being written.
-unsigned int ask_in_range(Limits const& limits, char const* remark, unsigned int highest) {
+unsigned int ask_in_range(setting_limits const& limits, char const* remark, unsigned int highest) {
     std::cout << "Enter a value in range: " << limits.min << " - " << limits.max << remark << std::endl;
     int entered = 0;
     koscanf("%d", entered);
@@ -153,7 +139,7 @@ void get_pattern() {
     if (status == 0) {
         std::cout << "\t\t get pattern: " << static_cast<unsigned int>(pattern) << std::endl;
     }
-    report(status);
+    print_failure(status);
     kosstream("%d", status);
 }
 
@@ -163,16 +149,16 @@ void set_pattern() {
     read_number(value);
     int const status =
         p_illumination->set_pattern(value == 1 ? hal::light_pattern_te::continuous : hal::light_pattern_te::strobe);
-    report(status);
+    print_failure(status);
     kosstream("%d", status);
 }
 
 void enable_protected_write() {
-    report(p_illumination->set_write_protection(true));
+    print_failure(p_illumination->set_write_protection(true));
 }
 
 void disable_protected_write() {
-    report(p_illumination->set_write_protection(false));
+    print_failure(p_illumination->set_write_protection(false));
 }
 
 void get_red_led() {
@@ -204,8 +190,8 @@ void get_dc_brightness_limit() {
 }
 
 void set_dc_brightness_limit() {
-    auto const limit = static_cast<unsigned int>(ask<int>("set_dc_brightness_limit"));
-    report(p_illumination->set_dc_brightness_limit(limit));
+    auto const limit = static_cast<unsigned int>(ask_below<int>("set_dc_brightness_limit"));
+    print_failure(p_illumination->set_dc_brightness_limit(limit));
 }
 
 void get_flash_brightness_limit() {
@@ -213,19 +199,19 @@ void get_flash_brightness_limit() {
 }
 
 void set_flash_brightness_limit() {
-    auto const limit = static_cast<unsigned int>(ask<int>("set_flash_brightness_limit"));
-    report(p_illumination->set_flash_brightness_limit(limit));
+    auto const limit = static_cast<unsigned int>(ask_below<int>("set_flash_brightness_limit"));
+    print_failure(p_illumination->set_flash_brightness_limit(limit));
 }
 
 void get_mode() {
     hal::illumination_mode_te mode{};
-    report(p_illumination->get_mode(mode));
+    print_failure(p_illumination->get_mode(mode));
     std::cout << (mode == hal::illumination_mode_te::active ? "ACTIVE" : "INACTIVE ") << std::endl;
 }
 
 void set_mode() {
-    auto const mode = static_cast<hal::illumination_mode_te>(ask<int>("mode 0:INACTIVE 1:ACTIVE "));
-    report(p_illumination->set_mode(mode));
+    auto const mode = static_cast<hal::illumination_mode_te>(ask_below<int>("mode 0:INACTIVE 1:ACTIVE "));
+    print_failure(p_illumination->set_mode(mode));
 }
 
 void get_ot_off_limit() {
@@ -233,11 +219,11 @@ void get_ot_off_limit() {
 }
 
 void set_ot_off_limit() {
-    report(p_illumination->set_ot_off_limit(ask<unsigned int>(" SET OT OFF LIMIT: ")));
+    print_failure(p_illumination->set_ot_off_limit(ask_below<unsigned int>(" SET OT OFF LIMIT: ")));
 }
 
 void set_limit_ot_decrease() {
-    report(p_illumination->set_limit_ot_decrease(ask<unsigned int>(" SET OT DECREASE LIMIT: ")));
+    print_failure(p_illumination->set_limit_ot_decrease(ask_below<unsigned int>(" SET OT DECREASE LIMIT: ")));
 }
 
 void set_illum_brightness_red() {
@@ -273,9 +259,9 @@ void check_illum() {
 void get_segments() {
     unsigned int segments = 0;
     p_illumination->get_segments(segments);
-    Limits limits;
+    setting_limits limits;
     int const status = p_illumination->get_segments_limits(limits.min, limits.max, limits.step);
-    report(status);
+    print_failure(status);
     if (status == 0) {
         std::cout << "\t\t get segments: " << segments << " ,min: " << limits.min << ", max: " << limits.max
                   << std::endl;
@@ -284,37 +270,171 @@ void get_segments() {
 }
 
 void set_segments() {
-    Limits limits;
+    setting_limits limits;
     p_illumination->get_segments_limits(limits.min, limits.max, limits.step);
     unsigned int const segments = ask_in_range(limits, "(each bit is a segment)", kHighestSegmentMask);
     int const status = p_illumination->set_segments(segments);
-    report(status);
+    print_failure(status);
     kosstream("%d", status);
 }
 
 void get_brightness() {
     unsigned int brightness = 0;
     p_illumination->get_brightness(brightness);
-    Limits limits;
+    setting_limits limits;
     int const status = p_illumination->get_brightness_limits(limits.min, limits.max, limits.step);
     // Kept: other than the segments, it is printed before the failure and in spite of it.
     std::cout << "\t\t get brightness: " << brightness << " ,min: " << limits.min << ", max: " << limits.max
               << std::endl;
-    report(status);
+    print_failure(status);
     kosstream("%d", status);
 }
 
 void set_brightness() {
-    Limits limits;
+    setting_limits limits;
     p_illumination->get_brightness_limits(limits.min, limits.max, limits.step);
     unsigned int const brightness = ask_in_range(limits, "", kHighestBrightness);
     int const status = p_illumination->set_brightness(brightness);
-    report(status);
+    print_failure(status);
     kosstream("%d", status);
 }
 
+namespace {
+
+void run_option(char option) {
+    switch (option) {
+        case 'a':
+            get_pattern();
+            break;
+        case 'A':
+            set_pattern();
+            break;
+        case 'b':
+            sensor_get([](unsigned int& segments) { return p_illumination->get_segments(segments); }, "segments");
+            break;
+        case 'B':
+            sensor_set([](unsigned int& segments) { return p_illumination->set_segments(segments); }, "segments");
+            break;
+        case 'c':
+            sensor_get([](unsigned int& brightness) { return p_illumination->get_brightness(brightness); },
+                       "brightness");
+            break;
+        case 'C':
+            sensor_set([](unsigned int& brightness) { return p_illumination->set_brightness(brightness); },
+                       "brightness");
+            break;
+        case 'd':
+            get_spot_type();
+            break;
+        case 'e':
+            get_spot_states();
+            break;
+        case 'f':
+            get_spot_flags();
+            break;
+        case 'g':
+            get_error_code();
+            break;
+        case 'h':
+            enable_protected_write();
+            break;
+        case 'i':
+            disable_protected_write();
+            break;
+        case 'j':
+            get_exposure_mode();
+            break;
+        case 'J':
+            set_exposure_mode();
+            break;
+        case 'l':
+            get_dc_brightness_limit();
+            break;
+        case 'L':
+            set_dc_brightness_limit();
+            break;
+        case 'm':
+            get_flash_brightness_limit();
+            break;
+        case 'M':
+            set_flash_brightness_limit();
+            break;
+        case 'n':
+            get_mode();
+            break;
+        case 'N':
+            set_mode();
+            break;
+        case 'o':
+            get_internal_temp();
+            break;
+        case 'O':
+            get_external_temp();
+            break;
+        case 'p':
+            get_ot_off_limit();
+            break;
+        case 'P':
+            set_ot_off_limit();
+            break;
+        case 'q':
+            get_guards();
+            break;
+        case 'Q':
+            set_guards();
+            break;
+        case 'r':
+            set_limit_ot_decrease();
+            break;
+        case 's':
+            set_illum_brightness_red();
+            break;
+        case 'S':
+            get_illum_brightness_red();
+            break;
+        case 't':
+            set_illum_brightness_green();
+            break;
+        case 'T':
+            get_illum_brightness_green();
+            break;
+        case 'u':
+            set_illum_brightness_blue();
+            break;
+        case 'U':
+            get_illum_brightness_blue();
+            break;
+        case 'v':
+            check_illum();
+            break;
+        case 'k':
+            get_red_led();
+            break;
+        case 'K':
+            set_red_led();
+            break;
+        case 'z':
+            get_green_led();
+            break;
+        case 'Z':
+            set_green_led();
+            break;
+        case 'y':
+            get_alter_led();
+            break;
+        case 'Y':
+            set_alter_led();
+            break;
+        default:
+            run_module_option(option, p_illumination);
+            break;
+    }
+}
+
+}  // namespace
+
 int test_illumination() {
-    hal::illumination_t illumination("/dev/r47-illumination-driver", 2);
+    hal::illumination_t illumination(kIlluminationDevice, kDeviceAccess);
     p_illumination = &illumination;
     while (true) {
         top_usage();
@@ -322,144 +442,9 @@ int test_illumination() {
         char option = kExitKey;
         read_option(option);
         std::cout << "Your Option = " << option << std::endl;
-        switch (option) {
-            case '0':
-                exit_console();
-            case '1':
-                get_status(p_illumination);
-                break;
-            case '2':
-                get_revision(p_illumination);
-                break;
-            case '3':
-                get_serial_number(p_illumination);
-                break;
-            case 'a':
-                get_pattern();
-                break;
-            case 'A':
-                set_pattern();
-                break;
-            case 'b':
-                sensor_get([](unsigned int& segments) { return p_illumination->get_segments(segments); }, "segments");
-                break;
-            case 'B':
-                sensor_set([](unsigned int& segments) { return p_illumination->set_segments(segments); }, "segments");
-                break;
-            case 'c':
-                sensor_get([](unsigned int& brightness) { return p_illumination->get_brightness(brightness); },
-                           "brightness");
-                break;
-            case 'C':
-                sensor_set([](unsigned int& brightness) { return p_illumination->set_brightness(brightness); },
-                           "brightness");
-                break;
-            case 'd':
-                get_spot_type();
-                break;
-            case 'e':
-                get_spot_states();
-                break;
-            case 'f':
-                get_spot_flags();
-                break;
-            case 'g':
-                get_error_code();
-                break;
-            case 'h':
-                enable_protected_write();
-                break;
-            case 'i':
-                disable_protected_write();
-                break;
-            case 'j':
-                get_exposure_mode();
-                break;
-            case 'J':
-                set_exposure_mode();
-                break;
-            case 'l':
-                get_dc_brightness_limit();
-                break;
-            case 'L':
-                set_dc_brightness_limit();
-                break;
-            case 'm':
-                get_flash_brightness_limit();
-                break;
-            case 'M':
-                set_flash_brightness_limit();
-                break;
-            case 'n':
-                get_mode();
-                break;
-            case 'N':
-                set_mode();
-                break;
-            case 'o':
-                get_internal_temp();
-                break;
-            case 'O':
-                get_external_temp();
-                break;
-            case 'p':
-                get_ot_off_limit();
-                break;
-            case 'P':
-                set_ot_off_limit();
-                break;
-            case 'q':
-                get_guards();
-                break;
-            case 'Q':
-                set_guards();
-                break;
-            case 'r':
-                set_limit_ot_decrease();
-                break;
-            case 's':
-                set_illum_brightness_red();
-                break;
-            case 'S':
-                get_illum_brightness_red();
-                break;
-            case 't':
-                set_illum_brightness_green();
-                break;
-            case 'T':
-                get_illum_brightness_green();
-                break;
-            case 'u':
-                set_illum_brightness_blue();
-                break;
-            case 'U':
-                get_illum_brightness_blue();
-                break;
-            case 'v':
-                check_illum();
-                break;
-            case 'k':
-                get_red_led();
-                break;
-            case 'K':
-                set_red_led();
-                break;
-            case 'z':
-                get_green_led();
-                break;
-            case 'Z':
-                set_green_led();
-                break;
-            case 'y':
-                get_alter_led();
-                break;
-            case 'Y':
-                set_alter_led();
-                break;
-            case 'x':
-                return 0;
-            default:
-                break;
+        if (option == kExitKey) {
+            return 0;
         }
+        run_option(option);
     }
 }

@@ -1,24 +1,11 @@
 // The illumination menu, and its commands that read or write one simple setting.
 #pragma once
 
-#include "hal/illumination.h"
-
-// The module of the menu that runs, set on entry. Every command below, and of illumination_status.h, works on it;
-// each reads the terminal, in socket mode too, and writes to standard output.
-extern hal::illumination_t* p_illumination;
-
-// The manner of this menu's commands, for both of its sources.
-namespace illumination_menu {
-
-// Says so where the status is a failure, that is not 0.
-void report(int status);
-// Reads a number and prints it behind the label; after a failed read the failure, and then 0.
-void show_number(char const* label, int (hal::illumination_t::*get)(unsigned int&) const);
-
-}  // namespace illumination_menu
-
 // Runs the menu at the terminal until its exit key. Returns 0.
 int test_illumination();
+
+// The commands work on p_illumination (illumination_object.h); each reads the terminal, in socket mode too, and writes
+// to standard output.
 
 // These two also add their status to the client's reply, and leave it to a later command to send it.
 void get_pattern();

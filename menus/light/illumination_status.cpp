@@ -5,7 +5,7 @@
 
 #include "app/terminal_input.h"
 #include "menus/light/dialogue.h"
-#include "menus/light/illumination.h"
+#include "menus/light/illumination_object.h"
 
 using namespace illumination_menu;
 
@@ -60,13 +60,13 @@ char const* exposure_text(hal::exposure_mode mode) {
 
 void get_spot_type() {
     bool rgbw = false;
-    report(p_illumination->is_rgbw_illumination(rgbw));
+    print_failure(p_illumination->is_rgbw_illumination(rgbw));
     std::cout << (rgbw ? "IS RGBW" : "IS NOT RGBW") << std::endl;
 }
 
 void get_spot_states() {
     hal::spot_states states{};
-    report(p_illumination->get_spot_states(states));
+    print_failure(p_illumination->get_spot_states(states));
     std::cout << mode_text(states.operating_mode) << range_text(states.light_range);
     for (int i = 0; i < 4; ++i) {
         std::cout << "SEGMENT " << i << " IS " << (states.segments[i] != 0 ? "ON" : "OFF") << std::endl;
@@ -75,7 +75,7 @@ void get_spot_states() {
 
 void get_spot_flags() {
     hal::spot_flags flags{};
-    report(p_illumination->get_spot_flags(flags));
+    print_failure(p_illumination->get_spot_flags(flags));
     // Kept: the order is not that of the record.
     print_flag("ERROR: ", flags.general_error);
     print_flag("CALIBRATION ERROR: ", flags.calibration_error);
@@ -89,19 +89,19 @@ void get_spot_flags() {
 
 void get_error_code() {
     hal::illu_error_code code{};
-    report(p_illumination->get_error_code(code));
+    print_failure(p_illumination->get_error_code(code));
     std::cout << "ERROR CODE: " << static_cast<unsigned int>(code) << std::endl;
 }
 
 void get_exposure_mode() {
     hal::exposure_mode mode{};
-    report(p_illumination->get_exposure_mode(mode));
+    print_failure(p_illumination->get_exposure_mode(mode));
     std::cout << exposure_text(mode);
 }
 
 void set_exposure_mode() {
     // "CONTINOUS" is kept.
-    int const choice = ask<int>("set exposure mode: 0: CONTINOUS, 1: SWITCH, 2: FLASH");
+    int const choice = ask_below<int>("set exposure mode: 0: CONTINOUS, 1: SWITCH, 2: FLASH");
     auto mode = hal::exposure_mode::continuous;
     int time = 0;
     if (choice == 1) {
@@ -111,7 +111,7 @@ void set_exposure_mode() {
         read_number(time);
         mode = hal::exposure_mode::flash;
     }
-    report(p_illumination->set_exposure_mode(mode, static_cast<unsigned int>(time)));
+    print_failure(p_illumination->set_exposure_mode(mode, static_cast<unsigned int>(time)));
 }
 
 void get_internal_temp() {
@@ -124,7 +124,7 @@ void get_external_temp() {
 
 void get_guards() {
     hal::illu_guards guards{};
-    report(p_illumination->get_guards(guards));
+    print_failure(p_illumination->get_guards(guards));
     print_flag("OT: ", guards.over_temperature);
     print_flag("DVS: ", guards.dvs);
     print_flag("AUTOCAL: ", guards.autocal);
@@ -133,9 +133,9 @@ void get_guards() {
 
 void set_guards() {
     hal::illu_guards guards{};
-    guards.over_temperature = ask<int>("set guards: OT: 0 FALSE, 1 TRUE") != 0;
-    guards.dvs = ask<int>("set guards: DVS: 0 FALSE, 1 TRUE") != 0;
-    guards.autocal = ask<int>("set guards: AUTOCAL: 0 FALSE, 1 TRUE") != 0;
-    guards.pvd = ask<int>("set guards: PVD: 0 FALSE, 1 TRUE") != 0;
-    report(p_illumination->set_guards(guards));
+    guards.over_temperature = ask_below<int>("set guards: OT: 0 FALSE, 1 TRUE") != 0;
+    guards.dvs = ask_below<int>("set guards: DVS: 0 FALSE, 1 TRUE") != 0;
+    guards.autocal = ask_below<int>("set guards: AUTOCAL: 0 FALSE, 1 TRUE") != 0;
+    guards.pvd = ask_below<int>("set guards: PVD: 0 FALSE, 1 TRUE") != 0;
+    print_failure(p_illumination->set_guards(guards));
 }

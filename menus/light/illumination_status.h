@@ -1,8 +1,8 @@
 // The illumination menu's commands that read or write the module's status records.
 #pragma once
 
-// They work on p_illumination at the terminal, as the commands of illumination.h do. A readout whose read failed
-// says so and prints zeros.
+// They work on p_illumination (illumination_object.h) at the terminal, as the commands of illumination.h do. A readout
+// whose read failed says so and prints zeros.
 void get_spot_type();
 void get_spot_states();
 void get_spot_flags();

@@ -8,6 +8,7 @@
 #include "app/module_information.h"
 #include "app/terminal_input.h"
 #include "hal/gyro.h"
+#include "menus/motion/hub.h"
 
 namespace {
 
@@ -74,9 +75,9 @@ void boot() {
 
 }  // namespace
 
-void activate_sensor_prompt(bool ask) {
+void activate_sensor_prompt(bool prompt) {
     static std::uint32_t sensor_id = g_gyro_sensor_id;  // kept: a later 'd' or 'D' does not reach it
-    if (ask) {
+    if (prompt) {
         std::cout << "Please enter sensor id: [" << sensor_id << "]" << std::endl;
         read_number(sensor_id);
         std::cout << "Please enter frame rate: [" << g_gyro_rate << "]" << std::endl;
@@ -89,8 +90,74 @@ void activate_sensor_prompt(bool ask) {
     g_gyro->activate_vsensor(sensor_id, g_gyro_rate, g_gyro_latency);
 }
 
+namespace {
+
+void run_option(char option, bool& hold) {
+    switch (option) {
+        case 'd':
+            set_default_sensor();
+            break;
+        case 'D':
+            set_defaults();
+            break;
+        case 'a':
+            activate_sensor_prompt(false);
+            break;
+        case 'A':
+            activate_sensor_prompt(true);  // kept: labelled "deactivate", which takes a frame rate of 0
+            break;
+        case 'w':
+            g_gyro->info_vsensor_list();
+            break;
+        case 'W':
+            g_gyro->info_psensor_list();
+            break;
+        case 's':
+            g_gyro->info_vsensor_cfg(static_cast<int>(g_gyro_sensor_id));
+            break;
+        case 'S':
+            g_gyro->info_vsensor(static_cast<int>(g_gyro_sensor_id));
+            break;
+        case 'P':
+            g_gyro->info_psensor(1);
+            g_gyro->info_psensor(3);
+            break;
+        case 'f':
+            g_gyro->upload_firmware("./Bosch.fw");  // kept: an image beside the console, never the configured one
+            break;
+        case 'F':
+        case 'q':
+            g_gyro->info_firmware();
+            break;
+        case 'e':
+            g_gyro->info_irq_ctrl();
+            break;
+        case 'E':
+            g_gyro->info_irq();
+            break;
+        case 'b':
+            boot();
+            break;
+        case 'B':
+            g_gyro->install_callbacks();
+            break;
+        case 'n':
+            start_hub();  // kept: uploads nothing and leaves the hold of the callbacks as it is
+            break;
+        case 't':
+            hold = !hold;
+            g_gyro->irq_callback_hold(hold);
+            break;
+        default:
+            run_module_option(option, g_gyro);
+            break;
+    }
+}
+
+}  // namespace
+
 int test_gyro() {
-    hal::gyro_t gyro("/dev/i2c-2", 2, g_gyro_firmware, "/sys/class/gpio/gpio481/value", 200);
+    hal::gyro_t gyro = open_hub(g_gyro_firmware);
     g_gyro = &gyro;
     start_hub();
     gyro.irq_callback_hold(false);
@@ -101,76 +168,9 @@ int test_gyro() {
         char option = kExitKey;
         read_option(option);
         std::cout << "Your Option = " << option << std::endl;
-        switch (option) {
-            case '0':
-                exit_console();
-            case '1':
-                get_status(g_gyro);
-                break;
-            case '2':
-                get_revision(g_gyro);
-                break;
-            case '3':
-                get_serial_number(g_gyro);
-                break;
-            case 'd':
-                set_default_sensor();
-                break;
-            case 'D':
-                set_defaults();
-                break;
-            case 'a':
-                activate_sensor_prompt(false);
-                break;
-            case 'A':
-                activate_sensor_prompt(true);  // kept: labelled "deactivate", which takes a frame rate of 0
-                break;
-            case 'w':
-                gyro.info_vsensor_list();
-                break;
-            case 'W':
-                gyro.info_psensor_list();
-                break;
-            case 's':
-                gyro.info_vsensor_cfg(static_cast<int>(g_gyro_sensor_id));
-                break;
-            case 'S':
-                gyro.info_vsensor(static_cast<int>(g_gyro_sensor_id));
-                break;
-            case 'P':
-                gyro.info_psensor(1);
-                gyro.info_psensor(3);
-                break;
-            case 'f':
-                gyro.upload_firmware("./Bosch.fw");  // kept: an image beside the console, never the configured one
-                break;
-            case 'F':
-            case 'q':
-                gyro.info_firmware();
-                break;
-            case 'e':
-                gyro.info_irq_ctrl();
-                break;
-            case 'E':
-                gyro.info_irq();
-                break;
-            case 'b':
-                boot();
-                break;
-            case 'B':
-                gyro.install_callbacks();
-                break;
-            case 'n':
-                start_hub();  // kept: uploads nothing and leaves the hold of the callbacks as it is
-                break;
-            case 't':
-                hold = !hold;
-                gyro.irq_callback_hold(hold);
-                break;
-            case 'x':
-                return 0;
-            default:
-                break;
+        if (option == kExitKey) {
+            return 0;
         }
+        run_option(option, hold);
     }
 }

@@ -5,6 +5,6 @@
 // key '0' ends the process with status 0. Sensor ids, rates and latencies stay for the next run.
 int test_gyro();
 
-// Switches the menu's virtual sensor on; with `ask` it asks for its id, rate and latency first. The id is taken
+// Switches the menu's virtual sensor on; with `prompt` it asks for its id, rate and latency first. The id is taken
 // over from the menu at the first call only. The menu must be running.
-void activate_sensor_prompt(bool ask);
+void activate_sensor_prompt(bool prompt);

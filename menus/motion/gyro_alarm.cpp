@@ -4,9 +4,11 @@
 #include <iostream>
 
 #include "app/console_main.h"
+#include "app/device_paths.h"
 #include "app/device_type.h"
 #include "app/terminal_input.h"
 #include "hal/gyro.h"
+#include "menus/motion/hub.h"
 
 hal::gyro_alarm_t* p_gyro_alarm = nullptr;
 
@@ -40,11 +42,31 @@ void teach_by_long_press(hal::button_t& button, lender<hal::gyro_alarm_t> const&
     button.release_records[1] = {5000, alarm.callback([](hal::gyro_alarm_t& lent) { lent.teach_current_position(); })};
 }
 
+namespace {
+
+void run_option(char option, hal::gyro_t& gyro, bool& hold) {
+    switch (option) {
+        case 'a':
+        case 'b':
+        case 'g':
+            set_angle();
+            break;
+        case 't':
+            hold = !hold;
+            gyro.irq_callback_hold(hold);
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace
+
 int test_gyro_alarm() {
     std::cout << "int test_gyro_alarm()" << std::endl;
-    hal::rtu_t rtu("/dev/r47-rtu-driver", 2);
-    hal::gyro_t gyro("/dev/i2c-2", 2, g_gyro_firmware, "/sys/class/gpio/gpio481/value", 200);
-    hal::button_t button("/dev/gpiochip1", static_cast<short>(get_button_irq_line()), true, 2000);
+    hal::rtu_t rtu(kRtuDevice, kDeviceAccess);
+    hal::gyro_t gyro = open_hub(g_gyro_firmware);
+    hal::button_t button(kButtonDevice, static_cast<short>(get_button_irq_line()), true, 2000);
     gyro.boot();
     gyro.info_firmware();
     gyro.activate_vsensor(37, 10.0F, 1);
@@ -62,20 +84,9 @@ int test_gyro_alarm() {
         char option = kExitKey;
         read_option(option);
         std::cout << "\t\t Your Option = " << option << std::endl;
-        switch (option) {
-            case 'a':
-            case 'b':
-            case 'g':
-                set_angle();
-                break;
-            case 't':
-                hold = !hold;
-                gyro.irq_callback_hold(hold);
-                break;
-            case 'x':
-                return 0;
-            default:
-                break;
+        if (option == kExitKey) {
+            return 0;
         }
+        run_option(option, gyro, hold);
     }
 }

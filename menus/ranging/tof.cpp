@@ -7,6 +7,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "app/device_paths.h"
 #include "app/terminal_input.h"
 #include "hal/tof.h"
 
@@ -30,7 +31,8 @@ constexpr char const* kMenu =
 
 hal::tof_t* p_tof = nullptr;  // the sensor of the menu that runs
 
-int ask(char const* prompt) {
+// The number that is typed behind the prompt; 0 where the text is none.
+int ask_behind(char const* prompt) {
     std::cout << prompt;
     int value = 0;
     read_number(value);
@@ -47,7 +49,7 @@ void print_value(char const* age, char const* name, Value value) {
 template <typename Value>
 void change_setting(char const* prompt, char const* name, int (hal::tof_t::*get)(Value&),
                     int (hal::tof_t::*set)(Value)) {
-    int const entered = ask(prompt);
+    int const entered = ask_behind(prompt);
     Value value{};
     (p_tof->*get)(value);
     print_value("Old", name, value);
@@ -59,7 +61,7 @@ void change_setting(char const* prompt, char const* name, int (hal::tof_t::*get)
 // The setter updates the field.
 template <typename Value>
 void change_calibration(char const* prompt, char const* name, Value const& field, int (hal::tof_t::*set)(Value)) {
-    int const entered = ask(prompt);
+    int const entered = ask_behind(prompt);
     print_value("Old", name, field);
     (p_tof->*set)(static_cast<Value>(entered));  // narrowed unchecked, as the settings
     print_value("New", name, field);
@@ -92,56 +94,60 @@ void shot() {
     std::printf("\n\n");
 }
 
+void run_option(char option) {
+    switch (option) {
+        case 'a':
+            change_setting("Enter resolution: ", "resolution", &hal::tof_t::get_resolution,
+                           &hal::tof_t::set_resolution);
+            break;
+        case 'b':
+            change_setting("Enter value: ", "frequency", &hal::tof_t::get_frequency, &hal::tof_t::set_frequency);
+            break;
+        case 'c':
+            // "Ranginig" is kept.
+            change_setting("Enter value: ", "Ranginig Mode", &hal::tof_t::get_ranging_mode,
+                           &hal::tof_t::set_ranging_mode);
+            break;
+        case 'd':
+            change_setting("Enter value: ", "Integration Time", &hal::tof_t::get_integration_time,
+                           &hal::tof_t::set_integration_time);
+            break;
+        case 'e':
+            set_calibration_parameters();
+            break;
+        case 'f':
+            p_tof->xtalk_calibration();
+            break;
+        case 'g':
+            p_tof->number_of_measurements = static_cast<unsigned int>(ask_behind("Enter number of measurements: "));
+            break;
+        case 'h':
+            shot();
+            break;
+        case 'i':
+            p_tof->illumination_module_test();
+            break;
+        case 'j':
+            change_setting("Enter value: ", "Power Mode", &hal::tof_t::get_power_mode, &hal::tof_t::set_power_mode);
+            break;
+        default:
+            std::cout << "unknown command " << option << std::endl;
+    }
+}
+
 }  // namespace
 
 int test_tof() {
-    hal::tof_t tof("/dev/r47-tof-driver", 2);
+    hal::tof_t tof(kTofDevice, kDeviceAccess);
     p_tof = &tof;
     while (true) {
         std::cout << kMenu;
         char option = kExitKey;
         read_option(option);
         std::cout << "\t\tYour option = " << option << std::endl;
-        switch (option) {
-            case 'a':
-                change_setting("Enter resolution: ", "resolution", &hal::tof_t::get_resolution,
-                               &hal::tof_t::set_resolution);
-                break;
-            case 'b':
-                change_setting("Enter value: ", "frequency", &hal::tof_t::get_frequency, &hal::tof_t::set_frequency);
-                break;
-            case 'c':
-                // "Ranginig" is kept.
-                change_setting("Enter value: ", "Ranginig Mode", &hal::tof_t::get_ranging_mode,
-                               &hal::tof_t::set_ranging_mode);
-                break;
-            case 'd':
-                change_setting("Enter value: ", "Integration Time", &hal::tof_t::get_integration_time,
-                               &hal::tof_t::set_integration_time);
-                break;
-            case 'e':
-                set_calibration_parameters();
-                break;
-            case 'f':
-                p_tof->xtalk_calibration();
-                break;
-            case 'g':
-                p_tof->number_of_measurements = static_cast<unsigned int>(ask("Enter number of measurements: "));
-                break;
-            case 'h':
-                shot();
-                break;
-            case 'i':
-                p_tof->illumination_module_test();
-                break;
-            case 'j':
-                change_setting("Enter value: ", "Power Mode", &hal::tof_t::get_power_mode, &hal::tof_t::set_power_mode);
-                break;
-            default:
-                std::cout << "unknown command " << option << std::endl;
-                if (option == kExitKey) {  // kept: the exit key is announced as unknown, too
-                    return 0;
-                }
+        run_option(option);  // kept: the exit key, too, is announced as unknown
+        if (option == kExitKey) {
+            return 0;
         }
     }
 }

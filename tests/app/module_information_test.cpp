@@ -129,7 +129,7 @@ TEST(ModuleInformationDeathTest, ExitKeySaysGoodByeAndEndsTheProcess) {
         {
             std::fflush(stdout);
             ::dup2(STDERR_FILENO, STDOUT_FILENO);
-            exit_console();
+            run_module_option('0', nullptr);
         },
         testing::ExitedWithCode(0), "\n\033\\[0mGood Bye\n");
 }

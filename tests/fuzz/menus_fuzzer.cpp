@@ -33,6 +33,7 @@
 #include "menus/imaging/rtu.h"
 #include "menus/light/autofocus.h"
 #include "menus/light/illumination.h"
+#include "menus/light/illumination_object.h"
 #include "menus/motion/alarm_old.h"
 #include "menus/motion/button.h"
 #include "menus/motion/gyro.h"

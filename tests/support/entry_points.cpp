@@ -29,6 +29,7 @@
 #include "menus/imaging/image_sensor.h"
 #include "menus/imaging/rtu.h"
 #include "menus/light/illumination.h"
+#include "menus/light/illumination_object.h"
 #include "menus/motion/alarm_old.h"
 #include "menus/motion/button.h"
 #include "menus/motion/gyro_delegate.h"
