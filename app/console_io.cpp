@@ -5,9 +5,12 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
+#include "app/typed_numbers.h"
 #include "net/socket.h"
 
 bool bsock = false;
@@ -27,44 +30,39 @@ std::atomic<bool> client_dismissed{false};
 bool read_byte(char& byte) {
     int count;
     do {
+        wait_for_client(p_client_socket->descriptor());
         count = p_client_socket->read_data(&byte, 1);
     } while (count == -1 && errno == EINTR);
     return count == 1 && !client_dismissed;
 }
 
 // A line while it is read. What does not fit is dropped.
-class Line {
+class line_buffer {
 public:
-    explicit Line(char* buffer) : buffer_(buffer) { buffer_[0] = '\0'; }
-
-    bool empty() const { return size_ == 0; }
+    char const* text() const { return text_; }
+    std::size_t size() const { return size_; }
 
     void store(char c) {
         if (size_ < kLineSize - 1) {
-            buffer_[size_++] = c;
-            buffer_[size_] = '\0';
+            text_[size_++] = c;
+            text_[size_] = '\0';
         }
     }
 
-    void clear() {
-        size_ = 0;
-        buffer_[0] = '\0';
-    }
-
 private:
-    char* buffer_;
+    char text_[kLineSize] = "";
     std::size_t size_ = 0;
 };
 
 // Reads up to the end of a line that is not empty; false where the stream ends first.
-bool collect(Line& line) {
+bool collect(line_buffer& line) {
     char c;
     while (read_byte(c)) {
         if (c == kCarriageReturn) {
             continue;
         }
         if (c == kLineFeed) {
-            if (!line.empty()) {
+            if (line.size() != 0) {
                 return true;
             }
             continue;
@@ -79,7 +77,7 @@ bool collect(Line& line) {
             }
             if (c == 'n') {
                 std::cout << "Backslash and n detected \n" << std::flush;
-                if (!line.empty()) {
+                if (line.size() != 0) {
                     return true;
                 }
                 continue;
@@ -90,22 +88,32 @@ bool collect(Line& line) {
     return false;
 }
 
+// As sckt_read_line, but leaves the terminal to the menu that asks, where that has it.
+bool read_line(line_buffer& line) {
+    std::cout << std::flush;
+    if (!collect(line)) {
+        return false;
+    }
+    std::cout << "ReadLine: " << line.text() << std::endl;
+    return true;
+}
+
 }  // namespace
 
-void dismiss_client(bool dismissed) {
-    client_dismissed = dismissed;
+void admit_client() {
+    client_dismissed = false;
+}
+
+void dismiss_client() {
+    client_dismissed = true;
 }
 
 bool sckt_read_line(char* buffer) {
     release_terminal();
-    std::cout << std::flush;
-    Line line(buffer);
-    if (!collect(line)) {
-        line.clear();
-        return false;
-    }
-    std::cout << "ReadLine: " << buffer << std::endl;
-    return true;
+    line_buffer line;
+    bool const read = read_line(line);
+    std::memcpy(buffer, read ? line.text() : "", read ? line.size() + 1 : 1);
+    return read;
 }
 
 void sckt_write_line(std::string text) {  // NOLINT(performance-unnecessary-value-param): its interface, as traced
@@ -122,16 +130,18 @@ void kogetchar(char& option) {
     option = sckt_read_line(line) ? line[0] : kExitKey;
 }
 
-void koscanf(char const* format, int& value) {
+// The format is "%d" in every call, and scan_int() stays defined where a number is too large for it.
+void koscanf(char const*, int& value) {
     if (!bsock) {
         read_number(value);
         return;
     }
-    char line[kLineSize];
-    if (sckt_read_line(line)) {
-        std::sscanf(line, format, &value);
-        p_client_socket->write_data(line);
+    line_buffer line;
+    if (!read_line(line)) {
+        throw no_answer();
     }
+    value = scan_int(line.text()).value_or(value);
+    p_client_socket->write_data(std::string(line.text(), line.size()));
 }
 
 void kosstream(char const* format, int value) {

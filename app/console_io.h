@@ -21,8 +21,9 @@ extern socket_tcp* p_client_socket;  // the connected client, or null
 // When the client has gone it becomes kExitKey, so that every menu unwinds through its own exit.
 void kogetchar(char& option);
 
-// One number, from the terminal (as read_number; the format is not used) or scanned with `format` from the
-// client's next line, which is echoed to the client as it was read. The value stays where nothing converts.
+// One number, from the terminal (as read_number) or from the client's next line, scanned as by "%d", the one format,
+// and echoed to the client as it was read. The value stays where nothing converts. Throws no_answer where the client
+// has gone; and at Ctrl-D, where the menu reads its options from the terminal.
 void koscanf(char const* format, int& value);
 
 // Adds one item to the reply. Nothing happens in terminal mode.
@@ -31,13 +32,15 @@ void kosstream(char const* format, int value);
 // Ends the reply and sends it: the bytes sent, or -1. In terminal mode -1, and nothing is sent.
 int kosstream_send();
 
-// Reads one line that is not empty into `buffer` of kLineSize characters. Blocks. False, and the buffer holds
-// an empty line, when the client has gone.
+// Gives the terminal to the local menu and reads one line that is not empty into `buffer` of kLineSize characters.
+// Blocks. False, and the buffer holds an empty line, when the client has gone.
 bool sckt_read_line(char* buffer);
 
-// True: from now on the client counts as gone, whatever lines of it still wait; a read that is pending ends with the
+// A new client: its lines count.
+void admit_client();
+// From now on the client counts as gone, whatever lines of it still wait; a read that is pending ends with the
 // connection. From any thread.
-void dismiss_client(bool dismissed);
+void dismiss_client();
 
 // Sends the text as it is.
 void sckt_write_line(std::string text);

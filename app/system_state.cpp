@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "app/device_paths.h"
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 
 namespace {
@@ -71,6 +72,6 @@ void test_system() {
         if (option == kExitKey) {
             std::exit(0);  // kept: the label says "Return to Main", the key ends the process
         }
-        run_option(option, system);
+        run_command([&] { run_option(option, system); });
     }
 }

@@ -11,4 +11,5 @@ using setting_accessor = std::function<int(unsigned int&)>;
 void sensor_get(setting_accessor const& get, std::string const& name);
 
 // Asks for a value, always at the terminal, and hands it to `set`; text that is no number stands for 0.
+// Throws no_answer.
 void sensor_set(setting_accessor const& set, std::string const& name);

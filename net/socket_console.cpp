@@ -61,13 +61,13 @@ int test_socket() {
     socket_tcp client = server.accept();
     p_client_socket = &client;
     broken_pipe_ignored const ignored;
-    dismiss_client(false);
+    admit_client();
     watch_connection(client.descriptor());
     release_terminal();
     std::cout << kMenu << std::flush;  // before the other thread prints too, and into the midst of a line
     std::thread menu_thread(serve_client);
     if (operator_ends_socket_mode()) {
-        dismiss_client(true);
+        dismiss_client();
         client.shutdown();  // the menu thread's pending read returns, and its menus unwind
     }
     menu_thread.join();

@@ -5,6 +5,7 @@
 
 #include "app/console_io.h"
 #include "app/device_paths.h"
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
 #include "hal/camera.h"
@@ -278,6 +279,6 @@ int test_camera() {
         if (option == kExitKey) {
             return 0;
         }
-        run_option(option, camera, fps);
+        run_command([&] { run_option(option, camera, fps); });
     }
 }

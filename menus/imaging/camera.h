@@ -11,7 +11,7 @@ int test_camera();
 void get_trigger_counter();
 // Returns the library's status.
 int reset_trigger_counter();
-// Asks for the scan mode and writes it. Returns the library's status, which is not printed.
+// Asks for the scan mode and writes it. Throws no_answer. Returns the library's status, which is not printed.
 int set_scanmode();
 // Prints the scan mode, whatever the status, and adds the status to the client's reply. Returns the status.
 int get_scanmode();

@@ -7,6 +7,7 @@
 #include "app/console_io.h"
 #include "app/device_paths.h"
 #include "app/module_information.h"
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "hal/rtu.h"
 
@@ -196,6 +197,6 @@ int test_dio() {
         if (option == kExitKey) {
             return 0;
         }
-        run_option(option);
+        run_command([&] { run_option(option); });
     }
 }

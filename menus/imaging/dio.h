@@ -6,5 +6,5 @@
 int test_dio();
 
 // Asks for a pin, prints its configuration and sends it to the client. Where the library fails, what is printed and
-// sent is a new record's contents.
+// sent is a new record's contents. Throws no_answer.
 void read_dio_config();

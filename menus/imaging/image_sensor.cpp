@@ -7,6 +7,7 @@
 
 #include "app/device_paths.h"
 #include "app/module_information.h"
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
 #include "menus/imaging/sensor_classes.h"
@@ -123,6 +124,6 @@ int test_imx(int) {
         if (option == kExitKey) {
             return 0;
         }
-        run_option(option);
+        run_command([&] { run_option(option); });
     }
 }

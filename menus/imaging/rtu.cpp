@@ -6,6 +6,7 @@
 #include "app/console_io.h"
 #include "app/device_paths.h"
 #include "app/module_information.h"
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
 #include "hal/rtu.h"
@@ -155,6 +156,6 @@ int test_rtu() {
         if (option == kExitKey) {
             return 0;
         }
-        run_option(option, value, imager);
+        run_command([&] { run_option(option, value, imager); });
     }
 }

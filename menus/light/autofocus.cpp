@@ -6,6 +6,7 @@
 
 #include "app/device_paths.h"
 #include "app/module_information.h"
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "menus/light/dialogue.h"
 
@@ -200,6 +201,6 @@ int test_autofocus() {
         if (option == kExitKey) {
             return 0;
         }
-        run_option(option);
+        run_command([&] { run_option(option); });
     }
 }

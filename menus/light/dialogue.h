@@ -5,7 +5,7 @@
 
 #include "app/terminal_input.h"
 
-// The number that is typed below the prompt; 0 where the text is none.
+// The number that is typed below the prompt; 0 where the text is none. Throws no_answer.
 template <typename Number>
 Number ask_below(char const* prompt) {
     std::cout << prompt << std::endl;

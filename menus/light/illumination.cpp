@@ -6,6 +6,7 @@
 #include "app/console_io.h"
 #include "app/device_paths.h"
 #include "app/module_information.h"
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "app/value_prompts.h"
 #include "menus/light/dialogue.h"
@@ -445,6 +446,6 @@ int test_illumination() {
         if (option == kExitKey) {
             return 0;
         }
-        run_option(option);
+        run_command([&] { run_option(option); });
     }
 }

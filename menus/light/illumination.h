@@ -5,7 +5,7 @@
 int test_illumination();
 
 // The commands work on p_illumination (illumination_object.h); each reads the terminal, in socket mode too, and writes
-// to standard output.
+// to standard output. Those that ask throw no_answer.
 
 // These two also add their status to the client's reply, and leave it to a later command to send it.
 void get_pattern();

@@ -6,6 +6,7 @@
 
 #include "app/console_main.h"
 #include "app/module_information.h"
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "hal/gyro.h"
 #include "menus/motion/hub.h"
@@ -171,6 +172,6 @@ int test_gyro() {
         if (option == kExitKey) {
             return 0;
         }
-        run_option(option, hold);
+        run_command([&] { run_option(option, hold); });
     }
 }

@@ -6,5 +6,5 @@
 int test_gyro();
 
 // Switches the menu's virtual sensor on; with `prompt` it asks for its id, rate and latency first. The id is taken
-// over from the menu at the first call only. The menu must be running.
+// over from the menu at the first call only. The menu must be running. Throws no_answer.
 void activate_sensor_prompt(bool prompt);

@@ -6,6 +6,7 @@
 #include "app/console_main.h"
 #include "app/device_paths.h"
 #include "app/device_type.h"
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "hal/gyro.h"
 #include "menus/motion/hub.h"
@@ -26,7 +27,7 @@ constexpr char const* kMenu =
 void set_angle() {
     std::cout << "Please enter angle";
     float angle = 0.0F;
-    read_number(angle);
+    read_scanned_number(angle);
     p_gyro_alarm->set_angle_limit(angle);
 }
 
@@ -87,6 +88,6 @@ int test_gyro_alarm() {
         if (option == kExitKey) {
             return 0;
         }
-        run_option(option, gyro, hold);
+        run_command([&] { run_option(option, gyro, hold); });
     }
 }

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <string>
 
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "net/socket.h"
 
@@ -174,12 +175,56 @@ TEST_F(ConsoleIoTest, TextThatIsNoNumberIsEchoedAndLeavesTheValue) {
     EXPECT_EQ(received(), "abc");
 }
 
-TEST_F(ConsoleIoTest, NumberIsLeftWhenTheClientHasGone) {
-    station_leaves();
-    int value = 7;
+TEST_F(ConsoleIoTest, NumberBeyondItsTypeIsEchoedAndLeavesTheValue) {
+    for (std::string const sent : {"99999999999", "2147483648", "-2147483649", "4294967296"}) {
+        station_sends(sent + "\n");
+        int value = 7;
+        koscanf("%d", value);
+        EXPECT_EQ(value, 7);
+        EXPECT_EQ(received(), sent);
+    }
+}
+
+TEST_F(ConsoleIoTest, EchoIsTheLineAsStoredWithItsNulBytes) {
+    std::string const nul(1, '\0');
+    int value = 3;
+    station_sends(nul + "5\n");
+    koscanf("%d", value);
+    EXPECT_EQ(value, 3);
+    EXPECT_EQ(received(), nul + "5");
+    station_sends("7" + nul + "8\n");
     koscanf("%d", value);
     EXPECT_EQ(value, 7);
+    EXPECT_EQ(received(), "7" + nul + "8");
+}
+
+TEST_F(ConsoleIoTest, EchoOfALongLineIsWhatWasStored) {
+    station_sends(std::string(5000, '0') + "\n");
+    int value = 3;
+    koscanf("%d", value);
+    EXPECT_EQ(value, 0);
+    EXPECT_EQ(received(), std::string(1023, '0'));
+}
+
+TEST_F(ConsoleIoTest, NumberGetsNoAnswerWhenTheClientHasGone) {
+    station_sends("12");
+    station_leaves();
+    int value = 7;
+    EXPECT_THROW(koscanf("%d", value), no_answer);
+    EXPECT_EQ(value, 7);
     EXPECT_EQ(received(), "");
+}
+
+TEST_F(ConsoleIoTest, NumberGetsNoAnswerFromAClientThatIsDismissed) {
+    station_sends("12\n5\n");
+    dismiss_client();
+    int value = 7;
+    EXPECT_THROW(koscanf("%d", value), no_answer);
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(received(), "");
+    admit_client();
+    koscanf("%d", value);
+    EXPECT_EQ(value, 2);
 }
 
 // Over sockets that keep what was sent in one piece apart from the next.

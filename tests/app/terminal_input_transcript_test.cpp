@@ -54,13 +54,25 @@ TEST(TerminalInputTest, EmptyAccessorThrows) {
     EXPECT_EQ(run_console("42\n", options).output, "Enter a value for gain: no accessor\n");
 }
 
-TEST(TerminalInputTest, EndOfInputStandsForZero) {
+// What such a prompt prints whose input ends behind the text.
+std::string printed_before_the_end(std::string const& typed) {
     support::SessionOptions options;
     options.entry_point = "sensor_set_accepted";
     support::ConsoleSession session(options);
+    session.type(typed);
     session.end_input();
     EXPECT_EQ(session.wait_for_exit(), 0);
-    EXPECT_EQ(session.output(), "Enter a value for gain: written 0\nsensor set  gain: 0\n");
+    return session.output();
+}
+
+TEST(TerminalInputTest, EndOfInputIsNoAnswer) {
+    EXPECT_EQ(printed_before_the_end(""), "Enter a value for gain: ");
+    EXPECT_EQ(printed_before_the_end(" \n\t"), "Enter a value for gain: ");
+}
+
+TEST(TerminalInputTest, TextOfALastLineWithoutAnEndIsAnAnswer) {
+    EXPECT_EQ(printed_before_the_end("5"), "Enter a value for gain: written 5\nsensor set  gain: 5\n");
+    EXPECT_EQ(printed_before_the_end("abc"), "Enter a value for gain: written 0\nsensor set  gain: 0\n");
 }
 
 TEST(TerminalInputTest, MainMenuWaitsAtTheEndOfInputBeforeItIsShownAgain) {
@@ -88,20 +100,20 @@ TEST(TerminalInputTest, RestOfALineIsTheNextOptions) {
                                                    system_menu('F') + "Read Device state3\n" + system_menu('x'));
 }
 
-TEST(TerminalInputTest, ControlDAtANumberPromptStandsForZeroAndCostsNothingMore) {
+TEST(TerminalInputTest, ControlDBehindANumberEndsItAndNothingMore) {
     support::SessionOptions options;
     options.terminal = true;
     support::ConsoleSession session(options);
     session.wait_for("option: ");
     session.type("lf\n");
     session.wait_for("Enter device state: ");
-    session.type("\x04");
+    session.type("3\x04\x04");  // the first hands over what is typed, the second is seen by itself
     session.wait_for("Enter your option = ");
     session.type("x\n");
     EXPECT_EQ(session.wait_for_exit(), 0);
     auto const calls = session.calls();
     ASSERT_EQ(calls.size(), 2U);
-    EXPECT_EQ(calls[1], "system_t::set_device_status(0) = -1");
+    EXPECT_EQ(calls[1], "system_t::set_device_status(3) = 0");
 }
 
 TEST(TerminalInputTest, ControlDEndsAMistypedNumberWithoutWaitingForTheLine) {
@@ -111,7 +123,7 @@ TEST(TerminalInputTest, ControlDEndsAMistypedNumberWithoutWaitingForTheLine) {
     session.wait_for("option: ");
     session.type("lf\n");
     session.wait_for("Enter device state: ");
-    session.type("-\x04\x04");  // the first hands over what is typed, the second is seen by itself
+    session.type("-\x04\x04");
     session.wait_for("Enter your option = ");
     session.type("x\n");
     EXPECT_EQ(session.wait_for_exit(), 0);

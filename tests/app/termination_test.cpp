@@ -157,16 +157,6 @@ INSTANTIATE_TEST_SUITE_P(EveryMenu, SignalTest,
                                     (std::get<1>(one.param) == SIGTERM ? "Sigterm" : "Sighup");
                          });
 
-TEST(NumberPromptTest, EndOfInputKeepsThePresetAndLeavesTheMenu) {
-    ConsoleSession session;
-    session.type("lf");
-    session.end_input();
-    EXPECT_EQ(session.wait_for_exit(), 0);
-    auto const calls = session.calls();
-    ASSERT_EQ(calls.size(), 2U);
-    EXPECT_EQ(calls[1], "system_t::set_device_status(0) = -1");
-}
-
 TEST(OutputTest, SlowReaderLosesNothing) {
     ConsoleSession session;
     session.type(std::string(300, 's') + "x");

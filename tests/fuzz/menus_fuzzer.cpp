@@ -23,6 +23,7 @@
 #include "app/console_main.h"
 #include "app/device_check.h"
 #include "app/device_type.h"
+#include "app/no_answer.h"
 #include "app/system_state.h"
 #include "app/terminal_input.h"
 #include "hal/illumination.h"
@@ -77,9 +78,9 @@ void run_unbound_commands() {
     hal::illumination_t illumination("/dev/r47-illumination-driver", 2);
     p_illumination = &illumination;
     get_segments();
-    set_segments();
+    run_command(set_segments);
     get_brightness();
-    set_brightness();
+    run_command(set_brightness);
     hal::revision_t revision{};
     get_version_rtu(revision);
     test_rtu_delegate();
@@ -162,12 +163,13 @@ void on_sleep(std::chrono::nanoseconds length) {
     }
 }
 
-// 't' pipe, 'T' terminal; 's' socket mode, 'S' the same with the connection watched, as socket mode does.
+// 't' pipe, 'T' terminal; 's' socket mode, 'S' the same with the connection watched, as socket mode does, 'U' that at a
+// terminal.
 class Mode {
 public:
     explicit Mode(char mode) {
-        typed_input::play(run.typed, mode == 'T');
-        bsock = mode == 's' || mode == 'S';
+        typed_input::play(run.typed, mode == 'T' || mode == 'U');
+        bsock = mode == 's' || mode == 'S' || mode == 'U';
         if (!bsock) {
             return;
         }
@@ -178,7 +180,7 @@ public:
         ssize_t const sent = ::write(pair[1], run.sent.data(), run.sent.size());
         require_equal(static_cast<std::size_t>(sent), run.sent.size(), "bytes sent by the client");
         ::close(pair[1]);
-        watch_connection(mode == 'S' ? pair[0] : -1);
+        watch_connection(mode == 's' ? -1 : pair[0]);
     }
 
     // Nothing of what was typed is left for the next run.

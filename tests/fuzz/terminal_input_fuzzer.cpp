@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "tests/fuzz/require.h"
 #include "tests/fuzz/typed_input.h"
@@ -42,6 +43,8 @@ public:
 
     void set_connection_gone(bool gone) { connection_gone_ = gone; }
     bool all_read() const { return next_ == events_.size(); }
+    // Whether the last word or number found no character to begin with.
+    bool unanswered() const { return unanswered_; }
 
     // A character stays, anything else counts as seen.
     int look() {
@@ -106,12 +109,14 @@ private:
         for (last_ = look(); last_ >= 0 && is_blank(last_); last_ = look()) {
             ++next_;
         }
+        unanswered_ = last_ < 0;
     }
 
     std::vector<int> events_;
     std::size_t next_ = 0;
     int last_ = 0;
     bool connection_gone_ = false;
+    bool unanswered_ = false;
 };
 
 bool is_digit(char c) {
@@ -154,6 +159,26 @@ float expected_float(Model& model, float kept) {
     return in_range ? exact : static_cast<float>(value);
 }
 
+float expected_scanned_float(Model& model, float kept) {
+    std::string const text = model.text([](std::string const& before, char c) {
+        static std::regex const beginning(
+            R"([+-]?([0-9]*\.?[0-9]*|([0-9]+\.?[0-9]*|\.[0-9]+)e[+-]?[0-9]*|)"
+            R"(0x([0-9a-f]*\.?[0-9a-f]*|([0-9a-f]+\.?[0-9a-f]*|\.[0-9a-f]+)p[+-]?[0-9]*)|)"
+            R"(i|in|inf|infi|infin|infini|infinit|infinity|n|na|nan(\([0-9a-z_]*\)?)?))",
+            std::regex::icase);
+        return before.size() <= kLongestFloat && std::regex_match(before + c, beginning);
+    });
+    static std::regex const number(R"([+-]?(([0-9]+\.?[0-9]*|\.[0-9]+)(e[+-]?[0-9]+)?|)"
+                                   R"(0x([0-9a-f]+\.?[0-9a-f]*|\.[0-9a-f]+)(p[+-]?[0-9]+)?|)"
+                                   R"(inf|infinity|nan(\([0-9a-z_]*\))?))",
+                                   std::regex::icase);
+    if (text.size() > kLongestFloat || !std::regex_match(text, number)) {
+        model.refuse();
+        return kept;
+    }
+    return std::strtof(text.c_str(), nullptr);
+}
+
 // Two connected sockets, one with its peer gone.
 struct Connections {
     Connections() {
@@ -175,8 +200,30 @@ Connections const& connections() {
 
 template <typename Number>
 void require_number(Number const& found, Number const& expected, char const* what) {
-    require_equal(found, expected, what);
-    require_equal(std::signbit(static_cast<double>(found)), std::signbit(static_cast<double>(expected)), what);
+    auto const found_float = static_cast<double>(found);
+    auto const expected_float = static_cast<double>(expected);
+    require(found == expected || (std::isnan(found_float) && std::isnan(expected_float)), what);
+    require_equal(std::signbit(found_float), std::signbit(expected_float), what);
+}
+
+// Whether the read finds that no answer will come.
+template <typename Read>
+bool is_unanswered(Read read) {
+    try {
+        read();
+        return false;
+    } catch (no_answer const&) {
+        return true;
+    }
+}
+
+template <typename Number>
+void take_number(Model& model, Number kept, void (*read)(Number&), Number (*expected)(Model&, Number),
+                 char const* what) {
+    Number value = kept;
+    bool const unanswered = is_unanswered([&] { read(value); });
+    require_number(value, expected(model, kept), what);
+    require_equal(unanswered, model.unanswered(), what);
 }
 
 void take_option(Model& model) {
@@ -208,28 +255,23 @@ void take_local_option(Model& model) {
 
 void take_step(char step, Model& model) {
     switch (step) {
-        case 'i': {
-            int value = -77;
-            read_number(value);
-            require_number(value, expected_integer<int>(model, -77), "int");
+        case 'i':
+            take_number<int>(model, -77, read_number, expected_integer<int>, "int");
             break;
-        }
-        case 'u': {
-            unsigned int value = 77;
-            read_number(value);
-            require_number(value, expected_integer<unsigned int>(model, 77), "unsigned int");
+        case 'u':
+            take_number<unsigned int>(model, 77, read_number, expected_integer<unsigned int>, "unsigned int");
             break;
-        }
-        case 'f': {
-            float value = 7.5F;
-            read_number(value);
-            require_number(value, expected_float(model, 7.5F), "float");
+        case 'f':
+            take_number<float>(model, 7.5F, read_number, expected_float, "float");
             break;
-        }
+        case 's':
+            take_number<float>(model, 7.5F, read_scanned_number, expected_scanned_float, "scanned float");
+            break;
         case 'w': {
             std::string word = "before";
-            read_word(word);
+            bool const unanswered = is_unanswered([&word] { read_word(word); });
             require_equal(word, model.word(), "word");
+            require_equal(unanswered, model.unanswered(), "word");
             break;
         }
         case 'l':

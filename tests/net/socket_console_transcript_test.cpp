@@ -444,6 +444,14 @@ TEST_F(SocketConsoleTest, SecondConsoleCannotBind) {
     expect_operator_ends_it();
 }
 
+TEST_F(SocketConsoleTest, PortOfTheLastModeIsHeld) {
+    expect_operator_ends_it();
+    client.close();
+    ConsoleSession second(socket_word());
+    EXPECT_EQ(second.wait_for_exit(), 128 + SIGABRT);
+    EXPECT_NE(second.errors().find("Bind failed"), std::string::npos) << second.errors();
+}
+
 TEST(SocketConsoleKeyTest, EndingItClosesStandardInput) {
     ConsoleSession session;
     session.type("L\n");

@@ -17,6 +17,7 @@
 #include "app/console_main.h"
 #include "app/device_type.h"
 #include "app/module_information.h"
+#include "app/no_answer.h"
 #include "app/standard_output.h"
 #include "app/system_state.h"
 #include "app/terminal_input.h"
@@ -290,7 +291,7 @@ constexpr EntryPoint kEntryPoints[] = {
 int main(int argc, char** argv) {
     for (EntryPoint const& entry : kEntryPoints) {
         if (argc > 1 && std::strcmp(argv[1], entry.name) == 0) {
-            entry.run();
+            run_command(entry.run);
             return 0;
         }
     }

@@ -334,6 +334,16 @@ TEST(DioTest, ReadConfigRunsWithoutTheMenu) {
     EXPECT_EQ(run.calls, (Calls{kOpening, "rtu_t::get_io_pin_config(5) = 0 [" + kNewRecord + "]", kClosing}));
 }
 
+TEST(DioTest, ReadConfigWithoutAPinReadsNothing) {
+    support::SessionOptions options;
+    options.entry_point = "read_dio_config";
+    support::ConsoleSession session(options);
+    session.end_input();
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_EQ(session.output(), "DIO Pin:");
+    EXPECT_EQ(session.calls(), Calls{});
+}
+
 TEST(DioTest, TablesOfThePinsPairTheirDefaultLines) {
     using config_t = hal::dio_pin_config_t;
     auto const& pins = hal::registered_enum::enum_traits<config_t::ioctl_pins>::values;

@@ -308,6 +308,49 @@ TEST_F(RtuClientTest, RateComesFromTheClientAndItsStatusWaits) {
                             "rtu_t::set_trigger_mode(true) = 0", "rtu_t::set_aquisition_fps(4294967295) = -1"}));
 }
 
+TEST_F(RtuClientTest, WhatTheOperatorTypesWhileTheClientIsAskedWaitsForTheMenu) {
+    session.type("tx\n");  // the second key in the line of the first, the third in a line of its own
+    session.wait_for("Enter a value for fps: ");
+    session.type("x\n");
+    client.send("25\n");
+    EXPECT_EQ(client.receive(2), "25");
+    session.wait_for("Your Option = x\n");
+    session.wait_for("\t\t Your Option = x\n");  // the second 'x' is the local menu's
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_EQ(session.calls(), (Calls{"rtu_t::set_trigger_mode(true) = 0", "rtu_t::set_aquisition_fps(25) = 0"}));
+}
+
+// A terminal, where the menu reads ahead.
+TEST(RtuTerminalTest, WhatIsTypedBeforeControlDWaitsForTheMenu) {
+    support::SessionOptions options;
+    options.arguments = {"socket"};
+    options.terminal = true;
+    support::ConsoleSession session(options);
+    support::StationClient client;
+    session.wait_for("x. Exit (also 0)");
+    client.send("b\n");
+    session.wait_for("x: Return to main");
+    session.wait_for("Please enter your option: ");
+    session.type("tA\n");
+    session.wait_for("Enter a value for fps: ");
+    session.type("E\n\x04");
+    session.wait_for("imager type: 0\r\n");
+    session.wait_for("sensor actual exposure: 10000\r\n");
+    session.wait_for("Please enter your option: ");
+    session.type("a\n");
+    session.wait_for("Enter a value for imager type: 1- imx296, 2- ix567 \r\n");
+    session.type("x\n");  // stays the menu's
+    client.send("2\n");
+    EXPECT_EQ(client.receive(1), "2");
+    client.send("A\nx\n");
+    EXPECT_EQ(client.receive_reply(), "0;\\n");
+    session.wait_for("Entered Option = x");
+    session.type("x\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_EQ(session.calls(), (Calls{"rtu_t::get_imager_type() = 0 [0]", "rtu_t::get_exposure() = 0 [10000]",
+                                      "rtu_t::set_imager_type(2) = 0"}));
+}
+
 TEST_F(RtuClientTest, StatusThatWaitsIsThatOfTheRateAlone) {
     session.control("fault add rtu_t::set_trigger_mode status -1");
     session.control("fault add rtu_t::set_aquisition_fps skip 1 status 3");

@@ -452,6 +452,37 @@ TEST(IlluminationUnboundTest, ClientSendsTheNumbersAndGetsEchoesAndStatuses) {
                   kFailure + "\t\t get brightness: 0 ,min: 0, max: 0\n" + kFailure);
 }
 
+TEST(IlluminationUnboundTest, QuestionWithoutAnAnswerEndsTheCommand) {
+    support::SessionOptions options;
+    options.entry_point = "illumination_set_brightness";
+    support::ConsoleSession session(options);
+    session.end_input();
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_EQ(session.output(), "Enter a value in range: 0 - 14\n");
+    EXPECT_EQ(session.calls(),
+              (Calls{kIllumination.opening[0], "illumination_t::get_brightness_limits() = 0 [0, 14, 1]",
+                     kIllumination.closing[0]}));
+}
+
+TEST(IlluminationUnboundTest, ClientThatGoesEndsTheCommandThatAsks) {
+    support::SessionOptions options;
+    options.entry_point = "illumination_client";
+    support::ConsoleSession session(options);
+    support::StationClient client;
+    client.send("9\n");
+    client.finish();
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_EQ(session.output(),
+              "Enter a value in range: 0 - 15(each bit is a segment)\n"
+              "ReadLine: 9\n"
+              "\t\t get segments: 9 ,min: 0, max: 15\n"
+              "Enter a value in range: 0 - 14\n");
+    EXPECT_EQ(client.receive(1), "9");
+    EXPECT_TRUE(client.ended());
+    Calls const calls = session.calls();
+    EXPECT_EQ(calls[calls.size() - 2], "illumination_t::get_brightness_limits() = 0 [0, 14, 1]");
+}
+
 class IlluminationClientTest : public ClientTest {};
 
 TEST(IlluminationUnboundTest, ClientGetsTheStatusOfTheLastCallAlone) {
