@@ -5,6 +5,7 @@
 
 #include "sim/control/command.h"
 #include "sim/tool/control.h"
+#include "sim/tool/proot.h"
 #include "sim/tool/run.h"
 
 namespace {
@@ -43,6 +44,9 @@ int main(int argc, char* argv[]) {
     }
     if (words.front() == "run") {
         return sim::run_in_sandbox({words.begin() + 1, words.end()});
+    }
+    if (words.front() == sim::kInsideProot && words.size() > 1) {
+        return sim::run_inside_proot({words.begin() + 1, words.end()});
     }
     return sim::control(words);
 }

@@ -1,44 +1,19 @@
 // Tests of r47-sim, from the outside: programs inside the device, and commands to it.
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <utility>
 
 #include "sim/control/control_socket.h"
+#include "tests/sim/shell.h"
 #include "tests/sim/temporary_directory.h"
 
 namespace {
-
-struct Result {
-    int status;
-    std::string output;
-};
-
-// Runs a shell command; standard error goes with the output.
-Result shell(std::string const& command) {
-    FILE* const pipe = ::popen(("exec 2>&1; " + command).c_str(), "r");
-    std::string output;
-    std::array<char, 4096> bytes{};
-    for (std::size_t count = 0; (count = std::fread(bytes.data(), 1, bytes.size(), pipe)) > 0;) {
-        output.append(bytes.data(), count);
-    }
-    int const status = ::pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
-}
-
-std::string read(std::string const& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class RunTest : public testing::Test {
 protected:
@@ -55,99 +30,11 @@ protected:
                      "; } && echo >&8 && cat <&9 && wait");
     }
 
-    // A directory of programs for a search path.
-    std::string make_programs() {
-        std::string path = directory_.path() + "/bin";
-        std::filesystem::create_directory(path);
-        return path;
-    }
-    // A search path as on a host where only root may make namespaces.
-    std::string path_without_user_namespaces() {
-        std::string const programs = make_programs();
-        std::string real = shell("command -v bwrap").output;
-        real.pop_back();  // the line end
-        std::ofstream(programs + "/bwrap")
-            << "#!/bin/sh\ncase \" $* \" in *' --unshare-user '*) exit 1 ;; esac\nexec " << real << " \"$@\"\n";
-        std::filesystem::permissions(programs + "/bwrap", std::filesystem::perms(0755));
-        return "PATH=" + programs + ":$PATH ";
-    }
-
     std::string const sim_ = std::string(R47_SIM_EMULATOR) + " " + R47_SIM;
     std::string const probe_ = std::string(R47_EMULATOR) + " " + R47_PROBE;
     TemporaryDirectory directory_;
     std::string const socket_ = directory_.path() + "/control.sock";
 };
-
-TEST_F(RunTest, TheDevicesFilesAreThere) {
-    Result const result = run("",
-                              "sh -c 'for f in /dev/r47-rtu-driver /dev/r47-illumination-driver "
-                              "/dev/r47-autofocus-driver /dev/r47-tof-driver /dev/imx296 /dev/imx567 /dev/i2c-2 "
-                              "/dev/gpiochip1 /opt/kelvora/libhal/fw/kelvora-260AP_1.6.fw "
-                              "/opt/kelvora/libhal/fw/kelvora-260AB_turbo-1.x.fw; do [ -r $f ] || echo missing $f; "
-                              "done; cat /sys/class/gpio/gpio481/value; echo 481 > /sys/class/gpio/export; "
-                              "echo 481 > /sys/class/gpio/unexport; stat -c %a /dev/imx296'");
-    EXPECT_EQ(result.output, "0\n600\n");
-    EXPECT_EQ(result.status, 0);
-}
-
-TEST_F(RunTest, FilesCanBeLeftOut) {
-    Result const result = run("--without /dev/imx296 --without /sys/class/gpio/gpio481/value",
-                              "sh -c 'ls /dev/imx296 /dev/imx567 /sys/class/gpio/gpio481/value 2>/dev/null'");
-    EXPECT_EQ(result.output, "/dev/imx567\n");
-}
-
-TEST_F(RunTest, TheUserCountsAsRoot) {
-    EXPECT_EQ(run("", "id -u").output, "0\n");
-    EXPECT_EQ(run("", "id -g").output, "0\n");
-}
-
-TEST_F(RunTest, TheHostIsReadOnlyAndItsTmpHidden) {
-    std::string const mark = "/tmp/r47-sim-run-test-" + std::to_string(::getpid());
-    Result const result =
-        run("", "sh -c 'touch /usr/" + std::to_string(::getpid()) + " || echo refused; ls -A /tmp | grep run-test-" +
-                    std::to_string(::getpid()) + "; echo private > " + mark + "; cat " + mark + "' 2>/dev/null");
-    EXPECT_EQ(result.output, "refused\nprivate\n");
-    EXPECT_FALSE(std::filesystem::exists(mark));
-}
-
-TEST_F(RunTest, TheWorkingDirectoryStaysAndCanBeWritten) {
-    Result const result = shell("cd " + directory_.path() + " && " + sim_ + " run --control " + socket_ +
-                                " -- sh -c 'pwd; echo kept > file'");
-    EXPECT_EQ(result.output, directory_.path() + "\n");
-    EXPECT_EQ(read(directory_.path() + "/file"), "kept\n");
-}
-
-TEST_F(RunTest, TheExitStatusPassesThrough) {
-    EXPECT_EQ(run("", "sh -c 'exit 7'").status, 7);
-    EXPECT_EQ(run("", "sh -c 'kill -9 $$'").status, 128 + 9);
-}
-
-TEST_F(RunTest, InputAndOutputPassThrough) {
-    Result const result =
-        shell("echo text | " + sim_ + " run --control " + socket_ + " -- sh -c 'cat; echo error >&2'");
-    EXPECT_EQ(result.output, "text\nerror\n");
-}
-
-TEST_F(RunTest, ANetworkOfItsOwnHasOnlyLoopback) {
-    EXPECT_EQ(run("--private-network", "sh -c 'tail -n +3 /proc/self/net/dev | cut -d: -f1 | tr -d \" \"'").output,
-              "lo\n");
-}
-
-TEST_F(RunTest, RunsInsideItself) {
-    Result const result = run("", sim_ + " run -- sh -c 'id -u; ls /dev/imx296; exit 3'");
-    EXPECT_EQ(result.output, "0\n/dev/imx296\n");
-    EXPECT_EQ(result.status, 3);
-}
-
-TEST_F(RunTest, AProgramIsFoundBelowAndInADirectoryThatIsHidden) {
-    for (std::string const& program : {directory_.path() + "/program", directory_.path() + "-program"}) {
-        std::ofstream(program) << "#!/bin/sh\necho started\n";
-        std::filesystem::permissions(program, std::filesystem::perms(0755));
-        Result const result = run("", program);
-        EXPECT_EQ(result.output, "started\n") << program;
-        std::filesystem::remove(program);
-    }
-}
 
 TEST_F(RunTest, AProgramMeetsTheDevice) {
     EXPECT_EQ(run("", probe_).output, "revision 0: 1.6 state 0: 1\n");
@@ -318,53 +205,6 @@ TEST_F(RunTest, AJournalThatCannotBeWrittenIsToldOf) {
     Result const result = run("--journal /nowhere/journal", "echo started");
     EXPECT_EQ(result.output, "r47-sim: cannot write the journal /nowhere/journal: No such file or directory\n");
     EXPECT_EQ(result.status, 1);
-}
-
-TEST_F(RunTest, ACommandThatIsNotFoundIsToldOf) {
-    Result const result = run("", "no-such-command");
-    EXPECT_EQ(result.output, "bwrap: execvp no-such-command: No such file or directory\n");
-    EXPECT_EQ(result.status, 1);
-}
-
-TEST_F(RunTest, AMissingBubblewrapIsToldOf) {
-    std::string const programs = make_programs();
-    shell("ln -s $(command -v " R47_SIM_EMULATOR ") " + programs);
-    Result const result = shell("PATH=" + programs + " " + sim_ + " run --control " + socket_ + " -- echo started");
-    EXPECT_EQ(result.output, "r47-sim: bwrap is missing: install the package bubblewrap\n");
-    EXPECT_EQ(result.status, 1);
-}
-
-TEST_F(RunTest, RootNeedsNoUserNamespaces) {
-    if (::geteuid() != 0) {
-        GTEST_SKIP() << "for root alone";
-    }
-    Result const result = shell(path_without_user_namespaces() + sim_ + " run --control " + socket_ + " -- " + probe_);
-    EXPECT_EQ(result.output, "revision 0: 1.6 state 0: 1\n");
-}
-
-TEST_F(RunTest, OthersAreToldToUseSudoWithoutUserNamespaces) {
-    std::string const path = path_without_user_namespaces();
-    std::string const sim = directory_.path() + "/bin/r47-sim";
-    std::string const sockets = directory_.path() + "/sockets";
-    std::filesystem::copy_file(R47_SIM, sim);
-    std::filesystem::create_directory(sockets);
-    std::filesystem::permissions(sockets, std::filesystem::perms(0700));
-    std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
-    std::string as_other;
-    if (::geteuid() == 0) {
-        constexpr uid_t kNobody = 65534;
-        ASSERT_EQ(::chown(sockets.c_str(), kNobody, kNobody), 0);
-        as_other = "setpriv --reuid 65534 --regid 65534 --clear-groups ";
-    }
-    Result const result = shell("cd / && " + path + as_other + R47_SIM_EMULATOR + " " + sim + " run --control " +
-                                sockets + "/control.sock -- echo started");
-    EXPECT_EQ(result.output.substr(0, result.output.find('\n')),
-              "r47-sim: this host does not let users make user namespaces: run it with sudo");
-    EXPECT_EQ(result.status, 1);
-}
-
-TEST_F(RunTest, DescriptorZeroStaysTheProgramsOwn) {
-    EXPECT_EQ(run("", probe_ + " fd").output, "0\nrevision 0: 1.6 state 0: 1\n");
 }
 
 TEST_F(RunTest, WhatIsNotUnderstoodIsRefused) {

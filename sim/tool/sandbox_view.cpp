@@ -1,0 +1,174 @@
+// What a program inside the virtual device sees of files, and as whom: one description for every kind of sandbox.
+#include "sim/tool/sandbox_view.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <sstream>
+#include <string_view>
+
+#include "sim/control/control_socket.h"
+
+namespace sim {
+
+namespace {
+
+using Kind = ViewStep::Kind;
+using Steps = std::vector<ViewStep>;
+
+// Top-level directories that the sandbox has for itself.
+constexpr std::array<std::string_view, 6> kOwnDirectories{"/dev", "/proc", "/sys", "/tmp", "/opt", "/r47-sim"};
+
+char const* const kControlDirectory = "/r47-sim/control";
+char const* const kJournal = "/r47-sim/journal";
+char const* const kScenario = "/r47-sim/scenario";
+
+bool is_own_directory(std::string const& path) {
+    return path == "/" || std::find(kOwnDirectories.begin(), kOwnDirectories.end(), path) != kOwnDirectories.end();
+}
+
+bool is_below_own_directory(std::string const& path) {
+    return std::any_of(kOwnDirectories.begin(), kOwnDirectories.end(), [&](std::string_view directory) {
+        return path.size() > directory.size() && path[directory.size()] == '/' &&
+               path.compare(0, directory.size(), directory) == 0;
+    });
+}
+
+std::string real_path(std::string const& path) {
+    std::array<char, PATH_MAX> real{};
+    return ::realpath(path.c_str(), real.data()) != nullptr ? real.data() : "";
+}
+
+std::vector<std::string> entries_of(std::string const& directory) {
+    std::vector<std::string> entries;
+    DIR* const open = ::opendir(directory.c_str());
+    if (open == nullptr) {
+        return entries;
+    }
+    while (dirent const* const entry = ::readdir(open)) {
+        std::string const name = entry->d_name;
+        if (name != "." && name != "..") {
+            entries.push_back(name);
+        }
+    }
+    ::closedir(open);
+    std::sort(entries.begin(), entries.end());
+    return entries;
+}
+
+std::string link_target(std::string const& path) {
+    std::array<char, PATH_MAX> target{};
+    ssize_t const length = ::readlink(path.c_str(), target.data(), target.size());
+    return {target.data(), length > 0 ? static_cast<std::size_t>(length) : 0};
+}
+
+// Shows one entry of the host as it is, read only.
+void show_entry(Steps& steps, std::string const& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) {
+        return;
+    }
+    if (S_ISLNK(status.st_mode)) {
+        steps.push_back({Kind::link, path, link_target(path)});
+    } else if (S_ISDIR(status.st_mode) || S_ISREG(status.st_mode)) {
+        steps.push_back({Kind::read_only, path, path});
+    }
+}
+
+void add_host(Steps& steps) {
+    for (std::string const& name : entries_of("/")) {
+        std::string const path = "/" + name;
+        if (!is_own_directory(path)) {
+            show_entry(steps, path);
+        }
+    }
+    steps.push_back({Kind::writable, "/proc", "/proc"});
+    steps.push_back({Kind::devices, "/dev"});
+    steps.push_back({Kind::directory, "/sys"});
+    steps.push_back({Kind::directory, "/opt"});
+    for (std::string const& name : entries_of("/opt")) {
+        if (name != "kelvora") {
+            show_entry(steps, "/opt/" + name);
+        }
+    }
+    steps.push_back({Kind::scratch, "/tmp"});
+}
+
+void add_device(Steps& steps, SandboxOptions const& options) {
+    for (NodeFile const& file : device_files()) {
+        if (std::find(options.without.begin(), options.without.end(), file.path) == options.without.end()) {
+            steps.push_back({Kind::device_file, file.path, file.content});
+        }
+    }
+    steps.push_back({Kind::device_file, "/sys/class/gpio/export"});
+    steps.push_back({Kind::device_file, "/sys/class/gpio/unexport"});
+    steps.push_back({Kind::device_file, kSandboxMark});
+}
+
+// Shows the directory of a program that the sandbox would hide; of a program that lies directly in one of the
+// sandbox's own directories, the file alone.
+void add_program(Steps& steps, std::string const& path) {
+    std::string const file = real_path(path);
+    std::string const directory = directory_of(file);
+    if (file.empty() || !is_below_own_directory(file)) {
+        return;
+    }
+    std::string const& shown = is_own_directory(directory) ? file : directory;
+    steps.push_back({Kind::read_only, shown, shown});
+}
+
+// The name and the environment by which the library finds its settings.
+void add_settings(SandboxView& view, SandboxOptions const& options) {
+    std::string const name = options.control.substr(options.control.rfind('/') + 1);
+    view.steps.push_back({Kind::writable, kControlDirectory, real_path(directory_of(options.control))});
+    if (!options.journal.empty()) {
+        view.steps.push_back({Kind::writable, kJournal, real_path(options.journal)});
+    }
+    if (!options.scenario.empty()) {
+        view.steps.push_back({Kind::read_only, kScenario, real_path(options.scenario)});
+    }
+    view.environment = {{"R47_SIM_CONTROL", std::string(kControlDirectory) + "/" + name},
+                        {"R47_SIM_JOURNAL", options.journal.empty() ? "" : kJournal},
+                        {"R47_SIM_SCENARIO", options.scenario.empty() ? "" : kScenario},
+                        {"R47_SIM_CLOCK", options.clock}};
+}
+
+}  // namespace
+
+std::string program_path(std::string const& command) {
+    char const* const search = std::getenv("PATH");
+    if (command.find('/') != std::string::npos || search == nullptr) {
+        return command;
+    }
+    std::istringstream directories(search);
+    for (std::string directory; std::getline(directories, directory, ':');) {
+        std::string path = directory;
+        path += "/" + command;
+        if (::access(path.c_str(), X_OK) == 0) {
+            return path;
+        }
+    }
+    return command;
+}
+
+SandboxView view_of(SandboxOptions const& options) {
+    SandboxView view;
+    add_host(view.steps);
+    add_device(view.steps, options);
+    add_program(view.steps, program_path(program_invocation_name));
+    add_program(view.steps, program_path(options.command.front()));
+    view.working_directory = real_path(".");
+    if (!is_own_directory(view.working_directory)) {
+        view.steps.push_back({Kind::writable, view.working_directory, view.working_directory});
+    }
+    add_settings(view, options);
+    return view;
+}
+
+}  // namespace sim
