@@ -26,6 +26,14 @@ int fail(std::string const& message) {
     return 1;
 }
 
+// Where root's devices are, whom `sudo` gives no runtime directory of its own; nobody else may look into it.
+char const* const kRootsSockets = "/tmp/r47-sim-0";
+
+std::string hint_at_root() {
+    bool const may_be_roots = ::geteuid() != 0 && ::access(kRootsSockets, F_OK) == 0;
+    return may_be_roots ? "; for a device that root started, use sudo" : "";
+}
+
 // The socket to talk to: the given one, that of the device around us, or the only one there is.
 Error find_socket(std::string const& given, std::string& path) {
     char const* const around = std::getenv("R47_SIM_CONTROL");
@@ -44,7 +52,7 @@ Error find_socket(std::string const& given, std::string& path) {
         return {};
     }
     if (live.empty()) {
-        return "no device is running: " + directory + " has no socket that answers";
+        return "no device is running: " + directory + " has no socket that answers" + hint_at_root();
     }
     Error error = "several devices are running, choose one with --control:";
     for (std::string const& socket : live) {

@@ -117,8 +117,25 @@ TEST_F(RunTest, TheOnlyRunningDeviceIsFound) {
     std::string const own_directory = "XDG_RUNTIME_DIR=" + directory_.path() + " ";
     Result const result = beside(own_directory + sim_ + " run --", own_directory + sim_ + " set system.state 4");
     EXPECT_EQ(result.output, "revision 0: 1.6 state 0: 4\n");
-    EXPECT_EQ(shell(own_directory + sim_ + " show").output,
+    EXPECT_EQ(shell(own_directory + sim_ + " show | cut -d';' -f1").output,
               "r47-sim: no device is running: " + directory_.path() + "/r47-sim has no socket that answers\n");
+}
+
+TEST_F(RunTest, OthersAreToldThatRootsDeviceNeedsSudo) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "for root alone, who can be another user";
+    }
+    // Root's sockets are there from the first device on.
+    shell("env -u XDG_RUNTIME_DIR " + sim_ + " run -- true");
+    std::string const sim = directory_.path() + "/r47-sim";
+    std::filesystem::copy_file(R47_SIM, sim);
+    std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
+    Result const result = shell("cd / && env -u XDG_RUNTIME_DIR setpriv --reuid 65534 --clear-groups " +
+                                std::string(R47_SIM_EMULATOR) + " " + sim + " show");
+    EXPECT_EQ(result.output,
+              "r47-sim: no device is running: /tmp/r47-sim-65534 has no socket that answers"
+              "; for a device that root started, use sudo\n");
+    EXPECT_EQ(result.status, 1);
 }
 
 TEST_F(RunTest, OneOfSeveralDevicesMustBeChosen) {
