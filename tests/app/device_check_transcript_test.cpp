@@ -56,6 +56,9 @@ TEST(DeviceCheckTest, FirmwareThatIsCheckedStaysTheSameAfterTheOldOneWasChosen) 
 }
 
 TEST(DeviceCheckTest, UnreadableFileCountsAsMissing) {
+    if (!support::has_forbidden_files()) {
+        GTEST_SKIP() << "proot gives a user all his own files";
+    }
     auto const run = support::run_console("Ax", support::in_shell("chmod 000 /dev/i2c-2; exec \"$@\""));
     EXPECT_EQ(run.output, code(1));
 }

@@ -142,6 +142,10 @@ private:
     int socket_ = -1;
 };
 
+// Whether this test has a network of its own, as the host allows it (own_network.sh).
+bool has_own_network();
+// Whether the console is refused files that nobody may read. By proot a user gets them, if they are his own.
+bool has_forbidden_files();
 // From now on no packet reaches anybody, in the network of this test.
 void cut_network();
 
