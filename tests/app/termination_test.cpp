@@ -130,7 +130,7 @@ TEST_P(SignalTest, SignalEndsTheConsole) {
     EXPECT_EQ(session.wait_for_exit(), 128 + number);
 }
 
-TEST_P(TerminationTest, ClosedOutputEndsTheConsoleAtTheNextScreen) {
+TEST_P(TerminationTest, ClosedOutputEndsItAtTheNextScreen) {
     ConsoleSession session;
     enter(session, GetParam(), false);
     session.close_output();
@@ -148,10 +148,9 @@ std::string name_of(testing::TestParamInfo<Menu> const& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryMenu, TerminationTest, testing::ValuesIn(kMenus), name_of);
+INSTANTIATE_TEST_SUITE_P(, TerminationTest, testing::ValuesIn(kMenus), name_of);
 
-INSTANTIATE_TEST_SUITE_P(EveryMenu, SignalTest,
-                         testing::Combine(testing::ValuesIn(kMenus), testing::Values(SIGTERM, SIGHUP)),
+INSTANTIATE_TEST_SUITE_P(, SignalTest, testing::Combine(testing::ValuesIn(kMenus), testing::Values(SIGTERM, SIGHUP)),
                          [](auto const& one) {
                              return std::string(std::get<0>(one.param).name) +
                                     (std::get<1>(one.param) == SIGTERM ? "Sigterm" : "Sighup");

@@ -66,7 +66,7 @@ void PrintTo(LineCase const& line, std::ostream* out) {
 class SocketConsoleLineTest : public SocketConsoleTest,
                               public testing::WithParamInterface<std::tuple<LineCase, bool>> {};
 
-TEST_P(SocketConsoleLineTest, LineIsReadAsOneOption) {
+TEST_P(SocketConsoleLineTest, IsReadAsOneOption) {
     auto const& [line, bytewise] = GetParam();
     if (bytewise) {
         client.send_bytewise(line.sent);
@@ -89,10 +89,10 @@ constexpr LineCase kLines[] = {
     {"BackslashAndRAfter", "A\\r\\n", "Backslash detected \nBackslash detected \nBackslash and n detected \n"},
 };
 
-INSTANTIATE_TEST_SUITE_P(AllLines, SocketConsoleLineTest, testing::Combine(testing::ValuesIn(kLines), testing::Bool()),
+INSTANTIATE_TEST_SUITE_P(, SocketConsoleLineTest, testing::Combine(testing::ValuesIn(kLines), testing::Bool()),
                          [](auto const& line) {
                              return std::string(std::get<0>(line.param).name) +
-                                    (std::get<1>(line.param) ? "Bytewise" : "InOnePiece");
+                                    (std::get<1>(line.param) ? "Bytewise" : "AtOnce");
                          });
 
 TEST_F(SocketConsoleTest, LongLineCountsByItsFirstCharacter) {
@@ -305,7 +305,7 @@ protected:
     std::unique_ptr<StationClient> client;
 };
 
-INSTANTIATE_TEST_SUITE_P(EveryState, ClientStateTest, testing::ValuesIn(kClientStates),
+INSTANTIATE_TEST_SUITE_P(, ClientStateTest, testing::ValuesIn(kClientStates),
                          [](auto const& state) { return std::string(state.param.name); });
 
 TEST_P(ClientStateTest, OperatorEndsTheMode) {
@@ -383,7 +383,7 @@ TEST_P(ClientStateTest, TerminalThatIsClosedEndsTheConsole) {
     EXPECT_EQ(session->wait_for_exit(), 128 + SIGHUP);
 }
 
-TEST_P(ClientStateTest, ClosedOutputDoesNotKeepTheClientFromBeingServed) {
+TEST_P(ClientStateTest, ClosedOutputKeepsTheClientServed) {
     start();
     session->close_output();
     bool const in_client_driven_menu = std::string(GetParam().name) == "ClientDrivenMenu";
@@ -393,7 +393,7 @@ TEST_P(ClientStateTest, ClosedOutputDoesNotKeepTheClientFromBeingServed) {
     expect_operator_ends_it();
 }
 
-TEST_P(ClientStateTest, FullOutputDoesNotKeepTheClientFromBeingServed) {
+TEST_P(ClientStateTest, FullOutputKeepsTheClientServed) {
     support::SessionOptions options = support::in_shell("exec \"$@\" >/dev/full");
     options.arguments = {"socket"};
     session = std::make_unique<ConsoleSession>(options);

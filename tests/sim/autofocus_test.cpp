@@ -38,7 +38,7 @@ TEST(AutofocusTest, MotorIsOnItsWayAndArrives) {
     EXPECT_EQ(position_of(autofocus), 600);
 }
 
-TEST(AutofocusTest, UnreachableTargetIsRefusedAndFlaggedUntilTheNextReachableOne) {
+TEST(AutofocusTest, UnreachableTargetIsRefusedAndFlaggedUntilAReachableOne) {
     Autofocus autofocus;
     for (unsigned int position : {99U, 2901U, 4294967291U}) {
         SCOPED_TRACE(position);

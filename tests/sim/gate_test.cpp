@@ -159,7 +159,7 @@ TEST_F(AnnouncedGateTest, AFaultyDelayTakesTimeAndAsksTheDevice) {
     EXPECT_EQ(asked_, 1);
 }
 
-TEST_F(AnnouncedGateTest, TheDeviceIsAskedWithItsLockHeldAndWithoutItWhileTimePasses) {
+TEST_F(AnnouncedGateTest, TheDeviceIsAskedUnderItsLockAndTimePassesWithoutIt) {
     auto const before = device_.now();
     bool free_meanwhile = false;
     device_.timeline.at(before + 1s, [&] {

@@ -90,7 +90,7 @@ TEST(RtuTest, FailuresAreReportedOnlyWhereTheCommandTells) {
                               "fault add rtu_t::dio_available status -1"}));
 }
 
-TEST(RtuTest, PositiveStatusFailsTheSettingsButNeitherTheInformationNorTheSupply) {
+TEST(RtuTest, PositiveStatusFailsSettingsButNeitherInformationNorSupply) {
     expect_run(
         kRtu,
         {

@@ -310,7 +310,7 @@ TEST_F(MovingAutofocusTest, CalibrationYieldsItsFrequencyWhenItIsDone) {
     expect('A', "500\n", kPositionPrompt);
 }
 
-TEST_F(MovingAutofocusTest, UnreachableTargetAndStuckMotorRaiseTheirFlagsUntilTheReset) {
+TEST_F(MovingAutofocusTest, UnreachableTargetAndStuckMotorAreFlaggedUntilTheReset) {
     expect('A', "2901\n", kPositionPrompt + "\t\t error setting posisiton 2901\n");
     expect('e', "", errors({"no_valid_frequency", "target_unreachable"}));
     session.control("set autofocus.motor.free false");

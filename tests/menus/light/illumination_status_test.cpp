@@ -253,7 +253,7 @@ protected:
     WarmIlluminationTest() : SteppedMenuTest('c') {}
 };
 
-TEST_F(WarmIlluminationTest, FullLightHeatsToTheLimitIsSwitchedOffAndComesBackCool) {
+TEST_F(WarmIlluminationTest, FullLightHeatsToTheLimitGoesOffAndComesBackCool) {
     std::string const shining = "CONTINUOUS MODE \nNOMINAL RANGE \n" + segments("1111");
     std::string const dark = "CONTINUOUS MODE \nNOMINAL RANGE \n" + segments("0000");
     expect('C', "14\n", "Enter a value for brightness: sensor set  brightness: 14\n");

@@ -25,7 +25,7 @@ protected:
     static std::string trace(std::string const& name) { return "###   void " + name + "() called \n"; }
 };
 
-TEST_P(ButtonActionTest, PrintsItsNameAndSkipsAnUnsetLightBarAction) {
+TEST_P(ButtonActionTest, PrintsItsNameAndSkipsAnUnsetAction) {
     EXPECT_EQ(printed(GetParam().run), trace(GetParam().name));
 }
 
@@ -43,7 +43,7 @@ TEST_P(ButtonActionTest, RunsItsOwnLightBarAction) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(AllTen, ButtonActionTest,
+INSTANTIATE_TEST_SUITE_P(, ButtonActionTest,
                          testing::Values(Action{"testButtonp1", testButtonp1, true},
                                          Action{"testButtonp2", testButtonp2, true},
                                          Action{"testButtonp3", testButtonp3, true},

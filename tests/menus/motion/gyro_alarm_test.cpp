@@ -91,8 +91,7 @@ KeyCase const kKeys[] = {
     {"DeadKeys", "AT0r?", alarm_menu('A') + alarm_menu('T') + alarm_menu('0') + alarm_menu('r') + alarm_menu('?'), {}},
 };
 
-INSTANTIATE_TEST_SUITE_P(AllKeys, AlarmMenuKeyTest, testing::ValuesIn(kKeys),
-                         [](auto const& key) { return key.param.name; });
+INSTANTIATE_TEST_SUITE_P(, AlarmMenuKeyTest, testing::ValuesIn(kKeys), [](auto const& key) { return key.param.name; });
 
 TEST(AlarmMenuTest, AllOtherKeysShowTheMenuAgain) {
     std::string const keys = "cdefhijklmnopqrsuvwyzBCDEFGHIJKLMNOPQRSUVWXYZ123456789;-";

@@ -91,8 +91,7 @@ KeyCase const kKeys[] = {
     {"DeadReadFifos", "r", "", {}},
 };
 
-INSTANTIATE_TEST_SUITE_P(AllKeys, GyroMenuKeyTest, testing::ValuesIn(kKeys),
-                         [](auto const& key) { return key.param.name; });
+INSTANTIATE_TEST_SUITE_P(, GyroMenuKeyTest, testing::ValuesIn(kKeys), [](auto const& key) { return key.param.name; });
 
 class GyroMenuFailureTest : public testing::TestWithParam<KeyCase> {};
 
@@ -141,7 +140,7 @@ KeyCase const kFailingKeys[] = {
     {"Revision", "2", "Revision of the Module: \t", {"gyro_t::get_revision() = -1"}},
 };
 
-INSTANTIATE_TEST_SUITE_P(AllKeys, GyroMenuFailureTest, testing::ValuesIn(kFailingKeys),
+INSTANTIATE_TEST_SUITE_P(, GyroMenuFailureTest, testing::ValuesIn(kFailingKeys),
                          [](auto const& key) { return key.param.name; });
 
 TEST(GyroMenuTest, FailedStatusIsReportedOnStandardError) {
