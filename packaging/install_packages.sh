@@ -1,25 +1,53 @@
 #!/bin/sh
-# Installs those of the named Debian packages that are not there yet.
+# Installs those of the named Debian packages whose tools are not there yet, as root or with sudo. Says so; where that
+# cannot be, ends with 1 and one line that says why and what to do.
 set -eu
+
+# Whether what a package is needed for is there, wherever it comes from.
+is_there() {
+    case $1 in
+        ninja-build) command -v ninja ;;
+        bubblewrap) command -v bwrap ;;
+        libgtest-dev) echo '#include <gtest/gtest.h>' | g++ -E -x c++ - 2>/dev/null ;;
+        g++ | cmake | proot) command -v "$1" ;;
+        *) dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep '^install ok installed' ;;
+    esac >/dev/null
+}
+
+# Without a terminal nobody can answer sudo's question for a password.
+may_use_sudo() {
+    command -v sudo >/dev/null && { sudo -n true 2>/dev/null || { (: </dev/tty) 2>/dev/null && sudo true; }; }
+}
 
 missing=""
 for package in "$@"; do
-    if [ "$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null)" != "install ok installed" ]; then
-        missing="$missing $package"
-    fi
+    is_there "$package" || missing="$missing $package"
 done
 [ -n "$missing" ] || exit 0
 
+if ! command -v apt-get >/dev/null; then
+    echo "missing, and there is no apt-get to install it:$missing" >&2
+    exit 1
+fi
+install="apt-get install -y --no-install-recommends$missing"
 as_root=""
 if [ "$(id -u)" != 0 ]; then
-    if ! command -v sudo >/dev/null; then
-        echo "These packages are needed, and only root can install them:$missing" >&2
+    if ! may_use_sudo; then
+        echo "packages are missing, and only root can install them: apt-get update && $install" >&2
         exit 1
     fi
     as_root="sudo"
 fi
-echo "Installing:$missing" >&2
-export DEBIAN_FRONTEND=noninteractive
-install="$as_root apt-get install -y -qq --no-install-recommends"
-# shellcheck disable=SC2086
-$install $missing >/dev/null 2>&1 || { $as_root apt-get update -qq && $install $missing >/dev/null; }
+
+echo "installing$missing ..." >&2
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+# The package lists may be missing, or so old that what they name is gone.
+for first in true "$as_root apt-get update"; do
+    # shellcheck disable=SC2086
+    if $first >"$log" 2>&1 && $as_root env DEBIAN_FRONTEND=noninteractive $install >>"$log" 2>&1 </dev/null; then
+        exit 0
+    fi
+done
+echo "cannot install$missing: $(grep -m 1 '^[EW]: ' "$log" || tail -n 1 "$log")" >&2
+exit 1
