@@ -1,0 +1,153 @@
+#!/bin/sh
+# Proves that ./run and ./test are all that a new machine needs: tests/bare/run.sh, as root
+# Makes bare Debian roots from this machine's own package sources and gives the two commands as their first ones: as root, as
+# a user with and without sudo, and in containers without rights. The bare root is kept, what is installed in it is not.
+set -eu
+cd "$(dirname "$0")/../.."
+kept=/var/cache/r47-bare
+roots=$(mktemp -d /var/tmp/r47-bare-XXXXXX)
+trap 'rm -rf "$roots"' EXIT
+trap 'exit 1' HUP INT TERM
+
+case_begins() {
+    echo "--- $(date +%H:%M:%S) $*"
+}
+
+fail() {
+    echo "FAILED: $*"
+    tail -n 60 "$roots/output" "$roots/errors"
+    exit 1
+}
+
+# This machine's sources, keys and apt settings, proxies among them.
+take_package_sources() { # ROOT
+    cp -a /etc/apt/. "$1/etc/apt/"
+    cp -a /usr/share/keyrings/. "$1/usr/share/keyrings/"
+    cp /etc/resolv.conf /etc/hosts "$1/etc/"
+}
+
+make_bare_root() {
+    release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+    # For another release, or after a month, a new one.
+    if [ -n "$(find "$kept/$release/done" -mtime -30 2>/dev/null)" ]; then
+        return
+    fi
+    case_begins "a bare root of $release"
+    rm -rf "$kept"
+    mkdir -m 0700 "$kept"
+    mkdir "$kept/$release"
+    apt-config dump --format '%F "%v";%n' Acquire >"$roots/apt.conf"
+    # shellcheck disable=SC2046
+    mmdebstrap --quiet --mode=root --variant=minbase --aptopt="$roots/apt.conf" "$release" "$kept/$release/root" \
+        $(find /etc/apt/sources.list /etc/apt/sources.list.d -name '*.list' -size +0 -o -name '*.sources' 2>/dev/null)
+    take_package_sources "$kept/$release/root"
+    useradd --root "$kept/$release/root" --create-home --shell /bin/sh engineer
+    touch "$kept/$release/done"
+}
+
+# A copy of the bare root with a clone of this repository, the engineer's.
+new_root() { # NAME
+    cp -a "$kept/$release/root" "$roots/$1"
+    mkdir "$roots/$1/home/engineer/r47"
+    git ls-files -z | xargs -0 cp --parents -t "$roots/$1/home/engineer/r47"
+    chroot "$roots/$1" chown -R engineer: /home/engineer/r47
+}
+
+# Runs a command in the clone of a root. Where: "machine", or "container", which has the rights of a usual one: no
+# namespaces, no mounts. As whom: "root" or "engineer". Leaves what it prints in $roots/output and $roots/errors.
+in_root() { # NAME WHERE WHO COMMAND
+    # shellcheck disable=SC2016
+    unshare --mount --pid --fork --kill-child sh -euc '
+        root=$1 where=$2 who=$3 command=$4
+        mount --bind "$root" "$root"
+        mount --rbind /dev "$root/dev"
+        mount -t proc proc "$root/proc"
+        cd "$root"
+        if [ "$where" = machine ]; then
+            pivot_root . .
+            umount -l .
+            set -- setpriv
+        else
+            # In a changed root directory the kernel refuses user namespaces, too.
+            set -- chroot . setpriv --no-new-privs --bounding-set -all,+chown,+dac_override,+fowner,+fsetid,+kill,+setgid,+setuid,+setpcap,+net_bind_service,+net_raw,+sys_chroot,+mknod,+audit_write,+setfcap
+        fi
+        if [ "$who" = engineer ]; then
+            set -- "$@" --reuid=engineer --regid=engineer --init-groups
+        else
+            set -- "$@" --reuid=root
+        fi
+        exec "$@" env -i HOME="$(getent passwd "$who" | cut -d: -f6)" TERM=dumb LANG=C.UTF-8 PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
+            ${http_proxy+"http_proxy=$http_proxy"} ${https_proxy+"https_proxy=$https_proxy"} ${no_proxy+"no_proxy=$no_proxy"} \
+            sh -euc "cd /home/engineer/r47; $command"
+    ' sh "$roots/$1" "$2" "$3" "$4" >"$roots/output" 2>"$roots/errors" </dev/null
+}
+
+# The command succeeds and prints the line.
+expect() { # LINE NAME WHERE WHO COMMAND
+    line=$1
+    shift
+    in_root "$@" || fail "status $? of: $4"
+    grep -aqx "$line" "$roots/output" || fail "no \"$line\" of: $4"
+}
+
+# The command fails with this as the last of at most $3 lines, and before anything is built.
+expect_refusal() { # PATTERN LINES NAME WHERE WHO COMMAND
+    pattern=$1 lines=$2
+    shift 2
+    ! in_root "$@" || fail "no refusal of: $4"
+    tail -n 1 "$roots/errors" | grep -q "$pattern" || fail "no \"$pattern\" in the last line of: $4"
+    [ "$(wc -l <"$roots/errors")" -le "$lines" ] || fail "more than $lines lines of: $4"
+}
+
+first_run="printf 'A\nx\n' | ./run"
+works="File Error Code: 0"
+
+make_bare_root
+
+case_begins "first commands that only tell"
+new_root first
+for command in ./run ./test; do
+    expect "usage: $command .*" first machine root "$command --help"
+    expect_refusal "only root can install them: apt-get update && apt-get install .* g++ " 1 first machine engineer "$command"
+done
+# (a machine without a network of its own)
+expect_refusal "^cannot install g++ .*: [EW]: " 2 first machine root "unshare --net ./run"
+
+case_begins "./run, as root, first"
+expect "$works" first machine root "$first_run"
+! grep -a '^\./run' "$roots/output" || fail "phases on standard output"
+! in_root first machine root "command -v proot || dpkg -s libgtest-dev" || fail "more is installed than ./run needs"
+
+case_begins "./run, as a user who finds root's build directory, and with it gone"
+expect_refusal "belongs to root: sudo rm -r " 1 first machine engineer ./run
+in_root first machine root "chown -R engineer: build"
+in_root first machine root "mv /usr/bin/apt-get /usr/bin/apt-get.away; mv /usr/bin/dpkg-query /usr/bin/dpkg-query.away"
+expect "$works" first machine engineer "$first_run"
+in_root first machine root "mv /usr/bin/apt-get.away /usr/bin/apt-get; mv /usr/bin/dpkg-query.away /usr/bin/dpkg-query"
+
+case_begins "./run in a container"
+in_root first container root "! bwrap --ro-bind / / true; ! bwrap --unshare-user --ro-bind / / true; ! unshare --map-root-user true" ||
+    fail "the container has rights"
+in_root first machine root "chown -R root: build"
+expect "$works" first container root "$first_run"
+in_root first machine root "chown -R engineer: build"
+expect "$works" first container engineer "$first_run"
+in_root first container root "[ -z \"\$(find /tmp -name 'r47-sim-??????' -o -name 'prooted*')\" ]" || fail "traces in /tmp"
+in_root first machine root "cp /bin/false /usr/bin/proot; rm -r build"
+expect_refusal "^the virtual device needs namespaces (bwrap: .*) or else tracing" 1 first container engineer ./run
+rm -rf "$roots/first"
+
+case_begins "./test, as a user with sudo, first"
+new_root second
+in_root second machine root "apt-get update; apt-get install -y --no-install-recommends sudo; rm -r /var/lib/apt/lists
+    echo 'engineer ALL=(ALL) NOPASSWD: ALL' >/etc/sudoers.d/engineer"
+expect "100% tests passed.*" second machine engineer ./test
+grep -h -E 'tests passed|Total Test time|^skipped' "$roots/output"
+expect "$works" second machine engineer "$first_run"
+! grep -q 'Building CXX' "$roots/errors" || fail "built again"
+
+case_begins "./test in a container"
+in_root second machine root "chown -R root: ."
+expect "100% tests passed.*" second container root ./test
+grep -h -E 'tests passed|Total Test time|^skipped' "$roots/output"
+! grep -q 'Building CXX' "$roots/errors" || fail "built again"
