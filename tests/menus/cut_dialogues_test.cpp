@@ -294,7 +294,7 @@ TEST_F(ClientQuestionTest, EndOfInputLeavesTheMenuThatReadsTheTerminalBehindIt) 
     EXPECT_EQ(run.session.calls(), (Calls{"rtu_t::set_trigger_mode(true) = 0", "rtu_t::set_aquisition_fps(25) = 0"}));
 }
 
-TEST_F(ClientQuestionTest, EndOfInputEndsTheCommandThatAsksAtTheTerminalAndTheClientGoesOn) {
+TEST_F(ClientQuestionTest, EndOfInputEndsTheCommandAndTheClientGoesOn) {
     Dialogue const gain = dialogue("CameraGain");
     Cut const cut{gain, 0};
     DialogueWithClient run(cut, in_socket_mode());

@@ -46,7 +46,7 @@ void PrintTo(MenuOrder const& menu, std::ostream* out) {
 
 class OutputOrderTest : public testing::TestWithParam<MenuOrder> {};
 
-TEST_P(OutputOrderTest, TextLeavesBeforeTheCallThatFollowsIt) {
+TEST_P(OutputOrderTest, TextLeavesBeforeTheNextCall) {
     auto const run = support::run_console(GetParam().typed, in_one_sequence(GetParam().entry_point));
     expect_in_order(GetParam().pieces, support::with_marked_calls(run.output));
     EXPECT_EQ(run.status, 0);

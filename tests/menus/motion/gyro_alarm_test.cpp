@@ -68,7 +68,7 @@ KeyCase const kKeys[] = {
     {"MistypedAngle", "anone\n", alarm_menu('a') + "Please enter angle", {"gyro_alarm_t::set_angle_limit(0) = 0"}},
     {"AngleOutOfRange", "a-1\n", alarm_menu('a') + "Please enter angle", {"gyro_alarm_t::set_angle_limit(-1) = -1"}},
     {"HexadecimalAngle", "a0x10\n", alarm_menu('a') + "Please enter angle", {"gyro_alarm_t::set_angle_limit(16) = 0"}},
-    {"HexadecimalAngleWithExponent",
+    {"HexAngleWithExponent",
      "a0x1.8p3b1\n",
      alarm_menu('a') + "Please enter angle" + alarm_menu('b') + "Please enter angle",
      {"gyro_alarm_t::set_angle_limit(12) = 0", "gyro_alarm_t::set_angle_limit(1) = 0"}},
