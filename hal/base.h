@@ -25,7 +25,8 @@ public:
 
 protected:
     struct impl;
-    impl* impl_;  // the library's own; the console never looks inside
+    explicit base_t(impl* opened);  // for the library's own classes, which open the node in their way
+    impl* impl_;                    // the library's own; the console never looks inside
 };
 
 }  // namespace hal

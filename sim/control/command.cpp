@@ -30,6 +30,18 @@ bool take_word(std::string_view line, std::size_t& at, std::string& word) {
     return !in_quotes;
 }
 
+// Whether the command changes nothing: in every verb a form without words, or a list, is but a question.
+bool only_looks(Verb const& verb, Words const& words) {
+    return verb.only_looks || words.empty() || words.front() == "list";
+}
+
+void write(Device::Access const& device, bool looks, Reply const& reply, Record& record) {
+    if (!looks && reply.ok) {
+        record.took = device.now() - record.start;
+        device->journal.write(record);
+    }
+}
+
 }  // namespace
 
 void Commands::add(Verb verb) {
@@ -50,12 +62,22 @@ Reply Commands::run(Caller const& caller, std::string_view line) const {
         return Reply::error("unknown command " + quoted(name) + ": try help");
     }
     words.erase(words.begin());
-    if (verb->locking == Verb::Locking::unlocked) {
-        return verb->run(caller, words);
+    bool const looks = only_looks(*verb, words);
+    Record record;
+    record.kind = RecordKind::command;
+    record.text = printable(line);
+    if (verb->run_unlocked) {
+        record.start = caller.device.timeline.now();
+        Reply reply = verb->run_unlocked(caller, words);
+        auto const device = caller.device.access();
+        write(device, looks, reply, record);
+        return reply;
     }
-    auto const lock = caller.device.lock();
-    caller.device.advance();
-    return verb->run(caller, words);
+    auto device = caller.device.access();
+    record.start = device.now();
+    Reply reply = verb->run(device, words);
+    write(device, looks, reply, record);
+    return reply;
 }
 
 std::string Commands::help() const {
@@ -77,9 +99,14 @@ Commands const& device_commands() {
         add_motion_verbs(*all);
         add_ranging_verbs(*all);
         add_time_verbs(*all);
+        add_program_verbs(*all);
         add_journal_verbs(*all);
-        all->add({"help", "help", "this list", [all](Caller const&, Words const&) { return Reply::done(all->help()); },
-                  Verb::Locking::unlocked});
+        all->add({"help",
+                  "help",
+                  "this list",
+                  [all](Device::Access&, Words const&) { return Reply::done(all->help()); },
+                  {},
+                  true});
         return all;
     }();
     return commands;
@@ -118,19 +145,7 @@ bool split_words(std::string_view line, Words& words) {
 std::string join_words(Words const& words) {
     std::string line;
     for (std::string const& word : words) {
-        line += line.empty() ? "" : " ";
-        if (!word.empty() && word.find_first_of(" \t\r\"") == std::string::npos) {
-            line += word;
-            continue;
-        }
-        line += '"';
-        for (char const c : word) {
-            if (c == '"' || c == '\\') {
-                line += '\\';
-            }
-            line += c;
-        }
-        line += '"';
+        line += (line.empty() ? "" : " ") + word_text(word);
     }
     return line;
 }

@@ -23,24 +23,34 @@ struct Reply {
     static Reply of(Error const& error_message) { return {error_message.empty(), error_message}; }
 };
 
+// The programs that use the device, for the commands that speak of them; a line each, without line end.
+class ProgramList {
+public:
+    virtual ~ProgramList() = default;
+    virtual std::vector<std::string> connected() = 0;
+    // Those whose callbacks a step of the clock waits for.
+    virtual std::vector<std::string> waited_for() = 0;
+};
+
 // Who gave the command.
 struct Caller {
     Device& device;
+    // Lines for the caller while a command goes on; empty: nobody is told.
+    std::function<void(std::string const& line)> tell{};
     // Sends the journal to the caller from now on; empty where there is no connection to send it on.
-    std::function<void()> follow_journal;
+    std::function<void(bool json)> follow_journal{};
+    ProgramList* programs = nullptr;  // null: there are none
 };
 
 struct Verb {
-    // The handler of a locked verb runs with the device's lock held and its models brought up to the present; the
-    // others lock for themselves.
-    enum class Locking { locked, unlocked };
-
     std::string name;
     std::string usage;  // all of its forms, one a line, without line end
     std::string help;   // what it does, one line
     // `words` without the verb. A bad command answers one clear line and changes nothing.
-    std::function<Reply(Caller const& caller, Words const& words)> run;
-    Locking locking = Locking::locked;
+    std::function<Reply(Device::Access& device, Words const& words)> run;
+    // In place of `run`, for a verb that takes time or sets the clock: it has the device for itself when it needs it.
+    std::function<Reply(Caller const& caller, Words const& words)> run_unlocked{};
+    bool only_looks = false;  // changes nothing, so the journal does not have it
 };
 
 class Commands {

@@ -6,8 +6,8 @@
 
 namespace sim {
 
-// Reads "OPERATION [skip N] [count M] status S | delay MS | value V[,V...]", the effects and options in any order, at
-// least one effect.
+// Reads "OPERATION" and then, in any order, which calls or callbacks it takes and at least one effect. A rule that can
+// do nothing to anything that is called so is refused.
 Error parse_fault_rule(Words const& words, FaultRule& rule);
 
 }  // namespace sim

@@ -9,11 +9,12 @@ namespace sim {
 
 namespace {
 
-char const* const kDriveUsage = "drive PIN high | low";
-char const* const kPowerUsage = "power 24v | poe";
+char const* const kDriveUsage = "drive PIN high | low | open";
+char const* const kPowerUsage = "power 24v | poe\npower off | on | cycle";
 char const* const kFitUsage = "fit imx296 | imx567 | none";
-char const* const kTriggerUsage = "trigger COUNT [at RATE]";
+char const* const kTriggerUsage = "trigger COUNT [at RATE]\ntrigger stop";
 
+// Of a `trigger`, and its rate: no faster than the clock, which counts microseconds.
 constexpr unsigned int kMostTriggers = 1'000'000;
 
 std::optional<unsigned int> parse_count(std::string const& text) {
@@ -21,27 +22,44 @@ std::optional<unsigned int> parse_count(std::string const& text) {
     return count && *count >= 1 && *count <= kMostTriggers ? count : std::nullopt;
 }
 
-Reply drive(Caller const& caller, Words const& words) {
-    if (words.size() != 2 || (words[1] != "high" && words[1] != "low")) {
+Reply drive(Device::Access& device, Words const& words) {
+    if (words.size() != 2 || (words[1] != "high" && words[1] != "low" && words[1] != "open")) {
         return usage_error(kDriveUsage);
     }
     auto const pin = parse_integer_as<unsigned char>(words[0]);
     if (!pin || *pin >= DigitalIo::kPins) {
         return Reply::error("no pin " + words[0] + ": 0 to 5");
     }
-    caller.device.rtu.drive_pin(*pin, words[1] == "high");
+    device->rtu.drive_pin(*pin, words[1] == "open" ? std::nullopt : std::optional<bool>(words[1] == "high"));
     return Reply::done();
 }
 
-Reply power(Caller const& caller, Words const& words) {
+// `word`: off, on or cycle.
+Reply switch_power(Device::Access& device, std::string const& word) {
+    bool const comes = word == "on";
+    if (device->powered() == comes) {
+        return Reply::error(comes ? "the device has power already" : "the device has no power");
+    }
+    device->set_power(comes);
+    if (word == "cycle") {
+        device->set_power(true);
+    }
+    return Reply::done();
+}
+
+Reply power(Device::Access& device, Words const& words) {
     if (words.size() != 1) {
         return usage_error(kPowerUsage);
     }
-    auto const supply = parse_supply(words.front());
-    if (!supply) {
-        return Reply::error(supply_error());
+    std::string const& word = words.front();
+    if (word == "off" || word == "on" || word == "cycle") {
+        return switch_power(device, word);
     }
-    caller.device.rtu.set_supply(*supply);
+    auto const supply = parse_supply(word);
+    if (!supply) {
+        return usage_error(kPowerUsage);
+    }
+    device->rtu.set_supply(*supply);
     return Reply::done();
 }
 
@@ -52,7 +70,7 @@ Error make_present(Nodes& nodes, std::string const& node, bool present) {
     return present ? nodes.restore(node) : nodes.remove(node);
 }
 
-Reply fit(Caller const& caller, Words const& words) {
+Reply fit(Device::Access& device, Words const& words) {
     auto const sensors = image_sensors();
     std::string const name = words.size() == 1 ? words.front() : "";
     bool const is_sensor =
@@ -61,7 +79,7 @@ Reply fit(Caller const& caller, Words const& words) {
         return usage_error(kFitUsage);
     }
     for (SensorFacts const* const sensor : sensors) {
-        Error const error = make_present(caller.device.nodes, sensor->node, name == sensor->name);
+        Error const error = make_present(device->nodes, sensor->node, name == sensor->name);
         if (!error.empty()) {
             return Reply::error(error);
         }
@@ -69,7 +87,11 @@ Reply fit(Caller const& caller, Words const& words) {
     return Reply::done();
 }
 
-Reply trigger(Caller const& caller, Words const& words) {
+Reply trigger(Device::Access& device, Words const& words) {
+    if (words == Words{"stop"}) {
+        device->rtu.end_triggers_from_outside();
+        return Reply::done();
+    }
     bool const at_rate = words.size() == 3 && words[1] == "at";
     if (words.size() != 1 && !at_rate) {
         return usage_error(kTriggerUsage);
@@ -79,18 +101,21 @@ Reply trigger(Caller const& caller, Words const& words) {
     if (!count || (at_rate && !rate)) {
         return Reply::error("a count and a rate are 1 to " + std::to_string(kMostTriggers));
     }
-    caller.device.rtu.trigger_from_outside(*count, rate);
+    device->rtu.trigger_from_outside(*count, rate);
     return Reply::done();
 }
 
 }  // namespace
 
 void add_imaging_verbs(Commands& commands) {
-    commands.add({"drive", kDriveUsage, "puts a level on the wire of a digital input", drive});
-    commands.add({"power", kPowerUsage, "what supplies the device; only 24 V powers the digital I/O", power});
+    commands.add({"drive", kDriveUsage, "puts a level on the wire of a digital input, or none", drive});
+    commands.add({"power", kPowerUsage,
+                  "what supplies the device, 24 V alone the digital I/O as well; its power as a whole", power});
     commands.add({"fit", kFitUsage, "fits an image sensor: its node is there, the other's is not", fit});
     commands.add(
-        {"trigger", kTriggerUsage, "triggers from outside: all at once, or RATE in a second, the first now", trigger});
+        {"trigger", kTriggerUsage,
+         "triggers from outside: all at once, or RATE in a second, the first now; no more of those that are to come",
+         trigger});
 }
 
 }  // namespace sim

@@ -7,14 +7,14 @@ namespace sim {
 namespace {
 
 char const* const kTiltUsage = "tilt YAW PITCH ROLL [over DURATION]";
-char const* const kPressUsage = "press DURATION";
+char const* const kPressUsage = "press DURATION [bounce DURATION]";
 char const* const kButtonUsage = "button down\nbutton up";
 
 std::string both_ways(double most) {
     return number_text(-most) + " to " + number_text(most);
 }
 
-Reply tilt(Caller const& caller, Words const& words) {
+Reply tilt(Device::Access& device, Words const& words) {
     bool const turns = words.size() == 5 && words[3] == "over";
     if (words.size() != 3 && !turns) {
         return usage_error(kTiltUsage);
@@ -29,31 +29,39 @@ Reply tilt(Caller const& caller, Words const& words) {
     if (!over) {
         return duration_error(words[4]);
     }
-    Device& device = caller.device;
-    if (!device.hub.tilt({*yaw, *pitch, *roll}, device.now(), *over)) {
+    if (!device->hub.tilt({*yaw, *pitch, *roll}, device.now(), *over)) {
         return Reply::error("angle out of range: yaw and roll " + both_ways(Orientation::kMostTurn) + ", pitch " +
                             both_ways(Orientation::kMostPitch));
     }
     return Reply::done();
 }
 
-Reply press(Caller const& caller, Words const& words) {
-    if (words.size() != 1) {
+Reply press(Device::Access& device, Words const& words) {
+    bool const bounces = words.size() == 3 && words[1] == "bounce";
+    if (words.size() != 1 && !bounces) {
         return usage_error(kPressUsage);
     }
     auto const length = parse_duration(words.front());
     if (!length) {
         return duration_error(words.front());
     }
-    return caller.device.presses.press_for(*length) ? Reply::done() : Reply::error("the button is pressed already");
+    auto const bounce = bounces ? parse_duration(words[2]) : Duration(0);
+    if (!bounce) {
+        return duration_error(words[2]);
+    }
+    if (bounces && *length <= 2 * *bounce) {
+        return Reply::error("the press is too short for that bounce: more than twice it");
+    }
+    return device->presses.press_for(device.now(), *length, *bounce) ? Reply::done()
+                                                                     : Reply::error("the button is pressed already");
 }
 
-Reply button(Caller const& caller, Words const& words) {
+Reply button(Device::Access& device, Words const& words) {
     if (words == Words{"down"}) {
-        return caller.device.presses.press() ? Reply::done() : Reply::error("the button is pressed already");
+        return device->presses.press(device.now()) ? Reply::done() : Reply::error("the button is pressed already");
     }
     if (words == Words{"up"}) {
-        return caller.device.presses.release() ? Reply::done() : Reply::error("the button is not pressed");
+        return device->presses.release(device.now()) ? Reply::done() : Reply::error("the button is not pressed");
     }
     return usage_error(kButtonUsage);
 }
@@ -62,7 +70,8 @@ Reply button(Caller const& caller, Words const& words) {
 
 void add_motion_verbs(Commands& commands) {
     commands.add({"tilt", kTiltUsage, "tilts the device, in degrees: at once, or turning over a time", tilt});
-    commands.add({"press", kPressUsage, "presses the button and releases it after the time; does not wait", press});
+    commands.add({"press", kPressUsage,
+                  "presses the button and releases it after the time; its contact may bounce; does not wait", press});
     commands.add({"button", kButtonUsage, "presses the button or releases it", button});
 }
 

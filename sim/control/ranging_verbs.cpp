@@ -13,12 +13,12 @@ char const* const kSceneUsage =
     "scene step LEFT_MM RIGHT_MM [reflectance PERCENT]\n"
     "scene hole MM [DEPTH_MM] [reflectance PERCENT]";
 
-Reply scene(Caller const& caller, Words const& words) {
+Reply scene(Device::Access& device, Words const& words) {
     auto const parsed = parse_scene(words);
     if (!parsed) {
         return usage_error(kSceneUsage);
     }
-    caller.device.ranging.set_scene(*parsed);
+    device->ranging.set_scene(*parsed);
     return Reply::done();
 }
 

@@ -45,7 +45,7 @@ Error carry_out(ScenarioLine const& line, Device& device) {
     if (line.due && is_step(line.command)) {
         return "line " + std::to_string(line.number) + ": a line with a time does not step the clock";
     }
-    Reply const reply = device_commands().run({device, {}}, line.command);
+    Reply const reply = device_commands().run({device}, line.command);
     return reply.ok ? Error() : "line " + std::to_string(line.number) + ": " + reply.text;
 }
 
@@ -91,16 +91,15 @@ Error rehearse(Scenario const& scenario, std::vector<std::string> const& missing
     }
     for (Time const time : times_of(scenario)) {
         device.timeline.run_stepped();  // a line may have chosen a clock that runs
-        device.timeline.step(std::max(Duration(0), time - device.now()));
+        device.timeline.step(std::max(Duration(0), time - device.timeline.now()));
     }
     device.timeline.stop();
     return first;
 }
 
-// Half a scenario must not go on as if it were whole.
 void end_on(Error const& error) {
-    std::fprintf(stderr, "libhal: scenario %s\n", error.c_str());
-    std::_Exit(2);
+    std::fprintf(stderr, "r47-sim: scenario %s\n", error.c_str());
+    std::_Exit(125);
 }
 
 }  // namespace
@@ -129,8 +128,8 @@ Error load_scenario(std::string const& path, Scenario& scenario, std::vector<std
     return error.empty() ? error : "scenario " + path + ", " + error;
 }
 
-Error start_scenario(Scenario const& scenario, Device& device) {
-    return start(scenario, device, end_on);
+Error start_scenario(Scenario const& scenario, Device& device, std::function<void(Error const&)> const& fail) {
+    return start(scenario, device, fail ? fail : end_on);
 }
 
 }  // namespace sim

@@ -4,208 +4,182 @@
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cstdint>
-#include <cstring>
-#include <vector>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <system_error>
 
-#include "sim/control/control_socket.h"
-#include "sim/core/descriptor.h"
-#include "sim/core/thread.h"
+#include "sim/core/unix_socket.h"
 
 namespace sim {
 
 namespace {
 
-// A client that leaves more than this unread is not listened to; with more than the second, it is dropped.
-constexpr std::size_t kMuchUnread = 1U << 16U;
-constexpr std::size_t kTooMuchUnread = 1U << 22U;
+bool send_text(int connection, std::string const& text) {
+    return send_all(connection, text.data(), text.size());
+}
+
+// The lines that a client sends.
+class LineReader {
+public:
+    explicit LineReader(int connection) : connection_(connection) {}
+
+    // False at the end. A line that is longer than the limit is empty and too long.
+    bool read(std::string& line, bool& too_long) {
+        too_long = false;
+        std::size_t end = input_.find('\n');
+        while (end == std::string::npos) {
+            if (input_.size() > Server::kLongestLine) {
+                too_long = true;
+                input_.clear();
+            }
+            char bytes[Server::kLongestLine];
+            ssize_t const count = ::recv(connection_, bytes, sizeof bytes, 0);
+            if (count == 0 || (count < 0 && errno != EINTR)) {
+                return false;
+            }
+            input_.append(bytes, count > 0 ? static_cast<std::size_t>(count) : 0);
+            end = input_.find('\n');
+        }
+        too_long = too_long || end > Server::kLongestLine;
+        line = too_long ? std::string() : input_.substr(0, end);
+        input_.erase(0, end + 1);
+        return true;
+    }
+
+private:
+    int const connection_;
+    std::string input_;
+};
+
+// The journal on its way to one client. What the client does not take waits, up to kLongestQueue lines; beyond that
+// lines are lost, and how many is said in their place.
+class JournalStream {
+public:
+    // Throws where the host has no descriptor left.
+    JournalStream(Device& device, bool json) : device_(device), json_(json) {
+        if (!wake_) {
+            throw std::system_error(errno, std::generic_category());
+        }
+        auto const access = device_.access();
+        follower_ =
+            access->journal.follow([this](std::uint64_t sequence, Record const& record) { take(sequence, record); });
+    }
+    JournalStream(JournalStream const&) = delete;
+    JournalStream& operator=(JournalStream const&) = delete;
+    ~JournalStream() {
+        auto const access = device_.access();
+        access->journal.unfollow(follower_);
+    }
+
+    // Sends until the client has gone.
+    void run(int connection) {
+        while (true) {
+            pollfd waited[] = {{connection, POLLIN, 0}, {wake_.get(), POLLIN, 0}};
+            if (::poll(waited, 2, -1) < 0 && errno != EINTR) {
+                return;
+            }
+            char ignored[256];
+            if (waited[0].revents != 0 && ::recv(connection, ignored, sizeof ignored, MSG_DONTWAIT) == 0) {
+                return;
+            }
+            eventfd_t wakes;
+            ::eventfd_read(wake_.get(), &wakes);
+            while (auto const lines = next_lines()) {
+                if (!send_text(connection, *lines)) {
+                    return;
+                }
+            }
+        }
+    }
+
+private:
+    static constexpr std::size_t kLongestQueue = 1U << 16U;  // lines
+    static constexpr std::size_t kAtOnce = 256;              // lines in one send
+
+    std::string line_of(std::uint64_t sequence, Record const& record) const {
+        return (json_ ? record_json(sequence, record) : record_line(sequence, record)) + "\n";
+    }
+
+    void take(std::uint64_t sequence, Record const& record) {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        if (lines_.size() >= kLongestQueue) {
+            last_lost_ = sequence;
+            gap_.start = record.start;
+            ++lost_;
+            return;
+        }
+        tell_gap();
+        lines_.push_back(line_of(sequence, record));
+        ::eventfd_write(wake_.get(), 1);
+    }
+
+    // Says how many lines are missing here, if any.
+    void tell_gap() {
+        if (lost_ > 0) {
+            gap_.text = std::to_string(lost_) + " lines, as they were not read in time";
+            lines_.push_back(line_of(last_lost_, gap_));
+            lost_ = 0;
+        }
+    }
+
+    std::optional<std::string> next_lines() {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        if (lines_.empty()) {
+            tell_gap();
+        }
+        if (lines_.empty()) {
+            return std::nullopt;
+        }
+        std::string lines;
+        for (std::size_t i = 0; i < kAtOnce && !lines_.empty(); ++i) {
+            lines += lines_.front();
+            lines_.pop_front();
+        }
+        return lines;
+    }
+
+    Device& device_;
+    bool const json_;
+    Descriptor const wake_ = out_of_the_way(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    int follower_ = 0;
+    std::mutex mutex_;  // guards what follows; taken with the device's lock held
+    std::deque<std::string> lines_;
+    std::uint64_t lost_ = 0;
+    std::uint64_t last_lost_ = 0;  // its sequence number
+    Record gap_{RecordKind::lost};
+};
 
 }  // namespace
 
-Server::~Server() {
-    stop();
+void Server::refuse(int connection, std::string const& reason) {
+    std::string const line = "error: " + reason + "\n";
+    ::send(connection, line.data(), line.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
-Error Server::start(std::string const& path) {
-    Error error;
-    listener_ = listen_on(path, error);
-    if (listener_ < 0) {
-        return error;
-    }
-    path_ = path;
-    wake_ = move_out_of_the_way(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    thread_ = start_library_thread("r47-control", [this] { serve(); });
-    return {};
-}
-
-void Server::stop() {
-    if (!thread_.joinable()) {
-        return;
-    }
-    {
-        std::lock_guard<std::mutex> const lock(output_mutex_);
-        stopping_ = true;
-    }
-    wake();
-    thread_.join();
-    ::close(listener_);
-    ::close(wake_);
-    ::unlink(path_.c_str());
-}
-
-void Server::serve() {
-    for (;;) {
-        {
-            std::lock_guard<std::mutex> const lock(output_mutex_);
-            if (stopping_) {
-                std::for_each(clients_.begin(), clients_.end(), [](Client& client) { client.lost = true; });
-                break;
-            }
+void Server::serve(int connection) {
+    LineReader reader(connection);
+    std::optional<bool> follow;  // the journal, as JSON or not
+    Caller const caller{device_, [&](std::string const& line) { send_text(connection, line + "\n"); },
+                        [&](bool json) { follow = json; }, programs_};
+    std::string line;
+    bool too_long = false;
+    while (reader.read(line, too_long)) {
+        Reply const reply = too_long ? Reply::error("line too long") : commands_.run(caller, line);
+        std::optional<JournalStream> stream;
+        if (follow) {
+            stream.emplace(device_, *follow);  // before the client is told that it follows
         }
-        wait();
-        remove_done();
-    }
-    remove_done();
-}
-
-// Waits until something can be done and does it.
-void Server::wait() {
-    std::vector<pollfd> polled{{listener_, POLLIN, 0}, {wake_, POLLIN, 0}};
-    std::vector<Client*> clients;
-    for (Client& client : clients_) {
-        std::lock_guard<std::mutex> const lock(output_mutex_);
-        bool const reads = !client.ended && client.output.size() < kMuchUnread;
-        auto const events = (reads ? POLLIN : 0) | (client.output.empty() ? 0 : POLLOUT);
-        polled.push_back({client.fd, static_cast<short>(events), 0});
-        clients.push_back(&client);
-    }
-    if (::poll(polled.data(), polled.size(), -1) < 0) {
-        return;
-    }
-    std::uint64_t wakes = 0;
-    [[maybe_unused]] auto const woken = ::read(wake_, &wakes, sizeof wakes);
-    for (std::size_t i = 0; i < clients.size(); ++i) {
-        short const events = polled[i + 2].revents;
-        if ((events & POLLIN) != 0) {
-            read_from(*clients[i]);
-        } else if ((events & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
-            std::lock_guard<std::mutex> const lock(output_mutex_);
-            clients[i]->lost = true;
+        if (!send_text(connection, reply.ok ? reply.text + "ok\n" : "error: " + reply.text + "\n")) {
+            return;
         }
-        write_to(*clients[i]);
-    }
-    if ((polled[0].revents & POLLIN) != 0) {
-        accept_client();
-    }
-}
-
-void Server::accept_client() {
-    int const fd = move_out_of_the_way(::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-    if (fd < 0) {
-        return;
-    }
-    clients_.emplace_back();
-    clients_.back().fd = fd;
-}
-
-void Server::read_from(Client& client) {
-    std::array<char, kLongestLine> bytes{};
-    ssize_t const count = ::recv(client.fd, bytes.data(), bytes.size(), 0);
-    if (count > 0) {
-        client.input.append(bytes.data(), static_cast<std::size_t>(count));
-        take_lines(client);
-    } else if (count == 0) {
-        client.ended = true;
-    } else if (errno != EAGAIN && errno != EINTR) {
-        std::lock_guard<std::mutex> const lock(output_mutex_);
-        client.lost = true;
-    }
-}
-
-void Server::take_lines(Client& client) {
-    std::size_t from = 0;
-    for (std::size_t end = client.input.find('\n'); end != std::string::npos; end = client.input.find('\n', from)) {
-        if (client.skipping) {
-            client.skipping = false;
-        } else if (end - from > kLongestLine) {
-            send(client, "error: line too long\n");
-        } else {
-            answer(client, client.input.substr(from, end - from));
+        if (stream) {
+            stream->run(connection);
+            return;
         }
-        from = end + 1;
     }
-    client.input.erase(0, from);
-    if (client.input.size() > kLongestLine) {
-        if (!client.skipping) {
-            send(client, "error: line too long\n");
-        }
-        client.skipping = true;
-    }
-    if (client.skipping) {
-        client.input.clear();
-    }
-}
-
-void Server::answer(Client& client, std::string const& line) {
-    Reply const reply = commands_.run({device_, [this, &client] { follow(client); }}, line);
-    send(client, reply.ok ? reply.text + "ok\n" : "error: " + reply.text + "\n");
-}
-
-void Server::send(Client& client, std::string const& text) {
-    std::lock_guard<std::mutex> const lock(output_mutex_);
-    client.output += text;
-    client.lost = client.lost || client.output.size() > kTooMuchUnread;
-}
-
-void Server::write_to(Client& client) {
-    std::lock_guard<std::mutex> const lock(output_mutex_);
-    if (client.output.empty()) {
-        return;
-    }
-    ssize_t const count = ::send(client.fd, client.output.data(), client.output.size(), MSG_NOSIGNAL);
-    if (count >= 0) {
-        client.output.erase(0, static_cast<std::size_t>(count));
-    } else if (errno != EAGAIN && errno != EINTR) {
-        client.lost = true;
-    }
-}
-
-void Server::follow(Client& client) {
-    if (client.follower != 0) {
-        return;
-    }
-    client.follower = device_.journal.follow([this, &client](std::string const& line) {
-        send(client, line);
-        wake();
-    });
-}
-
-// A client that sends no more stays for its replies, and as long as it follows the journal.
-bool Server::is_done(Client& client) {
-    std::lock_guard<std::mutex> const lock(output_mutex_);
-    return client.lost || (client.ended && client.follower == 0 && client.output.empty());
-}
-
-void Server::remove_done() {
-    for (auto client = clients_.begin(); client != clients_.end();) {
-        if (!is_done(*client)) {
-            ++client;
-            continue;
-        }
-        device_.journal.unfollow(client->follower);
-        ::close(client->fd);
-        client = clients_.erase(client);
-    }
-}
-
-void Server::wake() {
-    std::uint64_t const one = 1;
-    [[maybe_unused]] auto const written = ::write(wake_, &one, sizeof one);
 }
 
 }  // namespace sim

@@ -14,23 +14,28 @@ namespace {
 char const* const kShowUsage = "show [--json] [PREFIX]";
 char const* const kSetUsage = "set NAME VALUE";
 char const* const kFaultUsage =
-    "fault add OPERATION [skip N] [count M] status S | delay MS | value V[,V...]\nfault list\nfault clear [ID]";
+    "fault add OPERATION [arg N VALUE] [object N] [from TIME] [to TIME] [skip N] [every N] [probability P [seed N]] "
+    "[count N] status S | errno NAME | delay MS | value V[,V...]\n"
+    "fault add CALLBACK, with the same choices, drop | double | late MS\n"
+    "fault list\n"
+    "fault clear [ID]";
 char const* const kNodeUsage = "node remove PATH\nnode restore PATH\nnode list";
 char const* const kClockUsage = "clock [real | scaled FACTOR | stepped]";
 char const* const kStepUsage = "step DURATION";
-char const* const kJournalUsage = "journal follow";
+char const* const kProgramsUsage = "programs";
+char const* const kJournalUsage = "journal follow [--json]";
 
 constexpr double kSmallestFactor = 1e-3;
 constexpr double kLargestFactor = 1e3;  // a device that triggers and samples all the while keeps up
 
-Reply show(Caller const& caller, Words const& words) {
+Reply show(Device::Access& device, Words const& words) {
     bool const json = !words.empty() && words.front() == "--json";
     std::size_t const options = json ? 1 : 0;
     if (words.size() > options + 1) {
         return usage_error(kShowUsage);
     }
     std::string const prefix = words.size() > options ? words.back() : "";
-    Properties const& properties = caller.device.properties;
+    Properties const& properties = device->properties;
     std::string const table = properties.table(prefix);
     if (table.empty()) {
         return Reply::error("unknown property " + prefix);
@@ -38,20 +43,20 @@ Reply show(Caller const& caller, Words const& words) {
     return Reply::done(json ? properties.json(prefix) : table);
 }
 
-Reply set(Caller const& caller, Words const& words) {
+Reply set(Device::Access& device, Words const& words) {
     if (words.size() != 2) {
         return usage_error(kSetUsage);
     }
-    return Reply::of(set_property(caller.device.properties, words[0], words[1]));
+    return Reply::of(set_property(device->properties, words[0], words[1]));
 }
 
-Reply add_fault(FaultRules& faults, Words const& words) {
+Reply add_fault(FaultRules& faults, Time now, Words const& words) {
     FaultRule rule;
-    Error const error = parse_fault_rule(words, rule);
-    if (error.empty()) {
-        faults.add(rule);
+    Error error = parse_fault_rule(words, rule);
+    if (error.empty() && rule.to && *rule.to <= now) {
+        error = "it can do nothing: its time is over";
     }
-    return Reply::of(error);
+    return error.empty() ? Reply::done(std::to_string(faults.add(rule)) + "\n") : Reply::error(error);
 }
 
 Reply clear_faults(FaultRules& faults, Words const& words) {
@@ -63,11 +68,11 @@ Reply clear_faults(FaultRules& faults, Words const& words) {
     return id ? Reply::of(faults.clear(*id)) : Reply::error("no fault rule " + words[1]);
 }
 
-Reply fault(Caller const& caller, Words const& words) {
-    FaultRules& faults = caller.device.faults;
+Reply fault(Device::Access& device, Words const& words) {
+    FaultRules& faults = device->faults;
     std::string const form = words.empty() ? "" : words.front();
     if (form == "add" && words.size() > 1) {
-        return add_fault(faults, Words(words.begin() + 1, words.end()));
+        return add_fault(faults, device.now(), Words(words.begin() + 1, words.end()));
     }
     if (form == "list" && words.size() == 1) {
         return Reply::done(faults.list());
@@ -78,8 +83,8 @@ Reply fault(Caller const& caller, Words const& words) {
     return usage_error(kFaultUsage);
 }
 
-Reply node(Caller const& caller, Words const& words) {
-    Nodes& nodes = caller.device.nodes;
+Reply node(Device::Access& device, Words const& words) {
+    Nodes& nodes = device->nodes;
     std::string const form = words.empty() ? "" : words.front();
     if (form == "remove" && words.size() == 2) {
         return Reply::of(nodes.remove(words[1]));
@@ -112,6 +117,7 @@ Reply clock(Caller const& caller, Words const& words) {
     } else {
         return usage_error(kClockUsage);
     }
+    caller.device.notify();  // a step that waited for callbacks waits no more
     return Reply::done();
 }
 
@@ -123,29 +129,51 @@ Reply step(Caller const& caller, Words const& words) {
     if (!length) {
         return duration_error(words.front());
     }
-    return caller.device.timeline.step(*length) ? Reply::done() : Reply::error("the clock is not stepped");
+    auto const tell_whom = [&] {
+        if (caller.tell && caller.programs != nullptr) {
+            for (std::string const& line : caller.programs->waited_for()) {
+                caller.tell("waiting: " + line);
+            }
+        }
+    };
+    return caller.device.timeline.step(*length, tell_whom) ? Reply::done() : Reply::error("the clock is not stepped");
+}
+
+Reply programs(Caller const& caller, Words const& words) {
+    if (!words.empty()) {
+        return usage_error(kProgramsUsage);
+    }
+    std::string list;
+    if (caller.programs != nullptr) {
+        for (std::string const& line : caller.programs->connected()) {
+            list += line + "\n";
+        }
+    }
+    return Reply::done(list);
 }
 
 Reply journal(Caller const& caller, Words const& words) {
-    if (words != Words{"follow"}) {
+    bool const json = words == Words{"follow", "--json"};
+    if (words != Words{"follow"} && !json) {
         return usage_error(kJournalUsage);
     }
     if (!caller.follow_journal) {
         return Reply::error("journal follow needs a connection");
     }
-    caller.follow_journal();
+    caller.follow_journal(json);
     return Reply::done();
 }
 
 }  // namespace
 
 void add_state_verbs(Commands& commands) {
-    commands.add({"show", kShowUsage, "the device's state: all of it, or what begins with PREFIX", show});
+    commands.add({"show", kShowUsage, "the device's state: all of it, or what begins with PREFIX", show, {}, true});
     commands.add({"set", kSetUsage, "sets one property of the state", set});
 }
 
 void add_fault_verbs(Commands& commands) {
-    commands.add({"fault", kFaultUsage, "makes calls of an operation fail, take long or answer other values", fault});
+    commands.add(
+        {"fault", kFaultUsage, "makes calls fail, take long or answer other values, and disturbs callbacks", fault});
 }
 
 void add_node_verbs(Commands& commands) {
@@ -153,14 +181,17 @@ void add_node_verbs(Commands& commands) {
 }
 
 void add_time_verbs(Commands& commands) {
-    commands.add({"clock", kClockUsage, "how the device's time passes", clock, Verb::Locking::unlocked});
-    commands.add({"step", kStepUsage, "moves the stepped clock on; done when all that fell due has been delivered",
-                  step, Verb::Locking::unlocked});
+    commands.add({"clock", kClockUsage, "how the device's time passes", {}, clock});
+    commands.add(
+        {"step", kStepUsage, "moves the stepped clock on; done when all that fell due has been delivered", {}, step});
+}
+
+void add_program_verbs(Commands& commands) {
+    commands.add({"programs", kProgramsUsage, "the programs that use the device", {}, programs, true});
 }
 
 void add_journal_verbs(Commands& commands) {
-    commands.add(
-        {"journal", kJournalUsage, "sends the journal's lines as they are written", journal, Verb::Locking::unlocked});
+    commands.add({"journal", kJournalUsage, "sends the journal's lines as they are written", {}, journal, true});
 }
 
 }  // namespace sim

@@ -12,6 +12,7 @@ void add_imaging_verbs(Commands& commands);  // drive, power, fit, trigger
 void add_motion_verbs(Commands& commands);   // tilt, press, button
 void add_ranging_verbs(Commands& commands);  // scene
 void add_time_verbs(Commands& commands);     // clock, step
+void add_program_verbs(Commands& commands);  // programs
 void add_journal_verbs(Commands& commands);  // journal
 
 }  // namespace sim

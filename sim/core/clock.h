@@ -13,7 +13,7 @@ using Time = std::chrono::microseconds;
 using Duration = std::chrono::microseconds;
 
 // Which way the time passes. A plain value without a lock: core/timeline.h keeps the device's clock.
-// A change of mode keeps the time that has been reached.
+// Stepped at first, at 0; a change of mode keeps the time that has been reached.
 class Clock {
 public:
     using HostTime = std::chrono::steady_clock::time_point;
@@ -39,7 +39,7 @@ public:
 private:
     void restart(HostTime host, Mode mode, double factor);
 
-    Mode mode_ = Mode::real;
+    Mode mode_ = Mode::stepped;
     double factor_ = 1.0;
     HostTime host_origin_;
     Time origin_{0};

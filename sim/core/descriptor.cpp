@@ -1,8 +1,10 @@
-// File descriptors of the library's own, out of the way of the program's.
+// Ownership of a file descriptor.
 #include "sim/core/descriptor.h"
 
 #include <fcntl.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 namespace sim {
 
@@ -12,13 +14,20 @@ constexpr int kLowest = 10;
 
 }  // namespace
 
-int move_out_of_the_way(int fd) {
-    if (fd < 0 || fd >= kLowest) {
-        return fd;
+Descriptor::~Descriptor() {
+    if (fd_ >= 0) {
+        int const error = errno;
+        ::close(fd_);
+        errno = error;
     }
-    int const moved = ::fcntl(fd, F_DUPFD_CLOEXEC, kLowest);
-    ::close(fd);
-    return moved;
+}
+
+Descriptor out_of_the_way(int fd) {
+    if (fd < 0 || fd >= kLowest) {
+        return Descriptor(fd);
+    }
+    Descriptor const low(fd);
+    return Descriptor(::fcntl(fd, F_DUPFD_CLOEXEC, kLowest));
 }
 
 }  // namespace sim

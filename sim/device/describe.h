@@ -20,7 +20,6 @@ void describe(Properties& properties, SystemState& system, std::function<Time()>
 void describe(Properties& properties, ModuleInfo& modules);
 // With its pins.
 void describe(Properties& properties, RealTimeUnit& unit);
-void describe(Properties& properties, DigitalIo const& pins);
 void describe(Properties& properties, ImageSensor& sensor);
 void describe(Properties& properties, Illumination& light);
 void describe(Properties& properties, Autofocus& focus);

@@ -19,6 +19,55 @@ char const* name_of(DigitalIo::Terminal terminal) {
     return "open";
 }
 
+// -1 where the record of the pin tells none.
+int line_of(hal::dio_pin_config_t const& config, unsigned char pin) {
+    auto const line = config.pin_lines.find(pin);
+    return line != config.pin_lines.end() ? line->second : -1;
+}
+
+// The pin's record, field by field, and what comes of it.
+void describe_pin(Properties& properties, RealTimeUnit& unit, unsigned char pin) {
+    using config_t = hal::dio_pin_config_t;
+    std::string const name = "dio." + std::to_string(pin) + ".";
+    auto const configure = [&unit, pin](auto const& change) {
+        config_t config = unit.pins().config(pin);
+        change(config);
+        return unit.set_pin_config(pin, config);
+    };
+    auto const add = [&](char const* field_name, char const* help, auto config_t::*field) {
+        properties.add(
+            name + field_name, help, [&unit, pin, field] { return unit.pins().config(pin).*field; },
+            [configure, field](auto value) {
+                return configure([field, value](config_t& config) { config.*field = value; });
+            },
+            kOutOfRange);
+    };
+    add("type", "0 npn, 1 pnp, 2 push-pull", &config_t::type);
+    add("func", "0 output, 1 illumination output, 2 input, 3 trigger input, 4 and 5 encoder A and B", &config_t::func);
+    add("contact", "0 normally open, 1 normally closed", &config_t::config);
+    add("invert", "whether the pin is inverted", &config_t::invert);
+    add("on_delay.active", "whether it comes on late", &config_t::on_delay_active);
+    add("on_delay.time", "ms", &config_t::on_delay_time);
+    add("off_delay.active", "whether it goes off late", &config_t::off_delay_active);
+    add("off_delay.time", "ms", &config_t::off_delay_time);
+    add("pulse.active", "whether it comes on for a time of its own", &config_t::pulse_active);
+    add("pulse.time", "ms", &config_t::pulse_time);
+    properties.add(
+        name + "line", "GPIO line that the record tells; -1: none",
+        [&unit, pin] { return line_of(unit.pins().config(pin), pin); },
+        [configure, pin](int line) {
+            return configure([pin, line](config_t& config) { config.pin_lines[pin] = line; });
+        },
+        kOutOfRange);
+    properties.add(
+        name + "command", "value that was set for the output", [&unit, pin] { return unit.pins().command(pin); },
+        [&unit, pin](bool value) { return unit.set_pin_value(pin, value); }, "the pin is no output");
+    properties.add(name + "value", "value that is read from the pin",
+                   [&unit, pin] { return unit.pins().values().test(pin); });
+    properties.add(name + "terminal", "low, high or open: the wire of an input, the driver of an output",
+                   [&unit, pin] { return name_of(unit.pins().terminal(pin)); });
+}
+
 }  // namespace
 
 void describe(Properties& properties, RealTimeUnit& unit) {
@@ -58,29 +107,11 @@ void describe(Properties& properties, RealTimeUnit& unit) {
     properties.add("camera.acquiring", "whether the camera takes over the sensor's frames",
                    [&unit] { return unit.acquiring(); });
     properties.add("camera.acquired", "frames taken over since the start", [&unit] { return unit.acquired(); });
-    describe(properties, unit.pins());
-}
-
-void describe(Properties& properties, DigitalIo const& pins) {
     for (unsigned char pin = 0; pin < DigitalIo::kPins; ++pin) {
-        std::string const name = "dio." + std::to_string(pin);
-        properties.add(name + ".type", "0 npn, 1 pnp, 2 push-pull", [&pins, pin] { return pins.config(pin).type; });
-        properties.add(name + ".func",
-                       "0 output, 1 illumination output, 2 input, 3 trigger input, 4 and 5 encoder A and B",
-                       [&pins, pin] { return pins.config(pin).func; });
-        properties.add(name + ".contact", "0 normally open, 1 normally closed",
-                       [&pins, pin] { return pins.config(pin).config; });
-        properties.add(name + ".invert", "whether the pin is inverted",
-                       [&pins, pin] { return pins.config(pin).invert; });
-        properties.add(name + ".command", "value that was set for the output",
-                       [&pins, pin] { return pins.command(pin); });
-        properties.add(name + ".value", "value that is read from the pin",
-                       [&pins, pin] { return pins.values().test(pin); });
-        properties.add(name + ".terminal", "low, high or open: the wire of an input, the driver of an output",
-                       [&pins, pin] { return name_of(pins.terminal(pin)); });
+        describe_pin(properties, unit, pin);
     }
     properties.add("dio.encoder", "position of the quadrature encoder, edges",
-                   [&pins] { return pins.encoder_position(); });
+                   [&unit] { return unit.pins().encoder_position(); });
 }
 
 void describe(Properties& properties, ImageSensor& sensor) {

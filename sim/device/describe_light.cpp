@@ -113,12 +113,14 @@ void add_errors(Properties& properties, Autofocus const& focus) {
 }  // namespace
 
 void describe(Properties& properties, Illumination& light) {
-    properties.add_variable("illumination.present", "whether the module is fitted", light.module.present);
+    properties.add(
+        "illumination.present", "whether the module is fitted; it comes back as after power-on",
+        [&light] { return light.present(); }, [&light](bool present) { light.set_present(present); });
     properties.add_variable("illumination.rgbw", "whether it has colours; otherwise it is white", light.module.rgbw);
     add_temperatures(properties, light);
     add_flags(properties, light);
     properties.add("illumination.lit", "whether it gives light", [&light] { return light.lit(); });
-    properties.add("illumination.load", "heat that it makes, as a share of full light: 0-1",
+    properties.add("illumination.load", "heat that it makes; 1: that of full steady light",
                    [&light] { return light.load(); });
     properties.add("illumination.exposure.mode", "0 continuous, 65534 flash, 65535 switch",
                    [&light] { return light.exposure_mode(); });
@@ -135,9 +137,11 @@ void describe(Properties& properties, Illumination& light) {
 }
 
 void describe(Properties& properties, Autofocus& focus) {
-    properties.add_variable("autofocus.present", "whether the module is fitted", focus.module.present);
     properties.add(
-        "autofocus.device_type", "R47XXXX1, R47XXXX2 or R47XXXX3: whose table holds",
+        "autofocus.present", "whether the module is fitted; it comes back as after power-on",
+        [&focus] { return focus.present(); }, [&focus](bool present) { focus.set_present(present); });
+    properties.add(
+        "autofocus.device_type", "R47XXXX1, R47XXXX2 or R47XXXX3, or its last digit: whose table holds",
         [&focus] { return focus.device_type(); },
         [&focus](std::string const& name) { return focus.set_device_type(name); }, "not a device type");
     properties.add_variable("autofocus.link", "whether the module can be talked to", focus.module.link_up);
@@ -150,7 +154,7 @@ void describe(Properties& properties, Autofocus& focus) {
     properties.add("autofocus.position", "steps", [&focus] { return to_nearest_part(focus.position(), kStepParts); });
     properties.add(
         "autofocus.target", "steps, where the motor goes", [&focus] { return focus.target(); },
-        [&focus](unsigned int target) { return focus.set_position(target); }, "the motor cannot go there now");
+        [&focus](unsigned int target) { return focus.put_position(target); }, "the motor cannot go there now");
     properties.add("autofocus.moving", "whether the motor is on its way", [&focus] { return focus.moving(); });
     properties.add("autofocus.calibrating", "whether the calibration runs", [&focus] { return focus.calibrating(); });
     properties.add("autofocus.frequency", "Hz, that the calibration found; 0: none",

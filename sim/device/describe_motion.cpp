@@ -24,7 +24,10 @@ void describe(Properties& properties, SensorHub& hub, std::function<Time()> cons
     properties.add("hub.running", "whether the sensor hub runs a firmware", [&hub] { return hub.running(); });
     properties.add("hub.firmware", "version of the firmware that runs; 0: none",
                    [&hub] { return hub.firmware_version(); });
-    properties.add("hub.callbacks", "whether the data callbacks are installed",
+    properties.add(
+        "hub.firmware.damaged", "whether images come to the hub with a wrong bit",
+        [&hub] { return hub.damages_images(); }, [&hub](bool damages) { hub.set_damages_images(damages); });
+    properties.add("hub.callbacks", "whether an object has its data callbacks installed",
                    [&hub] { return hub.callbacks_installed(); });
     properties.add("hub.sensors", "virtual sensors that are on, with rate and latency",
                    [&hub] { return text_of(hub.active_sensors()); });
@@ -44,6 +47,10 @@ void describe(Properties& properties, SensorHub& hub, std::function<Time()> cons
         "orientation.noise", "standard deviation of the measured orientation, degrees, 0 to 10",
         [&hub] { return hub.orientation().noise(); }, [&hub](double degrees) { return hub.set_noise(degrees); }, 0.0,
         Orientation::kMostNoise);
+    properties.add(
+        "orientation.drift", "degrees a minute by which the measured heading runs away, 0 to 10",
+        [&hub] { return hub.orientation().drift(); }, [&hub](double drift) { return hub.set_drift(drift); }, 0.0,
+        Orientation::kMostDrift);
     properties.add(
         "orientation.seed", "seed of that noise", [&hub] { return static_cast<long long>(hub.orientation().seed()); },
         [&hub](long long seed) { hub.set_seed(static_cast<std::uint64_t>(seed)); });

@@ -4,7 +4,7 @@
 namespace sim {
 
 void describe(Properties& properties, Ranging& ranging) {
-    constexpr char const* kIllegal = "not a legal value";
+    constexpr char const* kIllegal = "not a legal value, or the sensor sleeps";
     auto const add_range = [&](char const* name, char const* help, auto get, auto set, Ranging::Range const& range) {
         properties.add(name, help, get, set, range.min, range.max);
     };
@@ -23,9 +23,11 @@ void describe(Properties& properties, Ranging& ranging) {
         [&ranging](unsigned int ms) { return ranging.set_integration_time(ms); }, kIllegal);
     properties.add(
         "ranging.power", "0 sleep, 1 wakeup", [&ranging] { return ranging.power_mode(); },
-        [&ranging](Ranging::PowerMode mode) { return ranging.set_power_mode(mode); }, kIllegal);
-    properties.add("ranging.crosstalk.compensated", "whether a calibration took the cover's cross-talk away",
-                   [&ranging] { return ranging.crosstalk_compensated(); });
+        [&ranging](Ranging::PowerMode mode) { return ranging.set_power_mode(mode); }, "not a legal value");
+    properties.add(
+        "ranging.crosstalk.compensated", "whether a calibration took the cover's cross-talk away",
+        [&ranging] { return ranging.crosstalk_compensated(); },
+        [&ranging](bool compensated) { ranging.set_crosstalk_compensated(compensated); });
     add_range(
         "ranging.crosstalk.pull", "percent by which the cover pulls a target at 4 m nearer, 0-50",
         [&ranging] { return ranging.crosstalk_pull(); },

@@ -10,13 +10,9 @@ struct NamedModule {
     char const* name;
 };
 
-constexpr NamedModule kNamedModules[kModules] = {
-    {Module::rtu, "rtu"},
-    {Module::illumination, "illumination"},
-    {Module::autofocus, "autofocus"},
-    {Module::gyro, "gyro"},
-    {Module::imx296, "imx296"},
-    {Module::imx567, "imx567"},
+NamedModule const kNamedModules[kModules] = {
+    {Module::rtu, "rtu"},   {Module::illumination, "illumination"},       {Module::autofocus, "autofocus"},
+    {Module::gyro, "gyro"}, {imx296_facts().module, imx296_facts().name}, {imx567_facts().module, imx567_facts().name},
 };
 
 }  // namespace

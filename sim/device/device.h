@@ -1,18 +1,20 @@
-// The virtual device: its whole state, one lock and one clock.
+// The virtual device: its components, the one lock before them, and its clock.
 #pragma once
 
+#include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 
+#include "sim/core/fair_mutex.h"
 #include "sim/core/timeline.h"
-#include "sim/device/button_feed.h"
+#include "sim/device/button_delivery.h"
 #include "sim/device/faults.h"
 #include "sim/device/journal.h"
 #include "sim/device/nodes.h"
 #include "sim/device/properties.h"
-#include "sim/device/sample_feed.h"
+#include "sim/device/sample_delivery.h"
 #include "sim/models/autofocus.h"
-#include "sim/models/button.h"
 #include "sim/models/illumination.h"
 #include "sim/models/image_sensor.h"
 #include "sim/models/module_info.h"
@@ -23,26 +25,30 @@
 
 namespace sim {
 
-// The members below `lock` are touched with the lock held only; `timeline` and `journal` guard themselves.
-class Device {
-public:
-    explicit Device(std::unique_ptr<FileSystem> files);
-    Device(Device const&) = delete;
-    Device& operator=(Device const&) = delete;
-    ~Device() { timeline.stop(); }
+// All that the device consists of. Reached through Device::Access alone.
+struct Components {
+    Components(std::unique_ptr<FileSystem> files, Timeline& timeline);
 
-    // The device of this process. It is never destroyed: exit() may come from any menu while threads run.
-    static Device& instance();
+    // Null for none.
+    ImageSensor* sensor(hal::imx_te type);
+    // Brings every model up to the time: the real-time unit and all that follows its triggers, the motor,
+    // and the sensor hub where nobody listens to it.
+    void advance(Time to);
+    void describe(Properties& all);
 
-    Timeline timeline;
-    Journal journal;
+    // Off, the modules forget all that they do not keep in a memory of their own, and answer no operation. What
+    // surrounds the device, and what was set by hand to break it, stays.
+    void set_power(bool on);
+    bool powered() const { return powered_; }
+    // How often the power has been set: what takes time finds another number where it went meanwhile.
+    unsigned long power_changes() const { return power_changes_; }
 
-    using Lock = std::unique_lock<std::mutex>;
-    Lock lock() { return Lock(mutex_); }
-
+    Time now{0};                   // to which they have been brought
+    unsigned int last_object = 0;  // number of the last object that a program constructed
     Properties properties;
     Nodes nodes;
     FaultRules faults;
+    Journal journal;
     SystemState system;
     ModuleInfo modules;
     RealTimeUnit rtu;
@@ -52,35 +58,64 @@ public:
     Autofocus autofocus;
     Ranging ranging;
     SensorHub hub;
-    PushButton button;
-    SampleDelivery samples{*this};
-    ButtonDelivery presses{*this};
-
-    Time now() const { return timeline.now(); }
-    // Brings every model up to the present.
-    void advance();
-    // Brings the real-time unit and all that follows its triggers up to the present: the sensors, of which the fitted
-    // one takes the frames, and the illumination.
-    void advance_imaging();
-    // Null for none.
-    ImageSensor* sensor(hal::imx_te type);
-
-    // Called with the lock held, once: does `work` without it.
-    template <typename Work>
-    void unlocked(Work work) {
-        mutex_.unlock();
-        work();
-        mutex_.lock();
-    }
-    // Called with the lock held, once: lets `length` pass without it. For operations that take time.
-    void take_time(Duration length) {
-        unlocked([&] { timeline.take_time(length); });
-    }
+    SampleDelivery samples{hub};
+    ButtonDelivery presses;
+    Timeline& timeline;
 
 private:
-    void describe();
+    bool powered_ = true;
+    unsigned long power_changes_ = 0;
+};
 
-    std::mutex mutex_;
+class Device {
+public:
+    explicit Device(std::unique_ptr<FileSystem> files);
+    Device(Device const&) = delete;
+    Device& operator=(Device const&) = delete;
+    ~Device() { timeline.stop(); }
+
+    // Guards itself. No event of it runs with the lock held.
+    Timeline timeline;
+
+    class Access;
+    // Blocks until nobody else has it.
+    Access access();
+    // Wakes those who wait in Access::wait_until.
+    void notify() { changed_.notify_all(); }
+
+private:
+    FairMutex mutex_;
+    std::condition_variable_any changed_;
+    Components components_;
+};
+
+// The lock: who holds one has the device to himself. Its models are up to the time at which it was taken, which is the
+// time of all that is done with it; what then falls due is set when it is given back.
+class Device::Access {
+public:
+    explicit Access(Device& device);
+    Access(Access const&) = delete;
+    Access& operator=(Access const&) = delete;
+    ~Access();
+
+    Components* operator->() const { return &device_.components_; }
+    Components& operator*() const { return device_.components_; }
+    Time now() const { return device_.components_.now; }
+
+    // Lets time pass, and others have the device meanwhile. Nothing that was read before need still hold. `arrived` and
+    // `given_up` are for the timeline.
+    void pass(Duration length, std::function<void()> const& arrived = {}, std::function<bool()> const& given_up = {});
+    // The same until `done`, which is looked at whenever Device::notify() was called.
+    void wait_until(std::function<bool()> const& done);
+    // At most for `longest` of the host's time; what `done` says then.
+    bool wait_until(std::function<bool()> const& done, std::chrono::milliseconds longest);
+
+private:
+    void arrive();
+    void leave();
+
+    Device& device_;
+    std::unique_lock<FairMutex> lock_;
 };
 
 }  // namespace sim

@@ -8,13 +8,12 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 
 #include "sim/models/firmware_image.h"
 #include "sim/models/image_sensor.h"
 
 namespace sim {
-
-char const* const kSandboxMark = "/r47-sim/device";
 
 namespace {
 
@@ -65,6 +64,8 @@ Error HostFileSystem::remove(std::string const& path) {
 
 Error HostFileSystem::write(NodeFile const& file) {
     std::string const path = root_ + file.path;
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
     int const fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (fd < 0) {
         return system_error("cannot restore " + file.path);
@@ -74,10 +75,6 @@ Error HostFileSystem::write(NodeFile const& file) {
     Error error = written ? Error() : system_error("cannot write " + file.path);
     ::close(fd);
     return error;
-}
-
-bool HostFileSystem::is_own() const {
-    return readable(kSandboxMark);
 }
 
 MemoryFileSystem::MemoryFileSystem(std::vector<std::string> const& missing) {
@@ -117,9 +114,6 @@ Error Nodes::remove(std::string const& path) {
     if (!error.empty()) {
         return error;
     }
-    if (!files_->is_own()) {
-        return "files are only removed inside r47-sim run";
-    }
     return present(path) ? files_->remove(path) : path + " is missing already";
 }
 
@@ -129,20 +123,18 @@ Error Nodes::restore(std::string const& path) {
     if (!error.empty()) {
         return error;
     }
-    if (!files_->is_own()) {
-        return "files are only restored inside r47-sim run";
-    }
     return present(path) ? path + " is there already" : files_->write(*file);
 }
 
-std::vector<std::string> Nodes::missing() const {
-    std::vector<std::string> missing;
+Error Nodes::restore_all(std::vector<std::string> const& missing) {
     for (NodeFile const& file : device_files()) {
-        if (!present(file.path)) {
-            missing.push_back(file.path);
+        bool const left_out = std::find(missing.begin(), missing.end(), file.path) != missing.end();
+        Error error = left_out || present(file.path) ? Error() : files_->write(file);
+        if (!error.empty()) {
+            return error;
         }
     }
-    return missing;
+    return {};
 }
 
 std::string Nodes::list() const {

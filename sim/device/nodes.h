@@ -27,25 +27,19 @@ public:
     // These answer an error message; empty: done.
     virtual Error remove(std::string const& path) = 0;
     virtual Error write(NodeFile const& file) = 0;
-    // Whether the files belong to the device, so that it may remove and restore them.
-    virtual bool is_own() const = 0;
 };
 
-// The files of this process, all below `root`. They are the device's own where `r47-sim run` made them, which it
-// tells by the file kSandboxMark.
+// Files below the directory `root`, which is the device's own: what programs see as its files.
 class HostFileSystem : public FileSystem {
 public:
-    explicit HostFileSystem(std::string root = "") : root_(std::move(root)) {}
+    explicit HostFileSystem(std::string root) : root_(std::move(root)) {}
     bool readable(std::string const& path) const override;
     Error remove(std::string const& path) override;
     Error write(NodeFile const& file) override;
-    bool is_own() const override;
 
 private:
     std::string root_;
 };
-
-extern char const* const kSandboxMark;
 
 // Files in memory, at first those of a whole device but `missing`.
 class MemoryFileSystem : public FileSystem {
@@ -54,7 +48,6 @@ public:
     bool readable(std::string const& path) const override;
     Error remove(std::string const& path) override;
     Error write(NodeFile const& file) override;
-    bool is_own() const override { return true; }
 
 private:
     std::vector<std::string> paths_;
@@ -68,12 +61,12 @@ public:
     // The sensor whose node is there; IMX296 when both are.
     hal::imx_te fitted_sensor() const;
 
-    // Only files of the device, and only where they are its own. Removing what is gone, or restoring what is
+    // Only files of the device. Removing what is gone, or restoring what is
     // there, is an error.
     Error remove(std::string const& path);
     Error restore(std::string const& path);
-    // The files of the device that are not there.
-    std::vector<std::string> missing() const;
+    // Puts all files of the device there, but `missing`.
+    Error restore_all(std::vector<std::string> const& missing);
     // One line a file: path, present or missing.
     std::string list() const;
 

@@ -2,29 +2,13 @@
 #include "sim/device/properties.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
+
+#include "sim/core/numbers.h"
+#include "sim/core/text.h"
 
 namespace sim {
 
 namespace {
-
-std::string json_text(std::string const& text) {
-    std::string json = "\"";
-    for (char const c : text) {
-        if (c == '"' || c == '\\') {
-            json += '\\';
-            json += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            std::array<char, 8> code{};
-            std::snprintf(code.data(), code.size(), "\\u%04x", static_cast<unsigned>(c));
-            json += code.data();
-        } else {
-            json += c;
-        }
-    }
-    return json + "\"";
-}
 
 struct Writer {
     std::string operator()(bool truth) const { return truth ? "true" : "false"; }

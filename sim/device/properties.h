@@ -10,6 +10,7 @@
 #include <utility>
 #include <variant>
 
+#include "sim/core/error.h"
 #include "sim/core/numbers.h"
 #include "sim/models/scene.h"
 #include "sim/models/supply.h"
@@ -22,9 +23,6 @@ using Value = std::variant<bool, long long, float, double, std::string, Supply, 
 std::string value_text(Value const& value);
 // The value as JSON.
 std::string value_json(Value const& value);
-
-// An error message; empty: done.
-using Error = std::string;
 
 struct Property {
     std::string help;  // one line: what it is, its unit, its range

@@ -1,22 +1,19 @@
 // The library's side of hal::base_t, shared by the classes that derive from it.
 #pragma once
 
-#include <vector>
-
 #include "hal/base.h"
 #include "sim/library/object.h"
-#include "sim/library/text.h"
 
 struct hal::base_t::impl : sim::Object {
-    using Object::Object;
+    virtual ~impl() = default;
 };
 
 namespace sim {
 
-// The library's side of another object of it.
-Object& object_of(hal::base_t const& object);
-ObjectNumber number_of(hal::base_t const& object);
-// The nodes of another object, for one that works through it.
-std::vector<char const*> paths_of(hal::base_t const& object);
+// Members of base_t that only its derived classes may name.
+struct BaseAccess : hal::base_t {
+    using Impl = hal::base_t::impl;
+    static Object const& object_of(hal::base_t const& object) { return *(object.*(&BaseAccess::impl_)); }
+};
 
 }  // namespace sim

@@ -1,67 +1,67 @@
 // The push button.
 #include "hal/button.h"
 
-#include "sim/device/button_feed.h"
-#include "sim/library/gate.h"
-#include "sim/library/subscribe.h"
+#include <iterator>
+
+#include "sim/library/call.h"
+#include "sim/library/callbacks.h"
 
 namespace hal {
 
-using sim::construct;
-using sim::destroy;
-using sim::Device;
-using sim::gate;
+using sim::call;
 using sim::in;
 using sim::out;
+namespace operations = sim::operations;
 
-struct button_t::impl : sim::Object {
-    using Object::Object;
+namespace {
 
-    // Whether the button is on the object's line. Device's lock held.
-    bool sees_button() const { return ready() && line == Device::instance().presses.line(); }
+// What the device needs to know of the program's records to tell when they fire.
+template <std::size_t N>
+void describe(button_t::action_record const (&from)[N], sim::ButtonRecord (&to)[N]) {
+    for (std::size_t i = 0; i < N; ++i) {
+        to[i] = {from[i].hold_time_ms, static_cast<bool>(from[i].action)};
+    }
+}
 
-    long line = 0;
-    std::shared_ptr<sim::ButtonFeed> feed;
+}  // namespace
+
+struct button_t::impl : sim::Object, sim::EventTaker {
+    explicit impl(button_t const& owner) : button(owner) {}
+
+    void take(sim::Event const& event, sim::EventTurn& turn) override {
+        if (event.kind == sim::EventKind::contact_moved) {
+            describe(button.press_records, turn.done.records.press);
+            describe(button.release_records, turn.done.records.release);
+            return;
+        }
+        bool const press = event.kind == sim::EventKind::press_record;
+        auto const action = (press ? button.press_records : button.release_records)[event.index].action;
+        if (action) {
+            turn.call(action);
+        }
+    }
+
+    button_t const& button;
 };
 
-button_t::button_t(char const* device, long line, bool active_low, unsigned long debounce_us)
-    : impl_(new impl({device})) {
-    construct(*impl_, "button_t::button_t", in(device, line, active_low, debounce_us));
-    impl_->line = line;
-    auto const note = [number = impl_->number](sim::ButtonEvents::Event event) {
-        sim::journal_callback(number, event.press ? "button_t::press_records" : "button_t::release_records",
-                              in(event.index));
-    };
-    impl_->feed = std::make_shared<sim::ButtonFeed>(
-        Device::instance().timeline, sim::subscribe(true),
-        sim::ButtonFeed::Owner{this, [object = impl_] { return object->sees_button(); }, note},
-        sim::Duration(debounce_us));
-    auto const lock = Device::instance().lock();
-    Device::instance().presses.add(impl_->feed);
+button_t::button_t(char const* device, long line, bool active_low, unsigned long debounce_us) : impl_(new impl(*this)) {
+    sim::open_lane(sim::Lane::button);
+    sim::construct<operations::button_t::constructor>(*impl_, in(device, line, active_low, debounce_us));
+    sim::attach(*impl_, *impl_);
 }
 
 button_t::~button_t() {
-    impl_->feed->close();
-    {
-        auto const lock = Device::instance().lock();
-        Device::instance().presses.remove(impl_->feed);
-    }
-    destroy(*impl_, "button_t::~button_t");
+    sim::destroy<operations::button_t::destructor>(*impl_);
+    sim::detach(*impl_);
     delete impl_;
 }
 
 int button_t::irq_callback_hold(bool hold) {
-    return gate(impl_, "button_t::irq_callback_hold", in(hold), [&](Device& d) {
-        d.unlocked([&] { impl_->feed->hold(hold); });
-        return 0;
-    });
+    return call<operations::button_t::irq_callback_hold>(impl_, in(hold));
 }
 
 int button_t::irq_read(bool& state) {
-    return gate(impl_, "button_t::irq_read", out(state), [&](Device& d, auto& pressed) {
-        pressed = impl_->sees_button() && d.button.pressed();
-        return 0;
-    });
+    return call<operations::button_t::irq_read>(impl_, out(state));
 }
 
 }  // namespace hal

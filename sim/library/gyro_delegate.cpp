@@ -1,44 +1,41 @@
 // Hands each sample of one virtual sensor to a function.
 #include "hal/gyro_delegate.h"
 
+#include <memory>
 #include <utility>
 
-#include "hal/gyro.h"
-#include "sim/library/base_impl.h"
-#include "sim/library/gate.h"
+#include "sim/library/call.h"
+#include "sim/library/callbacks.h"
 #include "sim/library/gyro_impl.h"
 
 namespace hal {
 
-using sim::construct;
-using sim::destroy;
 using sim::in;
-using sim::SampleFeed;
+namespace operations = sim::operations;
 
-struct gyro_delegate_t::impl : sim::Object {
-    using Object::Object;
+using DataFunction = std::function<void(unsigned char, cb_struct_te, void*)>;
 
-    std::shared_ptr<SampleFeed> feed;
-    SampleFeed::ListenerId listener;
+struct gyro_delegate_t::impl : sim::Object, sim::EventTaker {
+    explicit impl(DataFunction called) : function(std::make_shared<DataFunction>(std::move(called))) {}
+
+    void take(sim::Event const& event, sim::EventTurn& turn) override {
+        auto const called = function;  // lives on where it destroys the delegate
+        turn.call([&] { sim::call_with(*called, event.sample); });
+    }
+
+    std::shared_ptr<DataFunction const> const function;
 };
 
-gyro_delegate_t::gyro_delegate_t(gyro_t& gyro, int sensor_id,
-                                 std::function<void(unsigned char, cb_struct_te, void*)> function)
-    : impl_(new impl(sim::paths_of(gyro))) {
-    construct(*impl_, "gyro_delegate_t::gyro_delegate_t", in(sim::number_of(gyro), sensor_id, function));
-    impl_->feed = sim::feed_of(gyro);
-    impl_->listener = impl_->feed->listen(
-        SampleFeed::From::now, [number = impl_->number, sensor_id, function = std::move(function)](auto const& sample) {
-            if (function && sample.sensor_id == sensor_id) {
-                sim::journal_callback(number, "gyro_delegate_t", in(sensor_id));
-                sim::call(function, sample);
-            }
-        });
+gyro_delegate_t::gyro_delegate_t(gyro_t& gyro, int sensor_id, DataFunction function)
+    : impl_(new impl(std::move(function))) {
+    sim::FunctionGiven const given{static_cast<bool>(*impl_->function)};
+    sim::construct<operations::gyro_delegate_t::constructor>(*impl_, in(sim::number_of(gyro), sensor_id, given));
+    sim::attach(*impl_, *impl_);
 }
 
 gyro_delegate_t::~gyro_delegate_t() {
-    impl_->feed->ignore(impl_->listener);
-    destroy(*impl_, "gyro_delegate_t::~gyro_delegate_t");
+    sim::destroy<operations::gyro_delegate_t::destructor>(*impl_);
+    sim::detach(*impl_);
     delete impl_;
 }
 

@@ -1,26 +1,17 @@
-// The library's side of hal::gyro_t, shared by the delegates and alarms that work through it.
+// What the classes that work through a hal::gyro_t share.
 #pragma once
 
 #include <functional>
-#include <memory>
-#include <string>
 
 #include "hal/gyro.h"
-#include "sim/device/sample_feed.h"
-#include "sim/library/object.h"
+#include "sim/calls/messages.h"
 
 namespace sim {
 
-struct GyroExtra : Object::Extra {
-    std::string firmware;
-    std::string irq_value;
-    std::shared_ptr<SampleFeed> feed;
-};
-
-std::shared_ptr<SampleFeed> feed_of(hal::gyro_t const& gyro);
+// For the calls of those who work through it.
+ObjectNumber number_of(hal::gyro_t const& gyro);
 
 // Calls a data callback of the program with a sample.
-void call(std::function<void(unsigned char, hal::cb_struct_te, void*)> const& function,
-          SampleFeed::Sample const& sample);
+void call_with(std::function<void(unsigned char, hal::cb_struct_te, void*)> const& function, SampleData const& sample);
 
 }  // namespace sim

@@ -1,41 +1,38 @@
 // Orientation samples as floats and as angles. Pure arithmetic, called for each sample: not through the gate.
 #include "hal/quaternion.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "hal/gyro.h"
+#include "sim/core/yaw_pitch_roll.h"
 
 namespace hal {
 
 namespace {
 
-constexpr float kFixedPointOne = 16384.0F;
 constexpr double kDegreesPerRadian = 180.0 / 3.14159265358979323846;
+
+float from_fixed_point(int value) {
+    return static_cast<float>(value / sim::kQuaternionOne);
+}
 
 }  // namespace
 
 quaternion_float_t& quaternion_float_t::operator=(quaternion_s16_t const& sample) {
-    x = static_cast<float>(sample.x) / kFixedPointOne;
-    y = static_cast<float>(sample.y) / kFixedPointOne;
-    z = static_cast<float>(sample.z) / kFixedPointOne;
-    w = static_cast<float>(sample.w) / kFixedPointOne;
-    accuracy = static_cast<float>(sample.accuracy);
+    x = from_fixed_point(sample.x);
+    y = from_fixed_point(sample.y);
+    z = from_fixed_point(sample.z);
+    w = from_fixed_point(sample.w);
+    accuracy = from_fixed_point(sample.accuracy);
     return *this;
 }
 
 int gyro_t::quaternion_2_yaw_pitch_roll(quaternion_float_t const& quaternion, float* ypr, bool degrees) {
-    double const x = static_cast<double>(quaternion.x);
-    double const y = static_cast<double>(quaternion.y);
-    double const z = static_cast<double>(quaternion.z);
-    double const w = static_cast<double>(quaternion.w);
-    double const yaw = std::atan2(2 * (w * z + x * y), 1 - 2 * (y * y + z * z));
-    double const pitch = std::asin(std::clamp(2 * (w * y - z * x), -1.0, 1.0));
-    double const roll = std::atan2(2 * (w * x + y * z), 1 - 2 * (x * x + y * y));
+    sim::YawPitchRoll const angles =
+        sim::yaw_pitch_roll(static_cast<double>(quaternion.w), static_cast<double>(quaternion.x),
+                            static_cast<double>(quaternion.y), static_cast<double>(quaternion.z));
     double const unit = degrees ? kDegreesPerRadian : 1.0;
-    ypr[0] = static_cast<float>(yaw * unit);
-    ypr[1] = static_cast<float>(pitch * unit);
-    ypr[2] = static_cast<float>(roll * unit);
+    ypr[0] = static_cast<float>(angles.yaw * unit);
+    ypr[1] = static_cast<float>(angles.pitch * unit);
+    ypr[2] = static_cast<float>(angles.roll * unit);
     return 0;
 }
 

@@ -19,22 +19,28 @@ struct TableEntry {
 
 constexpr int kEntries = 6;
 
+// A step that no motor reaches, in maintenance mode neither.
+constexpr unsigned short kOutOfReach = Autofocus::kHighestStep + 1;
+
 // The nearer the focus, the further the lens is out.
 struct DeviceType {
     char const* name;
+    char const* number;           // in the menu
     unsigned short frequency_hz;  // resonance of its mirror
     TableEntry table[kEntries];
 };
 
+// The types differ in how far their lens looks; the longer it is, the heavier and slower the mirror before it.
 constexpr DeviceType kDeviceTypes[] = {
-    {"R47XXXX1", 183, {{1000, 100}, {500, 365}, {250, 895}, {120, 1795}, {80, 2475}, {65, 2900}}},
-    {"R47XXXX2", 176, {{1500, 100}, {700, 380}, {400, 800}, {220, 1500}, {150, 2190}, {110, 2900}}},
-    {"R47XXXX3", 158, {{3000, 100}, {1500, 340}, {800, 850}, {500, 1410}, {350, 2130}, {270, 2900}}},
+    {"R47XXXX1", "1", 183, {{1000, 100}, {500, 365}, {250, 895}, {120, 1795}, {80, 2475}, {65, 2900}}},
+    {"R47XXXX2", "2", 176, {{1500, 100}, {700, 380}, {400, 800}, {220, 1500}, {150, 2190}, {110, 2900}}},
+    {"R47XXXX3", "3", 158, {{3000, 100}, {1500, 340}, {800, 850}, {500, 1410}, {350, 2130}, {270, 2900}}},
 };
 
 DeviceType const* find_type(std::string const& name) {
-    auto const* const found = std::find_if(std::begin(kDeviceTypes), std::end(kDeviceTypes),
-                                           [&](DeviceType const& type) { return type.name == name; });
+    auto const* const found =
+        std::find_if(std::begin(kDeviceTypes), std::end(kDeviceTypes),
+                     [&](DeviceType const& type) { return name == type.name || name == type.number; });
     return found == std::end(kDeviceTypes) ? nullptr : found;
 }
 
@@ -70,10 +76,11 @@ unsigned short rounded(double value) {
 }  // namespace
 
 int Autofocus::set_device_type(std::string const& name) {
-    if (find_type(name) == nullptr) {
+    DeviceType const* const type = find_type(name);
+    if (type == nullptr) {
         return refuse(EINVAL);
     }
-    device_type_ = name;
+    device_type_ = type->name;
     return 0;
 }
 
@@ -81,42 +88,72 @@ void Autofocus::advance(Time now) {
     if (now <= now_) {
         return;
     }
-    if (module.present) {
-        move(now - now_);
-    }
+    move(now - now_);
     now_ = now;
     if (calibrated_at_ && now >= *calibrated_at_) {
         finish_calibration();
     }
 }
 
+void Autofocus::lose_power() {
+    powered_ = false;
+    target_ = position_;
+    without_motion_ = Duration(0);
+    homing_ = false;
+    calibrated_at_.reset();
+    frequency_hz_.reset();
+    raised_ = {};
+    doe_mode_ = hal::doe_mode_te::disabled;
+    doe_forced_ = false;
+    maintenance_ = false;
+}
+
+void Autofocus::gain_power() {
+    powered_ = true;
+    if (present_) {
+        reset();
+    }
+}
+
+void Autofocus::set_present(bool present) {
+    if (present == present_) {
+        return;
+    }
+    bool const powered = powered_;
+    present_ = present;
+    lose_power();  // also when it comes: what was set by hand meanwhile met nobody
+    if (powered) {
+        gain_power();
+    }
+}
+
 void Autofocus::move(Duration length) {
-    if (!moving()) {
+    if (!moving() || !powered_ || !present_) {
         return;
     }
     if (!module.motor_free) {
         without_motion_ += length;
         if (without_motion_ >= kStuckAfter) {
-            raised_.motor_stuck = true;
-            raised_.initialization_error = raised_.initialization_error != 0 || homing_;
-            homing_ = false;
-            target_ = position_;
+            find_stuck();
         }
         return;
     }
     double const way = kStepsPerSecond * std::chrono::duration<double>(length).count();
     position_ = position_ < target_ ? std::min(position_ + way, target_) : std::max(position_ - way, target_);
     without_motion_ = Duration(0);
-    homing_ = homing_ && moving();
+    homing_ = homing_ && position_ != target_;
 }
 
-void Autofocus::go_to(double target) {
-    target_ = target;
+void Autofocus::find_stuck() {
+    raised_.motor_stuck = true;
+    raised_.initialization_error = raised_.initialization_error != 0 || homing_;
+    homing_ = false;
+    target_ = position_;
     without_motion_ = Duration(0);
 }
 
 int Autofocus::answer() {
-    if (!module.present) {
+    if (!present_) {
         return refuse(ENODEV);
     }
     if (!module.link_up) {
@@ -131,19 +168,32 @@ int Autofocus::get_position(unsigned short& position) const {
     return 0;
 }
 
-int Autofocus::set_position(unsigned int position) {
+// 0, or why the motor cannot go there now.
+int Autofocus::check_position(unsigned int position) const {
     if (calibrating() || homing_) {
-        return refuse(EBUSY);
+        return EBUSY;
     }
     unsigned short min = 0;
     unsigned short max = 0;
     get_position_limits(min, max);
-    raised_.target_unreachable = position < min || position > max;
-    if (raised_.target_unreachable) {
-        return refuse(ERANGE);
+    return position < min || position > max ? ERANGE : 0;
+}
+
+int Autofocus::set_position(unsigned int position) {
+    int const refusal = check_position(position);
+    if (refusal != EBUSY) {
+        raised_.target_unreachable = refusal == ERANGE;
     }
-    go_to(position);
+    if (refusal != 0) {
+        return refuse(refusal);
+    }
+    target_ = position;
     return 0;
+}
+
+int Autofocus::put_position(unsigned int position) {
+    int const refusal = check_position(position);
+    return refusal == 0 ? set_position(position) : refuse(refusal);
 }
 
 int Autofocus::get_position_limits(unsigned short& min, unsigned short& max) const {
@@ -166,11 +216,9 @@ int Autofocus::set_position_mm(unsigned int position) {
     if (!module.table_filled || type == nullptr) {
         return refuse(ENODATA);
     }
-    if (position < type->table[kEntries - 1].mm || position > type->table[0].mm) {
-        raised_.target_unreachable = true;
-        return refuse(ERANGE);
-    }
-    return set_position(rounded(step_at(*type, position)));
+    bool const in_table = position >= type->table[kEntries - 1].mm && position <= type->table[0].mm;
+    unsigned short const step = in_table ? rounded(step_at(*type, position)) : kOutOfReach;
+    return set_position(step);
 }
 
 int Autofocus::get_position_limits_mm(std::string const& device_type, unsigned short& min, unsigned short& max) const {
@@ -193,8 +241,9 @@ int Autofocus::reset() {
     unsigned short min = 0;
     unsigned short max = 0;
     get_position_limits(min, max);
-    go_to(min);
-    homing_ = moving();
+    target_ = min;
+    // One that is there already has nothing to do; that a stuck one cannot move off and back again takes its time.
+    homing_ = position_ != target_ || !module.motor_free;
     return 0;
 }
 
@@ -241,7 +290,7 @@ int Autofocus::set_doe_mode(hal::doe_mode_te mode) {
 }
 
 bool Autofocus::doe_active(bool exposing) const {
-    return module.present && (doe_forced_ || (doe_mode_ == hal::doe_mode_te::off_by_trigger && !exposing));
+    return present_ && (doe_forced_ || (doe_mode_ == hal::doe_mode_te::off_by_trigger && !exposing));
 }
 
 void Autofocus::set_maintenance_mode(bool enabled) {
@@ -249,7 +298,7 @@ void Autofocus::set_maintenance_mode(bool enabled) {
     unsigned short min = 0;
     unsigned short max = 0;
     get_position_limits(min, max);
-    go_to(std::clamp<double>(target_, min, max));
+    target_ = std::clamp<double>(target_, min, max);
 }
 
 }  // namespace sim

@@ -19,6 +19,14 @@ bool PushButton::release() {
     return was_pressed;
 }
 
+bool Debounce::passes(bool closes, Duration lasts) {
+    if (lasts < time_ || closes == closed_) {
+        return false;
+    }
+    closed_ = closes;
+    return true;
+}
+
 void ButtonEvents::press(Time now, Records const& press_records) {
     pressed_at_ = now;
     due_.clear();
@@ -62,6 +70,11 @@ std::vector<ButtonEvents::Event> ButtonEvents::release(Time now, Records const& 
         events.push_back({false, static_cast<std::size_t>(fitting - release_records)});
     }
     return events;
+}
+
+void ButtonEvents::reset() {
+    pressed_at_.reset();
+    due_.clear();
 }
 
 }  // namespace sim

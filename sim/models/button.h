@@ -27,6 +27,21 @@ private:
     std::optional<Time> pressed_since_;
 };
 
+// What an observer sees of the contact: neither openings nor closings that are shorter than the debounce time.
+class Debounce {
+public:
+    explicit Debounce(Duration time) : time_(time) {}
+
+    // The contact moves, and stays so for `lasts`. Whether the observer sees it move.
+    bool passes(bool closes, Duration lasts);
+    // As at first: it takes the contact for open.
+    void reset() { closed_ = false; }
+
+private:
+    Duration time_;
+    bool closed_ = false;
+};
+
 // One observer's records and the events they make. A press shorter than the debounce time is not seen.
 class ButtonEvents {
 public:
@@ -52,6 +67,8 @@ public:
     std::vector<Event> advance(Time now);
     // The contact opens: press records that are still to fire up to now, then the release record that fits.
     std::vector<Event> release(Time now, Records const& release_records);
+    // Forgets the press.
+    void reset();
 
 private:
     struct Due {

@@ -13,6 +13,10 @@ using config_t = hal::dio_pin_config_t;
 using func_t = config_t::pin_func;
 using type_t = config_t::pin_type;
 
+bool exists(unsigned char pin) {
+    return pin < DigitalIo::kPins;
+}
+
 template <typename Enum>
 bool is_between(Enum value, Enum first, Enum last) {
     return value >= first && value <= last;
@@ -40,6 +44,11 @@ bool DigitalIo::Pin::is_input() const {
     return config.func != func_t::output && config.func != func_t::illumination_output;
 }
 
+bool DigitalIo::Pin::wire_active() const {
+    bool const active_level = config.type != type_t::npn;
+    return wire == active_level;
+}
+
 bool DigitalIo::Pin::turned_round() const {
     return config.invert != (config.config == config_t::pin_config::normally_closed);
 }
@@ -51,7 +60,7 @@ bool DigitalIo::Pin::signal(bool exposing) const {
         case func_t::illumination_output:
             return exposing;
         default:
-            return wire != turned_round();
+            return wire_active() != turned_round();
     }
 }
 
@@ -60,18 +69,17 @@ bool DigitalIo::Pin::value() const {
 }
 
 int DigitalIo::set_config(unsigned char pin, config_t const& config) {
-    if (pin >= kPins || !is_valid(config)) {
+    if (!exists(pin) || !is_valid(config)) {
         return refuse(EINVAL);
     }
-    Pin& configured = pins_[pin];
-    configured.config = config;
-    configured.timer.reset(timing_of(config), configured.signal(exposing_));
+    pins_[pin].config = config;
+    settle(pins_[pin]);
     settle_quadrature();
     return 0;
 }
 
 int DigitalIo::get_config(unsigned char pin, config_t& config) const {
-    if (pin >= kPins) {
+    if (!exists(pin)) {
         return refuse(EINVAL);
     }
     config = pins_[pin].config;
@@ -79,7 +87,7 @@ int DigitalIo::get_config(unsigned char pin, config_t& config) const {
 }
 
 int DigitalIo::set_value(unsigned char pin, bool value, Time now) {
-    if (pin >= kPins || pins_[pin].config.func != func_t::output) {
+    if (!exists(pin) || pins_[pin].config.func != func_t::output) {
         return refuse(EINVAL);
     }
     pins_[pin].command = value;
@@ -88,7 +96,7 @@ int DigitalIo::set_value(unsigned char pin, bool value, Time now) {
 }
 
 int DigitalIo::get_value(unsigned char pin, bool& value) const {
-    if (pin >= kPins) {
+    if (!exists(pin)) {
         return refuse(EINVAL);
     }
     value = powered_ && pins_[pin].value();
@@ -104,11 +112,26 @@ std::bitset<DigitalIo::kPins> DigitalIo::values() const {
 }
 
 void DigitalIo::set_powered(bool powered) {
+    if (powered == powered_) {
+        return;
+    }
     powered_ = powered;
+    for (Pin& pin : pins_) {
+        settle(pin);
+    }
     settle_quadrature();
 }
 
-unsigned int DigitalIo::drive(unsigned char pin, bool high, Time now) {
+void DigitalIo::lose_power() {
+    DigitalIo fresh;
+    for (unsigned char pin = 0; pin < kPins; ++pin) {
+        fresh.pins_[pin].wire = pins_[pin].wire;
+    }
+    fresh.set_powered(powered_);
+    *this = fresh;
+}
+
+unsigned int DigitalIo::drive(unsigned char pin, std::optional<bool> high, Time now) {
     pins_[pin].wire = high;
     return apply(pins_[pin], now);
 }
@@ -142,14 +165,33 @@ unsigned int DigitalIo::change() {
     return took_effect(*due, before);
 }
 
+void DigitalIo::settle(Pin& pin) {
+    pin.timer.reset(timing_of(pin.config), pin.signal(exposing_));
+}
+
+bool DigitalIo::repeats(DigitalIo const& earlier, Duration period) const {
+    auto const is_same = [&](Pin const& now, Pin const& then) { return now.timer.repeats(then.timer, period); };
+    return exposing_ == earlier.exposing_ && encoder_position_ == earlier.encoder_position_ &&
+           std::equal(pins_.begin(), pins_.end(), earlier.pins_.begin(), is_same);
+}
+
+void DigitalIo::postpone(Duration length) {
+    for (Pin& pin : pins_) {
+        pin.timer.postpone(length);
+    }
+}
+
 unsigned int DigitalIo::apply(Pin& pin, Time now) {
+    if (!powered_) {
+        return 0;
+    }
     bool const before = pin.value();
     pin.timer.set_signal(pin.signal(exposing_), now);
     return took_effect(pin, before);
 }
 
 unsigned int DigitalIo::took_effect(Pin const& pin, bool value_before) {
-    if (!powered_ || pin.value() == value_before) {
+    if (pin.value() == value_before) {
         return 0;
     }
     count_quadrature();
@@ -184,7 +226,7 @@ bool DigitalIo::first_value_of(func_t func) const {
 DigitalIo::Terminal DigitalIo::terminal(unsigned char number) const {
     Pin const& pin = pins_[number];
     if (pin.is_input()) {
-        return pin.wire ? Terminal::high : Terminal::low;
+        return !pin.wire ? Terminal::open : *pin.wire ? Terminal::high : Terminal::low;
     }
     if (!powered_) {
         return Terminal::open;

@@ -59,8 +59,12 @@ std::string make_firmware_image(FirmwareImage const& image) {
     return bytes + code;
 }
 
+bool begins_as_firmware_image(std::string_view bytes) {
+    return bytes.size() >= kHeaderSize && bytes.substr(0, kMagic.size()) == kMagic && get(bytes, 9, 1) == kProductId;
+}
+
 std::optional<FirmwareImage> read_firmware_image(std::string_view bytes) {
-    if (bytes.size() < kHeaderSize || bytes.substr(0, kMagic.size()) != kMagic || get(bytes, 9, 1) != kProductId) {
+    if (!begins_as_firmware_image(bytes)) {
         return std::nullopt;
     }
     auto const variant = static_cast<HubVariant>(bytes[8]);

@@ -19,6 +19,8 @@ struct FirmwareImage {
 // Layout, numbers little-endian: "R47HUBFW", variant (1), product id 0x89 (1), version (2), length of the code (4),
 // its CRC-32 (4), the code.
 std::string make_firmware_image(FirmwareImage const& image);
+// Whether the bytes begin as an image does, be it whole or not.
+bool begins_as_firmware_image(std::string_view bytes);
 // Nothing when the bytes are no whole, undamaged image.
 std::optional<FirmwareImage> read_firmware_image(std::string_view bytes);
 

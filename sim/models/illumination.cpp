@@ -2,9 +2,10 @@
 #include "sim/models/illumination.h"
 
 #include <algorithm>
+#include <bitset>
 #include <chrono>
 #include <cmath>
-#include <limits>
+#include <optional>
 
 #include "sim/models/refusal.h"
 
@@ -12,12 +13,17 @@ namespace sim {
 
 namespace {
 
+// Two stages, each of first order: the LEDs' board inside warms in minutes, the heavier housing in a quarter of an
+// hour.
 constexpr double kInnerTimeConstant = 120.0;  // s
 constexpr double kOuterTimeConstant = 600.0;  // s
-// Once this long has passed without a change nothing is left of the past, and no more needs to be reckoned.
-constexpr double kSettled = 20.0 * kOuterTimeConstant;
+// Full light is more than the module stands for good, so that its guard has something to do: in a room, 25 C, it passes
+// the off limit. The housing ends where it can still be touched.
+constexpr double kInnerRise = 80.0;  // K, of full light
+constexpr double kOuterRise = 30.0;  // K, of full light
 
-// The shorter the flash, the more current the light stands.
+// The shorter the flash, the more current the LEDs stand: their heat has about a millisecond's time to leave them. The
+// voltage of an LED hardly rises with its current, so its heat goes as its current does.
 constexpr unsigned int kLongestTripleFlash = 200;   // us
 constexpr unsigned int kLongestDoubleFlash = 1000;  // us
 
@@ -47,17 +53,69 @@ int set_temperature(double& variable, double temperature) {
     return 0;
 }
 
-double approach(double from, double to, double seconds, double time_constant) {
-    return to + (from - to) * std::exp(-seconds / time_constant);
+double in_seconds(Duration length) {
+    return std::chrono::duration<double>(length).count();
 }
 
-// Until a temperature on its way from `from` to `to` passes `mark`; infinite where it never does.
-double time_to_reach(double mark, double from, double to, double time_constant) {
-    double const share = (mark - to) / (from - to);
-    if (!(share > 0.0 && share <= 1.0)) {
-        return std::numeric_limits<double>::infinity();
+double approach(double from, double to, Duration length, double time_constant) {
+    return to + (from - to) * std::exp(-in_seconds(length) / time_constant);
+}
+
+double load_of(Warmth const& warmth, Heating const& heating) {
+    return warmth.too_hot && heating.guarded ? 0.0 : heating.load;
+}
+
+double inner_goal(Warmth const& warmth, Heating const& heating) {
+    return heating.ambient + load_of(warmth, heating) * kInnerRise;
+}
+
+// While it stays too hot, or does not become so.
+Warmth pass(Duration length, Warmth const& start, Heating const& heating) {
+    double const outer_goal = heating.ambient + load_of(start, heating) * kOuterRise;
+    return {approach(start.inside, inner_goal(start, heating), length, kInnerTimeConstant),
+            approach(start.outside, outer_goal, length, kOuterTimeConstant), start.too_hot};
+}
+
+double next_mark(Warmth const& start, Heating const& heating) {
+    return start.too_hot ? heating.back : heating.off;
+}
+
+// Until it becomes too hot, or is so no more; nothing where that never comes.
+std::optional<Duration> time_to_turn(Warmth const& start, Heating const& heating) {
+    double const goal = inner_goal(start, heating);
+    double const share = (next_mark(start, heating) - goal) / (start.inside - goal);
+    if (!(share > 0.0 && share < 1.0)) {
+        return std::nullopt;
     }
-    return -time_constant * std::log(share);
+    std::chrono::duration<double> const time(-kInnerTimeConstant * std::log(share));
+    return std::chrono::ceil<Duration>(time);
+}
+
+// As it is then: on the mark exactly, so that each round of turns is like the last.
+Warmth turned(Duration length, Warmth const& start, Heating const& heating) {
+    return {next_mark(start, heating), pass(length, start, heating).outside, !start.too_hot};
+}
+
+// The light that goes off and comes back without end: as many whole rounds at once as `left` holds. At its start it has
+// just turned.
+Warmth skip_rounds(Duration& left, Warmth const& start, Heating const& heating) {
+    auto const first = time_to_turn(start, heating);
+    if (!first) {
+        return start;
+    }
+    Warmth const half = turned(*first, start, heating);
+    auto const second = time_to_turn(half, heating);
+    if (!second) {
+        return start;
+    }
+    Warmth const whole = turned(*second, half, heating);
+    Duration const round = *first + *second;
+    auto const rounds = left / round;
+    left -= rounds * round;
+    // Outside, each round leaves the same share of the difference to where all of them lead.
+    double const share = std::exp(-in_seconds(round) / kOuterTimeConstant);
+    double const goal = (whole.outside - share * start.outside) / (1.0 - share);
+    return {start.inside, goal + (start.outside - goal) * std::pow(share, rounds), start.too_hot};
 }
 
 // The offset of the first flag that is set, in order of gravity; 0 where none is.
@@ -85,54 +143,62 @@ unsigned int gravest(hal::spot_flags const& flags) {
 
 }  // namespace
 
+Warmth after(Duration length, Warmth const& start, Heating const& heating) {
+    Duration left = length;
+    Warmth warmth = start;
+    for (auto next = time_to_turn(warmth, heating); next && *next <= left; next = time_to_turn(warmth, heating)) {
+        warmth = turned(*next, warmth, heating);
+        left -= *next;
+        warmth = skip_rounds(left, warmth, heating);
+    }
+    return pass(left, warmth, heating);
+}
+
 void Illumination::advance(Time now, ExposureSignal const& signal) {
     signal_ = signal;
     if (now <= now_) {
         return;
     }
-    double rest = std::min(std::chrono::duration<double>(now - now_).count(), kSettled);
+    // Whatever was set since the last call has been so from then on.
+    if (!(heating() == course_heating_)) {
+        begin_course();
+    }
     now_ = now;
-    watch_temperature();
-    while (rest > 0.0) {
-        double const mark = too_hot_ ? light_again() : ot_off_limit();
-        double const goal = ambient_ + load() * kFullLoadRise;
-        double const change = time_to_reach(mark, inside_, goal, kInnerTimeConstant);
-        pass(std::min(rest, change));
-        if (change < rest) {
-            inside_ = mark;  // exactly, whatever the reckoning left over
-            watch_temperature();
-        }
-        rest -= change;
-    }
-    watch_temperature();
+    warmth_ = after(now_ - course_began_, course_start_, course_heating_);
 }
 
-void Illumination::pass(double seconds) {
-    double const heat = load();
-    inside_ = approach(inside_, ambient_ + heat * kFullLoadRise, seconds, kInnerTimeConstant);
-    outside_ = approach(outside_, ambient_ + heat * kFullLoadOuterRise, seconds, kOuterTimeConstant);
+Heating Illumination::heating() const {
+    double const off = ot_off_limit();
+    return {light() * overdrive() * duty(), ambient_, off, off - limit_ot_decrease(), guards_.over_temperature != 0};
 }
 
-double Illumination::light_again() const {
-    return static_cast<double>(ot_off_limit()) - limit_ot_decrease();
+void Illumination::begin_course() {
+    course_began_ = now_;
+    course_start_ = warmth_;
+    course_heating_ = heating();
 }
 
-void Illumination::watch_temperature() {
-    if (inside_ >= ot_off_limit()) {
-        too_hot_ = true;
-    } else if (inside_ <= light_again()) {
-        too_hot_ = false;
-    }
+// By the limits, once these or the temperature were set.
+void Illumination::judge_warmth() {
+    Heating const limits = heating();
+    warmth_.too_hot = warmth_.inside >= limits.off || (warmth_.too_hot && warmth_.inside > limits.back);
+    begin_course();
 }
 
 int Illumination::set_internal_temperature(double temperature) {
-    int const status = set_temperature(inside_, temperature);
-    watch_temperature();
-    return status;
+    if (set_temperature(warmth_.inside, temperature) != 0) {
+        return -1;
+    }
+    judge_warmth();
+    return 0;
 }
 
 int Illumination::set_external_temperature(double temperature) {
-    return set_temperature(outside_, temperature);
+    if (set_temperature(warmth_.outside, temperature) != 0) {
+        return -1;
+    }
+    begin_course();
+    return 0;
 }
 
 int Illumination::set_ambient_temperature(double temperature) {
@@ -157,15 +223,42 @@ Limits const& Illumination::limits_of(Setting setting) {
 }
 
 int Illumination::put(Setting setting, unsigned int value) {
-    return write(settings_[static_cast<std::size_t>(setting)], value, limits_of(setting));
+    if (write(settings_[static_cast<std::size_t>(setting)], value, limits_of(setting)) != 0) {
+        return -1;
+    }
+    judge_warmth();
+    return 0;
 }
 
 int Illumination::put_protected(Setting setting, unsigned int value) {
     return write_protected_ ? refuse(EPERM) : put(setting, value);
 }
 
+void Illumination::lose_power() {
+    Illumination fresh;
+    fresh.module = module;
+    fresh.disturbances = disturbances;
+    fresh.now_ = now_;
+    for (Setting const kept : {Setting::dc_limit, Setting::flash_limit, Setting::ot_off_limit, Setting::ot_decrease}) {
+        fresh.settings_[static_cast<std::size_t>(kept)] = setting(kept);
+    }
+    fresh.guards_ = guards_;
+    fresh.present_ = present_;
+    fresh.ambient_ = ambient_;
+    fresh.warmth_ = warmth_;
+    fresh.begin_course();
+    *this = fresh;
+}
+
+void Illumination::set_present(bool present) {
+    if (present != present_) {
+        present_ = present;
+        lose_power();  // also when it comes: what was set by hand meanwhile met nobody
+    }
+}
+
 int Illumination::answer() const {
-    return module.present ? 0 : refuse(ENODEV);
+    return present_ ? 0 : refuse(ENODEV);
 }
 
 int Illumination::set_pattern(hal::light_pattern_te pattern) {
@@ -274,40 +367,33 @@ unsigned int Illumination::overdrive() const {
     return flash_time_ > kLongestTripleFlash ? 2 : 3;
 }
 
-bool Illumination::lit() const {
-    bool const any = brightness() + colours() > 0;
-    bool const switched_off = too_hot_ && guards_.over_temperature != 0;
-    return module.present && mode_ == hal::illumination_mode_te::active && segments() != 0 && any && !switched_off;
-}
-
-// Percent, of the three together.
-unsigned int Illumination::colours() const {
-    return setting(Setting::red) + setting(Setting::green) + setting(Setting::blue);
-}
-
-// White and colours share one supply: together they cannot make more heat than full white.
-double Illumination::load() const {
-    if (!lit()) {
+// The share of full light that it is told to give, 0-1: white and colours share one supply.
+double Illumination::light() const {
+    if (!present_ || mode_ != hal::illumination_mode_te::active) {
         return 0.0;
     }
     unsigned int const limit = flashing() ? flash_brightness_limit() : dc_brightness_limit();
     double const highest = static_cast<double>(limit) / kBrightnessLimits.max;
     double const white = std::min(highest, static_cast<double>(brightness()) / kBrightnessLimits.max);
-    double const sum = colours();
-    double const coloured = module.rgbw ? std::min(highest, sum / (kColours * kColourLimits.max)) : 0.0;
-    unsigned int on = 0;
-    for (unsigned int mask = segments(); mask != 0; mask >>= 1) {
-        on += mask & 1;
-    }
-    double const light = std::min(1.0, white + coloured) * on / 4.0;
-    return std::min(1.0, light * overdrive() * duty());
+    double const percent = setting(Setting::red) + setting(Setting::green) + setting(Setting::blue);
+    double const coloured = module.rgbw ? std::min(highest, percent / (kColours * kColourLimits.max)) : 0.0;
+    auto const segments_on = static_cast<double>(std::bitset<kSegments>(segments()).count());
+    return std::min(1.0, white + coloured) * segments_on / kSegments;
+}
+
+bool Illumination::lit() const {
+    return light() > 0.0 && !switched_off();
+}
+
+double Illumination::load() const {
+    return load_of(warmth_, heating());
 }
 
 hal::spot_states Illumination::states() const {
     hal::spot_states states{};
     states.light_range = kLightRanges[overdrive() - 1];
     states.operating_mode = flashing() ? kFlashMode : kContinuousMode;
-    for (unsigned int i = 0; i < 4; ++i) {
+    for (unsigned int i = 0; i < kSegments; ++i) {
         states.segments[i] = lit() && (segments() >> i & 1) != 0;
     }
     return states;
@@ -320,7 +406,7 @@ hal::spot_flags Illumination::flags() const {
     flags.calibration_error = disturbances.calibration_error;
     flags.dvsc = disturbances.dvsc;
     flags.bc = disturbances.bc;
-    flags.over_temperature = too_hot_;
+    flags.over_temperature = warmth_.too_hot;
     // The next trigger comes before the flash has ended.
     flags.trigger_overflow = flashing() && lit() && signal_.rate * flash_time_ > 1e6;
     flags.general_error = gravest(flags) != 0;

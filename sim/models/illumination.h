@@ -6,6 +6,7 @@
 
 #include "hal/illumination.h"
 #include "sim/core/clock.h"
+#include "sim/models/exposure_signal.h"
 
 namespace sim {
 
@@ -16,36 +17,57 @@ struct Limits {
     unsigned int step;
 };
 
-// The exposure signal of the real-time unit.
-struct ExposureSignal {
-    double rate;           // Hz; 0: none comes
-    unsigned int time_us;  // of one exposure
+// How warm it is.
+struct Warmth {
+    double inside;   // C
+    double outside;  // C
+    bool too_hot;    // from the off limit until it has fallen by the decrease
 };
 
-// Time passes in advance() alone: call it before every other operation, and before the exposure signal changes.
-// Operations that return an int answer 0, or -1 and errno where they refuse; a refused value leaves the old one.
-// Units: brightness 0-14, colours in percent, temperatures in degrees Celsius.
+// What the warmth goes by while nothing changes.
+struct Heating {
+    double load;     // of the light while it is not switched off, as Illumination::load() has it
+    double ambient;  // C
+    double off;      // C, from which on it is too hot
+    double back;     // C, down to which it stays so
+    bool guarded;    // too hot, the light is switched off
+
+    friend bool operator==(Heating const& one, Heating const& other) {
+        return one.load == other.load && one.ambient == other.ambient && one.off == other.off &&
+               one.back == other.back && one.guarded == other.guarded;
+    }
+};
+
+// The warmth after `length` of one heating: exact, and at once for any length. It becomes too hot, and is so no more,
+// on the microsecond.
+Warmth after(Duration length, Warmth const& start, Heating const& heating);
+
+// Time passes in advance() alone: call it before every other operation, and before the exposure signal changes. How
+// often it is called changes nothing. Operations that return an int answer 0, or -1 and errno where they refuse; a
+// refused value leaves the old one. Units: brightness 0-14, colours in percent, temperatures in degrees Celsius.
 class Illumination {
 public:
-    static constexpr Limits kSegmentLimits{0, 15, 1};
+    static constexpr unsigned int kSegments = 4;
+    static constexpr Limits kSegmentLimits{0, (1U << kSegments) - 1, 1};
     static constexpr Limits kBrightnessLimits{0, 14, 1};
     static constexpr Limits kColourLimits{0, 100, 1};
-    static constexpr Limits kOffLimits{40, 100, 1};     // of the over-temperature off limit
-    static constexpr Limits kDecreaseLimits{1, 30, 1};  // of the fall that brings the light back
-    static constexpr Limits kFlashTimes{10, 10000, 1};  // us
-    static constexpr double kFullLoadRise = 80.0;       // K, inside, that full light ends at
-    static constexpr double kFullLoadOuterRise = 30.0;  // K, outside
+    // C, of the over-temperature off limit: above any workshop, below what spoils the LEDs.
+    static constexpr Limits kOffLimits{40, 100, 1};
+    // K, of the fall that brings the light back: so much that it does not flicker, and still above most workshops.
+    static constexpr Limits kDecreaseLimits{1, 30, 1};
+    // us: shorter the drivers do not switch; longer is no flash, for at 60 frames a second it is most of the time.
+    static constexpr Limits kFlashTimes{10, 10000, 1};
 
     enum Colour { red, green, blue, kColours };
     enum Led { red_led, green_led, alter_led, kLeds };
     // The settings that are numbers.
     enum class Setting { segments, brightness, red, green, blue, dc_limit, flash_limit, ot_off_limit, ot_decrease };
-    static constexpr double kColdest = -40.0;  // C, that a temperature can be set to
+    // C, that a temperature can be set to: what industrial parts stand.
+    static constexpr double kColdest = -40.0;
     static constexpr double kHottest = 125.0;
 
     // What the module is; set by hand.
     struct Module {
-        bool present = true;
         bool rgbw = true;  // otherwise white alone: it has no colours
     };
     // Flags that nothing in this model raises; set by hand.
@@ -63,6 +85,12 @@ public:
     // `signal` is what came since the last call.
     void advance(Time now, ExposureSignal const& signal);
 
+    // Forgets all but what the write protection covers, which the module keeps for good, and its temperatures.
+    void lose_power();
+
+    // By hand. It comes back as after power-on.
+    void set_present(bool present);
+    bool present() const { return present_; }
     // Whether the module is there at all: ENODEV. The operations below take that as given.
     int answer() const;
 
@@ -113,10 +141,10 @@ public:
 
     // Whether it gives light now, or would at the next trigger.
     bool lit() const;
-    // The heat that it makes, as a share of full light without a pause: 0-1.
+    // The heat that it makes: 1 is that of full light without a pause at the nominal current; 0-3.
     double load() const;
-    double internal_temperature() const { return inside_; }
-    double external_temperature() const { return outside_; }
+    double internal_temperature() const { return warmth_.inside; }
+    double external_temperature() const { return warmth_.outside; }
     double ambient_temperature() const { return ambient_; }
     // Put it to a temperature, from which it goes on by itself: EINVAL beyond kColdest and kHottest.
     int set_internal_temperature(double temperature);
@@ -125,14 +153,17 @@ public:
     int set_ambient_temperature(double temperature);
 
 private:
-    unsigned int colours() const;
+    static constexpr double kRoom = 25.0;  // C
+
     bool flashing() const;
+    bool switched_off() const { return warmth_.too_hot && guards_.over_temperature != 0; }
+    double light() const;
     double duty() const;
     unsigned int overdrive() const;
+    Heating heating() const;
     int put_protected(Setting setting, unsigned int value);
-    void pass(double seconds);
-    double light_again() const;  // C, at which a light that was too hot comes back
-    void watch_temperature();
+    void judge_warmth();
+    void begin_course();
 
     Time now_{0};
     ExposureSignal signal_{0.0, 0};
@@ -140,16 +171,20 @@ private:
     hal::illumination_mode_te mode_ = hal::illumination_mode_te::active;
     hal::exposure_mode exposure_mode_ = hal::exposure_mode::continuous;
     unsigned int flash_time_ = 0;  // us
-    // In the order of Setting.
+    // In the order of Setting. The light goes before the 90 C or so at which LEDs begin to age, and comes back 10 K
+    // below.
     std::array<unsigned int, 9> settings_{kSegmentLimits.max,    0,  0, 0, 0, kBrightnessLimits.max,
                                           kBrightnessLimits.max, 85, 10};
     bool leds_[kLeds] = {};
     bool write_protected_ = true;
     hal::illu_guards guards_{true, true, true, true};
-    double ambient_ = 25.0;
-    double inside_ = 25.0;
-    double outside_ = 25.0;
-    bool too_hot_ = false;  // from the off limit until the temperature has fallen by the decrease
+    bool present_ = true;
+    double ambient_ = kRoom;
+    Warmth warmth_{kRoom, kRoom, false};
+    // The warmth is always reckoned from where its present course began, so that no look at it adds up.
+    Time course_began_{0};
+    Warmth course_start_ = warmth_;
+    Heating course_heating_{};
 };
 
 }  // namespace sim

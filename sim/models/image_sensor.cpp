@@ -7,8 +7,10 @@ namespace sim {
 
 namespace {
 
-constexpr SensorFacts kImx296{hal::imx_te::imx296, "imx296", "/dev/imx296", 1456, 1088, 4, 480, 30, 15'500'000, 60};
-constexpr SensorFacts kImx567{hal::imx_te::imx567, "imx567", "/dev/imx567", 2472, 2064, 8, 480, 1, 100'000'000, 96};
+constexpr SensorFacts kImx296{hal::imx_te::imx296, Module::imx296, "imx296", "/dev/imx296", 1456, 1088, 4, 480,
+                              {30, 15'500'000, 60}};
+constexpr SensorFacts kImx567{hal::imx_te::imx567, Module::imx567, "imx567", "/dev/imx567", 2472, 2064, 8, 480,
+                              {1, 100'000'000, 96}};
 
 // The region keeps at least one cell of the grid.
 bool is_on_grid(unsigned int offset, unsigned int size, unsigned int grid) {
@@ -93,6 +95,14 @@ int ImageSensor::set_roi_offset(unsigned int x, unsigned int y) {
     roi_x_ = x;
     roi_y_ = y;
     return 0;
+}
+
+void ImageSensor::lose_power() {
+    gain_ = 0;
+    scan_mode_ = hal::roi_te::normal;
+    roi_x_ = 0;
+    roi_y_ = 0;
+    frames_ = 0;
 }
 
 int ImageSensor::get_frames(unsigned long& count) const {

@@ -4,23 +4,34 @@
 #include <array>
 
 #include "hal/types.h"
+#include "sim/models/module_info.h"
 
 namespace sim {
+
+// Rates and exposure times are whole numbers.
+constexpr unsigned int kLeastFps = 1;
+constexpr unsigned int kExposureStep = 1;  // of a rate and of an exposure time
+
+struct ExposureLimits {
+    unsigned int min_us;  // of one exposure
+    unsigned int max_us;
+    unsigned int max_fps;  // of the full array; the least is kLeastFps
+};
 
 // A type of sensor: how it is called, and what it can do.
 struct SensorFacts {
     hal::imx_te type;
+    Module module;
     char const* name;
     char const* node;    // the file by which programs find it
     unsigned int width;  // pixels
     unsigned int height;
-    unsigned int roi_grid;         // the region of interest begins at multiples of it, in pixels
-    unsigned int max_gain;         // tenths of a decibel; the least is 0
-    unsigned int min_exposure_us;  // both in steps of 1
-    unsigned int max_exposure_us;
-    unsigned int max_fps;  // of the full array; the least is 1
+    unsigned int roi_grid;  // the region of interest begins at multiples of it, in pixels
+    unsigned int max_gain;  // tenths of a decibel; the least is 0
+    ExposureLimits exposures;
 };
 
+// The one table of both: whatever names a sensor, finds its node or limits it, asks here.
 SensorFacts const& imx296_facts();
 SensorFacts const& imx567_facts();
 // Both, the one that counts where both are fitted first.
@@ -52,7 +63,9 @@ public:
     unsigned int roi_y() const { return roi_y_; }
     int set_roi_offset(unsigned int x, unsigned int y);
 
-    void take_frame() { ++frames_; }
+    // Forgets all but whether it sees colours.
+    void lose_power();
+    void take_frames(unsigned long count) { frames_ += count; }
     int get_frames(unsigned long& count) const;
     unsigned long frames() const { return frames_; }
 

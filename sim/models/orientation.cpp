@@ -4,11 +4,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "sim/core/yaw_pitch_roll.h"
+
 namespace sim {
 
 namespace {
 
-constexpr double kFixedPoint = 16384.0;
 constexpr double kDegree = 3.14159265358979323846 / 180.0;  // in radians
 
 Rotation product(Rotation const& a, Rotation const& b) {
@@ -48,6 +49,17 @@ Rotation between(Rotation const& from, Rotation const& to, double part) {
     return product(from, turn_around(way.x * scale, way.y * scale, way.z * scale));
 }
 
+// The direction upwards, in the device's own axes.
+struct Vertical {
+    double x;
+    double y;
+    double z;
+};
+
+Vertical vertical_of(Rotation const& r) {
+    return {2 * (r.x * r.z - r.w * r.y), 2 * (r.y * r.z + r.w * r.x), 1 - 2 * (r.x * r.x + r.y * r.y)};
+}
+
 // SplitMix64.
 std::uint64_t next_random(std::uint64_t& state) {
     std::uint64_t z = state += 0x9E3779B97F4A7C15U;
@@ -66,7 +78,7 @@ double next_normal(std::uint64_t& state) {
 }
 
 std::int16_t fixed_point(double value) {
-    return static_cast<std::int16_t>(std::lround(value * kFixedPoint));
+    return static_cast<std::int16_t>(std::lround(value * kQuaternionOne));
 }
 
 }  // namespace
@@ -79,19 +91,35 @@ Rotation rotation_of(Angles const& angles) {
 }
 
 Angles angles_of(Rotation const& r) {
-    double const sine = std::clamp(2 * (r.w * r.y - r.z * r.x), -1.0, 1.0);
-    return {std::atan2(2 * (r.w * r.z + r.x * r.y), 1 - 2 * (r.y * r.y + r.z * r.z)) / kDegree,
-            std::asin(sine) / kDegree,
-            std::atan2(2 * (r.w * r.x + r.y * r.z), 1 - 2 * (r.x * r.x + r.y * r.y)) / kDegree};
+    YawPitchRoll const angles = yaw_pitch_roll(r.w, r.x, r.y, r.z);
+    return {angles.yaw / kDegree, angles.pitch / kDegree, angles.roll / kDegree};
 }
 
 Rotation rotation_of(hal::quaternion_s16_t const& sample) {
-    return {sample.w / kFixedPoint, sample.x / kFixedPoint, sample.y / kFixedPoint, sample.z / kFixedPoint};
+    return {sample.w / kQuaternionOne, sample.x / kQuaternionOne, sample.y / kQuaternionOne, sample.z / kQuaternionOne};
 }
 
 double angle_between(Rotation const& one, Rotation const& other) {
     Rotation const way = product(inverse(one), other);
     return 2 * std::atan2(length(way.x, way.y, way.z), std::fabs(way.w)) / kDegree;
+}
+
+double tilt_between(Rotation const& one, Rotation const& other) {
+    Vertical const a = vertical_of(one);
+    Vertical const b = vertical_of(other);
+    double const cosine = a.x * b.x + a.y * b.y + a.z * b.z;
+    return std::acos(std::clamp(cosine, -1.0, 1.0)) / kDegree;
+}
+
+Edge lower_edge(Rotation const& rotation, double flat) {
+    Vertical const up = vertical_of(rotation);
+    if (std::hypot(up.x, up.y) <= std::sin(flat * kDegree)) {
+        return Edge::none;
+    }
+    if (std::fabs(up.x) > std::fabs(up.y)) {
+        return up.x < 0 ? Edge::front : Edge::back;
+    }
+    return up.y < 0 ? Edge::left : Edge::right;
 }
 
 bool Orientation::tilt(Angles const& target, Time now, Duration over) {
@@ -110,8 +138,11 @@ Rotation Orientation::at(Time now) const {
     if (now >= start_ + over_) {
         return to_;
     }
+    if (now <= start_) {
+        return from_;
+    }
     double const passed = static_cast<double>((now - start_).count());
-    return between(from_, to_, std::max(0.0, passed) / static_cast<double>(over_.count()));
+    return between(from_, to_, passed / static_cast<double>(over_.count()));
 }
 
 bool Orientation::set_noise(double degrees) {
@@ -122,16 +153,26 @@ bool Orientation::set_noise(double degrees) {
     return in_range;
 }
 
-hal::quaternion_s16_t Orientation::measure(Time now) const {
+bool Orientation::set_drift(double degrees_a_minute) {
+    bool const in_range = degrees_a_minute >= 0 && degrees_a_minute <= kMostDrift;
+    if (in_range) {
+        drift_ = degrees_a_minute;
+    }
+    return in_range;
+}
+
+hal::quaternion_s16_t Orientation::measure(Time now, Duration integrated) const {
     double const deviation = noise_ * kDegree;
     std::uint64_t random = seed_;
     random = next_random(random) ^ static_cast<std::uint64_t>(now.count());
     double const x = deviation * next_normal(random);
     double const y = deviation * next_normal(random);
     double const z = deviation * next_normal(random);
-    Rotation const measured = product(at(now), turn_around(x, y, z));
+    double const minutes = std::chrono::duration<double, std::ratio<60>>(integrated).count();
+    Rotation const heading = turn_around(0, 0, drift_ * kDegree * minutes);
+    Rotation const measured = product(heading, product(at(now), turn_around(x, y, z)));
     return {fixed_point(measured.x), fixed_point(measured.y), fixed_point(measured.z), fixed_point(measured.w),
-            static_cast<std::uint16_t>(std::lround(deviation * kFixedPoint))};
+            static_cast<std::uint16_t>(std::lround(deviation * kQuaternionOne))};
 }
 
 }  // namespace sim

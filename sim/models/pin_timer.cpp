@@ -26,6 +26,17 @@ void PinTimer::change() {
     set_state(!state_, now);
 }
 
+bool PinTimer::repeats(PinTimer const& earlier, Duration period) const {
+    bool const same_due = due_.has_value() == earlier.due_.has_value() && (!due_ || *due_ == *earlier.due_ + period);
+    return signal_ == earlier.signal_ && state_ == earlier.state_ && same_due;
+}
+
+void PinTimer::postpone(Duration length) {
+    if (due_) {
+        *due_ += length;
+    }
+}
+
 void PinTimer::follow_signal(Time now) {
     due_.reset();
     if (signal_ == state_) {

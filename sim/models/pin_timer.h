@@ -27,6 +27,11 @@ public:
     // Carries that change out.
     void change();
 
+    // Whether it is what `earlier` was a period ago: the same follows at the same distance.
+    bool repeats(PinTimer const& earlier, Duration period) const;
+    // What is due comes so much later.
+    void postpone(Duration length);
+
 private:
     void follow_signal(Time now);
     void set_state(bool state, Time now);

@@ -14,10 +14,20 @@ constexpr double kDegree = 3.14159265358979323846 / 180.0;
 constexpr double kDiagonalView = 63.0;      // degrees
 constexpr double kFarthest = 4000.0;        // mm
 constexpr double kNearest = 20.0;           // mm
-constexpr std::uint32_t kSpads = 256;       // enabled for each zone
-constexpr double kSignalAtOneMetre = 40.0;  // kcps/SPAD, of a target that reflects all
-constexpr double kWeakSignal = 2.0;         // kcps/SPAD, below which the result is half-confident
-constexpr double kLostSignal = 0.2;         // and below which there is none
+constexpr std::uint32_t kSpads = 256;       // of a zone of the coarse grid, or of the four in its place of the fine one
+constexpr double kSignalAtOneMetre = 40.0;  // kcps/SPAD, of a target that reflects all; falls with the distance squared
+// How far the light pulse reaches, there and back: some 3 ns. Each count tells the distance to within this; their mean
+// does so better by the root of their number.
+constexpr double kPulse = 500.0;  // mm
+// Of the signal to its noise. Below the first a result is half-confident; below the second there is none, so that no
+// zone ever takes noise for a target.
+constexpr double kClear = 20.0;
+constexpr double kDrowned = 10.0;
+
+// Of the cross-talk calibration.
+constexpr auto kSetup = std::chrono::milliseconds(500);
+constexpr auto kPerSample = std::chrono::milliseconds(500);
+constexpr double kTolerance = 0.1;  // of its target's distance and reflectance, as a share: set up by hand
 
 constexpr std::uint8_t kValid = 5;
 constexpr std::uint8_t kHalfConfident = 9;
@@ -52,36 +62,46 @@ int check(T value, int min, int max) {
 }
 
 bool about(double value, double wanted) {
-    return std::abs(value - wanted) <= wanted / 10.0;
-}
-
-int side_of(hal::tof_t::Resolution resolution) {
-    return resolution == hal::tof_t::Resolution::zones_8x8 ? 8 : 4;
+    return std::abs(value - wanted) <= wanted * kTolerance;
 }
 
 }  // namespace
 
+void Ranging::lose_power() {
+    resolution_ = Resolution::zones_4x4;
+    frequency_hz_ = 1;
+    mode_ = RangingMode::autonomous;
+    integration_ms_ = 5;
+    power_ = PowerMode::wakeup;
+    compensated_ = false;
+}
+
+template <typename T>
+int Ranging::set(T& setting, T value, bool legal) {
+    return legal && asleep() ? failed(kError) : write(setting, value, legal);
+}
+
 int Ranging::set_resolution(Resolution resolution) {
     bool const legal = resolution == Resolution::zones_4x4 || resolution == Resolution::zones_8x8;
-    int const status = write(resolution_, resolution, legal);
+    int const status = set(resolution_, resolution, legal);
     frequency_hz_ = std::min(frequency_hz_, highest_frequency());
     return status;
 }
 
 unsigned char Ranging::highest_frequency() const {
-    return resolution_ == Resolution::zones_8x8 ? 15 : 60;
+    return fine() ? 15 : 60;
 }
 
 int Ranging::set_frequency(unsigned char hz) {
-    return write(frequency_hz_, hz, hz >= 1 && hz <= highest_frequency());
+    return set(frequency_hz_, hz, hz >= 1 && hz <= highest_frequency());
 }
 
 int Ranging::set_ranging_mode(RangingMode mode) {
-    return write(mode_, mode, mode == RangingMode::continuous || mode == RangingMode::autonomous);
+    return set(mode_, mode, mode == RangingMode::continuous || mode == RangingMode::autonomous);
 }
 
 int Ranging::set_integration_time(unsigned int ms) {
-    return write(integration_ms_, ms, ms >= 2 && ms <= 1000);
+    return set(integration_ms_, ms, ms >= 2 && ms <= 1000);
 }
 
 int Ranging::set_power_mode(PowerMode mode) {
@@ -100,14 +120,23 @@ int Ranging::check_distance(unsigned short mm) {
     return check(mm, 600, 3000);
 }
 
-// A frame comes at the frequency, unless its integrations take longer: one at 4x4, four at 8x8.
+// The fine grid is measured a quarter at a time.
+int Ranging::integrations() const {
+    return fine() ? 4 : 1;
+}
+
+Duration Ranging::period() const {
+    return Duration(std::chrono::seconds(1)) / frequency_hz_;
+}
+
+// A frame comes at the frequency, unless its integrations take longer.
 Duration Ranging::frame_time() const {
-    Duration const period = Duration(std::chrono::seconds(1)) / frequency_hz_;
-    if (mode_ == RangingMode::continuous) {
-        return period;
-    }
-    int const integrations = resolution_ == Resolution::zones_8x8 ? 4 : 1;
-    return std::max(period, Duration(std::chrono::milliseconds(integration_ms_)) * integrations);
+    return std::max(period(), exposure() * integrations());
+}
+
+// For how long a zone gathers light: the continuous mode does so all the time.
+Duration Ranging::exposure() const {
+    return mode_ == RangingMode::continuous ? period() / integrations() : std::chrono::milliseconds(integration_ms_);
 }
 
 Duration Ranging::shot_time(unsigned int measurements) const {
@@ -120,7 +149,7 @@ int Ranging::shot(unsigned int measurements, VL53L5CX_ResultsData& results) {
     }
     results = {};
     results.silicon_temp_degc = static_cast<std::int8_t>(std::lround(temperature_));
-    int const side = side_of(resolution_);
+    int const side = fine() ? 8 : 4;
     double const half_width = std::tan(kDiagonalView / 2.0 * kDegree) / std::sqrt(2.0);
     unsigned int zone = 0;
     for (int row = 0; row < side; ++row) {
@@ -135,8 +164,9 @@ int Ranging::shot(unsigned int measurements, VL53L5CX_ResultsData& results) {
 
 void Ranging::measure(double right, double down, unsigned int measurements, unsigned int zone,
                       VL53L5CX_ResultsData& results) {
+    std::uint32_t const spads = fine() ? kSpads / 4 : kSpads;
     results.ambient_per_spad[zone] = static_cast<std::uint32_t>(std::lround(ambient_));
-    results.nb_spads_enabled[zone] = kSpads;
+    results.nb_spads_enabled[zone] = spads;
     results.target_status[zone] = kNoTarget;
     auto const target = scene_.look(right, down);
     double const deviate = next_deviate();  // also where there is no target: the other zones must not depend on that
@@ -145,13 +175,13 @@ void Ranging::measure(double right, double down, unsigned int measurements, unsi
     }
     double const metres = target->distance_mm / 1000.0;
     double const signal = kSignalAtOneMetre * target->reflectance / 100.0 / (metres * metres);
-    if (signal < kLostSignal) {
+    // Light comes in counts, whose noise is their root; that of the surroundings is noise alone.
+    double const gathering = spads * std::chrono::duration<double, std::milli>(exposure()).count();  // SPAD * ms
+    double const clearness = signal * std::sqrt(gathering / (signal + ambient_));
+    if (clearness < kDrowned) {
         return;
     }
-    // The continuous mode integrates all the time; the autonomous one gains with its integration time.
-    double const exposure = mode_ == RangingMode::continuous ? 20.0 : integration_ms_;
-    double const usual = 1.0 + 2.0 * metres + 4.0 / std::sqrt(signal * exposure);
-    double const sigma = usual * noise_ / std::sqrt(measurements);
+    double const sigma = noise_ * kPulse / clearness / std::sqrt(measurements);
     double const pull = compensated_ ? 0.0 : crosstalk_ / 100.0 * target->distance_mm / kFarthest;
     double const distance = target->distance_mm * (1.0 - pull) + deviate * sigma;
     results.nb_target_detected[zone] = 1;
@@ -159,7 +189,7 @@ void Ranging::measure(double right, double down, unsigned int measurements, unsi
     results.range_sigma_mm[zone] = static_cast<std::uint16_t>(std::lround(sigma));
     results.distance_mm[zone] = static_cast<std::int16_t>(std::lround(std::clamp(distance, 0.0, kFarthest)));
     results.reflectance[zone] = static_cast<std::uint8_t>(std::lround(target->reflectance));
-    results.target_status[zone] = signal < kWeakSignal ? kHalfConfident : kValid;
+    results.target_status[zone] = clearness < kClear ? kHalfConfident : kValid;
 }
 
 // About normal, by hand: the library's distributions differ from host to host.
@@ -172,7 +202,7 @@ double Ranging::next_deviate() {
 }
 
 Duration Ranging::calibration_time(Calibration const& calibration) const {
-    return asleep() ? Duration(0) : std::chrono::milliseconds(500) * (1 + calibration.samples);
+    return asleep() ? Duration(0) : kSetup + kPerSample * calibration.samples;
 }
 
 int Ranging::calibrate_crosstalk(Calibration const& calibration) {

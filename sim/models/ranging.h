@@ -28,7 +28,8 @@ public:
         unsigned short distance_mm = 600;
     };
 
-    // A frequency that the new resolution does not allow falls to the highest that it does.
+    // While the sensor sleeps it refuses a legal setting as it does a measurement; but for the power mode, which wakes
+    // it. A frequency that the new resolution does not allow falls to the highest that it does.
     int set_resolution(Resolution resolution);
     Resolution resolution() const { return resolution_; }
     int set_frequency(unsigned char hz);
@@ -44,10 +45,14 @@ public:
     static int check_samples(unsigned char samples);
     static int check_distance(unsigned short mm);
 
+    // Forgets what it was told, and what a calibration found: the sensor has no memory of its own.
+    void lose_power();
+
     // Blocking operations come in two: how long it takes, then, once that has passed, what comes of it.
     // While the sensor sleeps it refuses them at once.
     Duration shot_time(unsigned int measurements) const;
-    // The mean of so many measurements; 0 counts as 1, and no more than kMostMeasurements are made.
+    // The mean of so many measurements; 0 counts as 1, and no more than kMostMeasurements are made. With 64 zones each
+    // has a quarter of the SPADs and of the light; light of the surroundings is noise: both cost exactness and reach.
     int shot(unsigned int measurements, VL53L5CX_ResultsData& results);
     Duration calibration_time(Calibration const& calibration) const;
     // Needs a flat target of that reflectance at that distance, each within a tenth.
@@ -64,13 +69,14 @@ public:
         double min;
         double max;
     };
-    static constexpr Range kPullRange{0.0, 50.0};            // percent
-    static constexpr Range kNoiseRange{0.0, 100.0};          // times the usual
-    static constexpr Range kAmbientRange{0.0, 10000.0};      // kcps/SPAD
-    static constexpr Range kTemperatureRange{-40.0, 125.0};  // C
+    static constexpr Range kPullRange{0.0, 50.0};        // percent; a dirtier cover would be seen as a target itself
+    static constexpr Range kNoiseRange{0.0, 100.0};      // times the usual; more than that is no measurement
+    static constexpr Range kAmbientRange{0.0, 10000.0};  // kcps/SPAD; no SPAD counts faster
+    static constexpr Range kTemperatureRange{-40.0, 125.0};  // C, that industrial parts stand
 
     // Whether a calibration took the cover's cross-talk away.
     bool crosstalk_compensated() const { return compensated_; }
+    void set_crosstalk_compensated(bool compensated) { compensated_ = compensated; }
     // Percent by which the cover pulls a target at 4 m nearer.
     double crosstalk_pull() const { return crosstalk_; }
     int set_crosstalk_pull(double percent);
@@ -86,11 +92,17 @@ public:
     double temperature() const { return temperature_; }
     int set_temperature(double temperature);
 
-    static constexpr unsigned int kMostMeasurements = 32;
+    static constexpr unsigned int kMostMeasurements = 32;  // half a minute of frames at 1 Hz
 
 private:
     bool asleep() const { return power_ == PowerMode::sleep; }
+    template <typename T>
+    int set(T& setting, T value, bool legal);
+    bool fine() const { return resolution_ == Resolution::zones_8x8; }
+    int integrations() const;
+    Duration period() const;
     Duration frame_time() const;
+    Duration exposure() const;
     unsigned char highest_frequency() const;
     double next_deviate();
     void measure(double right, double down, unsigned int measurements, unsigned int zone,
@@ -105,10 +117,10 @@ private:
 
     Scene scene_;
     bool emitter_healthy_ = true;
-    double noise_ = 1.0;      // times the usual
-    double crosstalk_ = 2.0;  // percent by which the cover pulls a target at 4 m nearer
-    double ambient_ = 10.0;   // kcps/SPAD
-    double temperature_ = 30.0;
+    double noise_ = 1.0;         // times the usual
+    double crosstalk_ = 2.0;     // percent by which the cover, a clean one, pulls a target at 4 m nearer
+    double ambient_ = 10.0;      // kcps/SPAD, of a lit workshop
+    double temperature_ = 30.0;  // C, a little above the room's
     std::uint32_t seed_ = 1;
     std::mt19937 random_{1};
 };

@@ -11,8 +11,10 @@ namespace {
 
 constexpr double kDegree = 3.14159265358979323846 / 180.0;
 constexpr double kFarthest = 10000.0;  // mm, further than the sensor sees
-constexpr double kSteepest = 60.0;     // degrees
-constexpr double kHoleSlope = 0.15;    // half the width of the hole at the distance of 1
+constexpr double kSteepest = 60.0;     // degrees; beyond, most of the sensor's rays would miss the plane
+// Half the width of the hole at the distance of 1: the coarse grid and the fine one see it in the four zones in their
+// middle.
+constexpr double kHoleSlope = 0.15;
 
 bool is_distance(double mm) {
     return mm > 0.0 && mm <= kFarthest;
@@ -30,7 +32,9 @@ std::optional<Scene> Scene::of(Scene const& scene) {
 }
 
 Scene Scene::nothing() {
-    return {Shape::nothing, 0.0, 0.0, 0.0, kUsualReflectance};
+    Scene scene;
+    scene.shape_ = Shape::nothing;
+    return scene;
 }
 
 std::optional<Scene> Scene::plane(double mm, double reflectance) {
@@ -108,7 +112,7 @@ std::optional<Target> Scene::look(double right, double down) const {
 }
 
 std::optional<Target> Scene::flat() const {
-    return shape_ == Shape::plane ? look(0.0, 0.0) : std::nullopt;
+    return shape_ == Shape::plane ? std::optional<Target>({first_, reflectance_}) : std::nullopt;
 }
 
 }  // namespace sim

@@ -15,7 +15,7 @@ struct Target {
 // A scene of one shape. Rays are given by the slopes of their direction against the sensor's axis: right and down.
 class Scene {
 public:
-    static constexpr double kUsualReflectance = 50.0;  // percent
+    static constexpr double kUsualReflectance = 50.0;  // percent, of a grey wall
 
     // A plane at 800 mm.
     Scene() = default;
@@ -50,7 +50,7 @@ private:
     static std::optional<Scene> of(Scene const& scene);
 
     Shape shape_ = Shape::plane;
-    double first_ = 800.0;  // mm
+    double first_ = 800.0;  // mm, well within the reach of every setting of the sensor
     double second_ = 0.0;   // degrees of yaw, mm
     double third_ = 0.0;    // degrees of pitch
     double reflectance_ = kUsualReflectance;

@@ -8,7 +8,6 @@
 
 #include "sim/core/numbers.h"
 #include "sim/models/refusal.h"
-#include "sim/models/sensor_catalogue.h"
 
 namespace sim {
 
@@ -24,24 +23,35 @@ constexpr std::uint8_t kHostInterfaceReady = 1U << 4U;
 constexpr std::uint8_t kFirmwareVerified = 1U << 5U;
 constexpr std::uint8_t kVerifyError = 1U << 6U;
 constexpr std::uint8_t kIdle = 1U << 7U;
-constexpr std::uint8_t kAsserted = 1U << 0U;
-constexpr std::uint8_t kResetOrFault = 1U << 7U;
+constexpr unsigned int kAsserted = 1U << 0U;
+constexpr unsigned int kWakeUpFifo = 1;     // where its two bits begin
+constexpr unsigned int kNonWakeUpFifo = 3;  // the same
+constexpr unsigned int kResetOrFault = 1U << 7U;
+
+// Why a FIFO interrupts: its two bits.
+constexpr unsigned int kAtOnce = 1;
+constexpr unsigned int kLatencyOver = 2;
+constexpr unsigned int kFull = 3;
+constexpr unsigned int kFifoBits = 3;
+
+// After which a device counts as stationary: by the sensor's definition.
+constexpr Duration kRest = std::chrono::seconds(5);
 
 struct Flag {
-    std::uint8_t bit;
     char const* set;
     char const* clear;
 };
 
+// Bit by bit.
 constexpr std::array<Flag, 8> kControlFlags{{
-    {0x01, "wake-up FIFO off", "wake-up FIFO on"},
-    {0x02, "non-wake-up FIFO off", "non-wake-up FIFO on"},
-    {0x04, "status FIFO off", "status FIFO on"},
-    {0x08, "debug off", "debug on"},
-    {0x10, "fault off", "fault on"},
-    {0x20, "active low", "active high"},
-    {0x40, "edge", "level"},
-    {0x80, "open drain", "push-pull"},
+    {"wake-up FIFO off", "wake-up FIFO on"},
+    {"non-wake-up FIFO off", "non-wake-up FIFO on"},
+    {"status FIFO off", "status FIFO on"},
+    {"debug off", "debug on"},
+    {"fault off", "fault on"},
+    {"active low", "active high"},
+    {"edge", "level"},
+    {"open drain", "push-pull"},
 }};
 
 template <typename... Args>
@@ -63,8 +73,7 @@ std::string hex(unsigned int value) {
     return line("0x%02X", value);
 }
 
-template <typename Float>
-std::string rate_text(Float rate) {
+std::string rate_text(double rate) {
     return number_text(rate) + " Hz";
 }
 
@@ -81,12 +90,47 @@ int not_running(std::string& report) {
 }  // namespace
 
 Time SensorHub::Activity::sample_time(std::uint64_t number) const {
-    return start + Duration(std::llround(1e6 * static_cast<double>(number) / static_cast<double>(rate)));
+    return start + Duration(std::llround(1e6 * static_cast<double>(number) / rate));
+}
+
+// When the FIFO has no room for more, if every period until then brings something.
+Time SensorHub::Activity::full_time() const {
+    return sample_time(taken - pending.size() + kFifoSamples);
 }
 
 Time SensorHub::Activity::delivery_time() const {
-    std::uint64_t const first = taken - pending.size() + 1;
-    return std::min(sample_time(first) + std::chrono::milliseconds(latency_ms), sample_time(first + kFifoSamples - 1));
+    Time const first = pending.empty() ? sample_time(taken + 1) : pending.front().taken;
+    return std::min(first + std::chrono::milliseconds(latency_ms), full_time());
+}
+
+Time SensorHub::Activity::delivery_time(std::uint64_t so_many) const {
+    return std::min(sample_time(so_many + 1) + std::chrono::milliseconds(latency_ms),
+                    sample_time(so_many + kFifoSamples));
+}
+
+std::uint64_t SensorHub::Activity::due_until(Time time) const {
+    if (time < start) {
+        return 0;
+    }
+    auto number = static_cast<std::uint64_t>(static_cast<double>((time - start).count()) * 1e-6 * rate);
+    while (sample_time(number + 1) <= time) {
+        ++number;
+    }
+    while (number > 0 && sample_time(number) > time) {
+        --number;
+    }
+    return number;
+}
+
+bool SensorHub::Activity::delivers_singly() const {
+    return 1e6 / rate > 1e3 * latency_ms + 1;  // more than what rounding moves
+}
+
+void SensorHub::Activity::pass(std::uint64_t number) {
+    while (!pending.empty() && delivered() < number) {
+        pending.pop_front();
+    }
+    taken = std::max(taken, number);
 }
 
 void SensorHub::reset() {
@@ -94,6 +138,7 @@ void SensorHub::reset() {
     active_.clear();
     verify_error_ = false;
     reset_seen_ = false;
+    read_interrupt();
 }
 
 int SensorHub::boot(std::optional<std::string> const& image) {
@@ -101,7 +146,11 @@ int SensorHub::boot(std::optional<std::string> const& image) {
     if (!image) {
         return refuse(ENOENT);
     }
-    image_ = read_firmware_image(*image);
+    std::string bytes = *image;
+    if (damages_images_ && !bytes.empty()) {
+        bytes.back() = static_cast<char>(bytes.back() ^ 1);
+    }
+    image_ = read_firmware_image(bytes);
     verify_error_ = !image_;
     return image_ ? 0 : refuse(EBADMSG);
 }
@@ -110,14 +159,14 @@ int SensorHub::upload(std::optional<std::string> const& image) {
     if (!image) {
         return refuse(ENOENT);
     }
-    return read_firmware_image(*image) ? boot(image) : refuse(EBADMSG);
+    return begins_as_firmware_image(*image) ? boot(image) : refuse(EBADMSG);
 }
 
 int SensorHub::install_callbacks() {
     if (!running()) {
         return refuse(EIO);
     }
-    callbacks_installed_ = true;
+    ++callback_users_;
     return 0;
 }
 
@@ -129,23 +178,35 @@ int SensorHub::activate(unsigned int id, float rate, unsigned int latency_ms, Ti
     if (sensor == nullptr || latency_ms > kMaxLatency) {
         return refuse(EINVAL);
     }
-    bool const off = rate == 0.0F;
-    bool const in_range =
-        static_cast<double>(rate) >= sensor->least_rate && static_cast<double>(rate) <= sensor->max_rate;
-    if (!off && !in_range) {
+    auto const in_force = rate >= 0.0F ? supported_rate(*sensor, static_cast<double>(rate)) : std::nullopt;
+    if (!in_force) {
         return refuse(EINVAL);
     }
+    if (sensor->orientation && !integrates()) {
+        integrates_since_ = now;
+    }
     active_.erase(id);
-    if (!off) {
-        active_.emplace(id, Activity{rate, latency_ms, now, 0, {}});
+    if (rate > 0.0F) {
+        Rotation const lies = orientation_.at(now);
+        Watch const watch{lies, lower_edge(lies, sensor->angle), now};
+        active_.emplace(id, Activity{*in_force, latency_ms, now, watch, 0, {}});
     }
     return 0;
+}
+
+bool SensorHub::integrates() const {
+    return std::any_of(active_.begin(), active_.end(),
+                       [](auto const& active) { return find_virtual_sensor(active.first)->orientation; });
+}
+
+hal::quaternion_s16_t SensorHub::measure(Time now) const {
+    return orientation_.measure(now, now - integrates_since_);
 }
 
 std::optional<Time> SensorHub::next_delivery() const {
     std::optional<Time> next;
     for (auto const& [id, activity] : active_) {
-        bool const delivers = find_virtual_sensor(id)->continuous;
+        bool const delivers = find_virtual_sensor(id)->trigger != Trigger::never;
         if (delivers && (!next || activity.delivery_time() < *next)) {
             next = activity.delivery_time();
         }
@@ -153,20 +214,70 @@ std::optional<Time> SensorHub::next_delivery() const {
     return next;
 }
 
-// Takes the samples due up to now. Those of events are none: the device lies on a bench.
+// Takes the samples due up to now.
 void SensorHub::advance(Time now) {
     for (auto& [id, activity] : active_) {
         VirtualSensor const& sensor = *find_virtual_sensor(id);
-        if (!sensor.continuous) {
+        if (sensor.trigger == Trigger::never) {
             continue;
         }
         for (Time due = activity.sample_time(activity.taken + 1); due <= now;
              due = activity.sample_time(activity.taken + 1)) {
-            auto const kind = sensor.orientation ? hal::cb_struct_te::quaternion_s16 : hal::cb_struct_te::none;
-            activity.pending.push_back({due, static_cast<std::uint8_t>(id), kind, orientation_.measure(due)});
             ++activity.taken;
+            if (reports(sensor, activity.watch, due)) {
+                auto const kind = sensor.orientation ? hal::cb_struct_te::quaternion_s16 : hal::cb_struct_te::none;
+                activity.pending.push_back({due, static_cast<std::uint8_t>(id), kind, measure(due)});
+            }
         }
     }
+}
+
+// What the sensor sees of the device as it truly lies: the turn rates and gravity do not run away.
+bool SensorHub::reports(VirtualSensor const& sensor, Watch& watch, Time now) const {
+    if (sensor.trigger == Trigger::period) {
+        return true;
+    }
+    Rotation const lies = orientation_.at(now);
+    switch (sensor.trigger) {
+        case Trigger::turn:
+        case Trigger::tilt: {
+            bool const turns = sensor.trigger == Trigger::turn;
+            double const angle = turns ? angle_between(watch.reference, lies) : tilt_between(watch.reference, lies);
+            bool const moved = angle >= sensor.angle;
+            watch.reference = moved ? lies : watch.reference;
+            return moved;
+        }
+        case Trigger::edge: {
+            Edge const edge = lower_edge(lies, sensor.angle);
+            bool const changed = edge != Edge::none && edge != watch.edge;
+            watch.edge = changed ? edge : watch.edge;
+            return changed;
+        }
+        case Trigger::rest: {
+            if (angle_between(watch.reference, lies) >= sensor.angle) {
+                watch = {lies, watch.edge, now};
+            }
+            bool const comes_to_rest = !watch.rests && now - watch.still_since >= kRest;
+            watch.rests = watch.rests || comes_to_rest;
+            return comes_to_rest;
+        }
+        case Trigger::period:
+        case Trigger::never:
+            break;
+    }
+    return false;
+}
+
+// The last to speak of a FIFO is heard.
+void SensorHub::tell_of_fifo(unsigned int id, Activity const& activity, bool full, Time time) {
+    unsigned int const reason = full ? kFull : activity.latency_ms == 0 ? kAtOnce : kLatencyOver;
+    bool const wake_up = find_virtual_sensor(id)->wake_up;
+    unsigned int const at = wake_up ? kWakeUpFifo : kNonWakeUpFifo;
+    if (time < told_[wake_up ? 1 : 0]) {
+        return;
+    }
+    told_[wake_up ? 1 : 0] = time;
+    fifos_told_ = (fifos_told_ & ~(kFifoBits << at)) | (reason << at);
 }
 
 std::vector<SensorHub::Sample> SensorHub::take_samples(Time now) {
@@ -175,6 +286,9 @@ std::vector<SensorHub::Sample> SensorHub::take_samples(Time now) {
     for (auto due = next_delivery(); due && *due <= now; due = next_delivery()) {
         for (auto& [id, activity] : active_) {
             bool const delivers = !activity.pending.empty() && activity.delivery_time() == *due;
+            if (delivers) {
+                tell_of_fifo(id, activity, activity.full_time() == *due, *due);
+            }
             while (delivers && !activity.pending.empty() && activity.pending.front().taken <= *due) {
                 samples.push_back(activity.pending.front());
                 activity.pending.pop_front();
@@ -183,6 +297,32 @@ std::vector<SensorHub::Sample> SensorHub::take_samples(Time now) {
     }
     samples_ += samples.size();
     return samples;
+}
+
+void SensorHub::pass_samples(Time now) {
+    for (auto& [id, activity] : active_) {
+        if (find_virtual_sensor(id)->trigger != Trigger::period) {
+            continue;
+        }
+        std::uint64_t const before = activity.delivered();
+        std::uint64_t passed = before;
+        if (activity.delivers_singly()) {
+            passed = std::max(before, activity.due_until(now - std::chrono::milliseconds(activity.latency_ms)));
+        }
+        Time last = activity.sample_time(passed) + std::chrono::milliseconds(activity.latency_ms);
+        bool full = false;
+        for (Time due = activity.delivery_time(passed); due <= now; due = activity.delivery_time(passed)) {
+            full = activity.sample_time(passed + kFifoSamples) == due;
+            last = due;
+            passed = activity.due_until(due);
+        }
+        activity.pass(passed);
+        samples_ += passed - before;
+        if (passed != before) {
+            tell_of_fifo(id, activity, full, last);
+        }
+    }
+    take_samples(now);  // of the others
 }
 
 bool SensorHub::tilt(Angles const& target, Time now, Duration over) {
@@ -194,7 +334,7 @@ int SensorHub::measure(unsigned int id, Time now, hal::quaternion_s16_t& sample)
     if (active_.count(id) == 0 || !find_virtual_sensor(id)->orientation) {
         return refuse(EIO);
     }
-    sample = orientation_.measure(now);
+    sample = measure(now);
     return 0;
 }
 
@@ -275,7 +415,7 @@ int SensorHub::report_configuration(long long id, std::string& report) const {
     auto const active = active_.find(sensor->id);
     bool const on = active != active_.end();
     report = line("Configuration of virtual sensor %u: ", sensor->id) + std::string(sensor->name) + "\n" +
-             row("sample rate", rate_text(on ? active->second.rate : 0.0F)) +
+             row("sample rate", rate_text(on ? active->second.rate : 0.0)) +
              row("latency", std::to_string(on ? active->second.latency_ms : 0) + " ms") + row("sensitivity", 0U) +
              row("range", sensor->max_range);
     return 0;
@@ -296,20 +436,24 @@ int SensorHub::report_physical_sensor(long long id, std::string& report) const {
 }
 
 int SensorHub::report_interrupt(std::string& report) {
-    unsigned int const status = reset_seen_ ? 0U : kAsserted | kResetOrFault;
+    unsigned int const reasons = fifos_told_ | (reset_seen_ ? 0U : kResetOrFault);
+    unsigned int const status = reasons != 0 ? reasons | kAsserted : 0U;
     reset_seen_ = true;
+    read_interrupt();
+    // The status FIFO and debug are off, as the interrupt control tells.
     auto const set = [status](unsigned int bits) { return (status & bits) != 0 ? "yes" : "no"; };
     report = "Interrupt status\n" + row("register 0x2D", hex(status)) + row("asserted", set(kAsserted)) +
-             row("wake-up FIFO", set(0x06)) + row("non-wake-up FIFO", set(0x18)) + row("status FIFO", set(0x20)) +
-             row("debug", set(0x40)) + row("reset or fault", set(kResetOrFault));
+             row("wake-up FIFO", set(kFifoBits << kWakeUpFifo)) +
+             row("non-wake-up FIFO", set(kFifoBits << kNonWakeUpFifo)) + row("status FIFO", "no") + row("debug", "no") +
+             row("reset or fault", set(kResetOrFault));
     return 0;
 }
 
 int SensorHub::report_interrupt_control(std::string& report) const {
     unsigned int const control = running() ? kInterruptControl : 0U;
     report = "Interrupt control\n" + row("register 0x07", hex(control));
-    for (Flag const& flag : kControlFlags) {
-        report += row("", (control & flag.bit) != 0 ? flag.set : flag.clear);
+    for (std::size_t bit = 0; bit < kControlFlags.size(); ++bit) {
+        report += row("", (control >> bit & 1U) != 0 ? kControlFlags[bit].set : kControlFlags[bit].clear);
     }
     return 0;
 }
@@ -324,6 +468,10 @@ int SensorHub::set_upload_time(unsigned int ms) {
 
 int SensorHub::set_noise(double degrees) {
     return orientation_.set_noise(degrees) ? 0 : refuse(EINVAL);
+}
+
+int SensorHub::set_drift(double degrees_a_minute) {
+    return orientation_.set_drift(degrees_a_minute) ? 0 : refuse(EINVAL);
 }
 
 std::vector<SensorHub::ActiveSensor> SensorHub::active_sensors() const {

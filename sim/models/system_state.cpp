@@ -8,8 +8,18 @@ namespace sim {
 namespace {
 
 bool is_assigned(hal::device_state_te state) {
-    auto const code = static_cast<int>(state);
-    return (code >= 1 && code <= 6) || code == 9 || code == 10;
+    switch (state) {
+        case hal::device_state_te::boot:
+        case hal::device_state_te::confirm:
+        case hal::device_state_te::running:
+        case hal::device_state_te::find_me:
+        case hal::device_state_te::warning:
+        case hal::device_state_te::error:
+        case hal::device_state_te::preview_network_reset:
+        case hal::device_state_te::preview_localize:
+            return true;
+    }
+    return false;
 }
 
 }  // namespace
@@ -25,6 +35,12 @@ int SystemState::set_state(hal::device_state_te state) {
 int SystemState::get_state(hal::device_state_te& state) const {
     state = state_;
     return 0;
+}
+
+void SystemState::lose_power() {
+    state_ = hal::device_state_te::boot;
+    heartbeats_ = 0;
+    last_heartbeat_ = Time(0);
 }
 
 int SystemState::trigger_heartbeat(Time now) {

@@ -8,10 +8,16 @@ namespace sim {
 
 class SystemState {
 public:
+    // Long enough for a program's own cycle, short enough that nobody waits long for a dead one.
+    static constexpr unsigned int kUsualTimeout = 1000;  // ms
+
     // Refuses (-1, EINVAL) a state that is not assigned and keeps the old one.
     int set_state(hal::device_state_te state);
     int get_state(hal::device_state_te& state) const;
     hal::device_state_te state() const { return state_; }
+
+    // Boots anew, without a heartbeat so far. The timeout stays.
+    void lose_power();
 
     int trigger_heartbeat(Time now);
     int get_heartbeat_timeout(unsigned int& timeout_ms) const;
@@ -27,7 +33,7 @@ private:
     hal::device_state_te state_ = hal::device_state_te::boot;
     unsigned int heartbeats_ = 0;
     Time last_heartbeat_{0};
-    unsigned int timeout_ms_ = 1000;
+    unsigned int timeout_ms_ = kUsualTimeout;
 };
 
 }  // namespace sim

@@ -23,7 +23,7 @@ public:
 
 private:
     Rotation taught_;
-    float angle_limit_ = 5.0F;
+    float angle_limit_ = 5.0F;  // degrees, ours: far above the noise, yet no more than the eye sees
     bool in_position_ = true;
 };
 

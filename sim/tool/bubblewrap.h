@@ -1,7 +1,7 @@
 // The sandbox as a private mount namespace, made with bubblewrap.
 #pragma once
 
-#include "sim/device/properties.h"
+#include "sim/core/error.h"
 #include "sim/tool/execute.h"
 #include "sim/tool/sandbox_view.h"
 

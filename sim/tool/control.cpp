@@ -1,90 +1,62 @@
 // Gives commands to a running device.
 #include "sim/tool/control.h"
 
+#include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <optional>
 #include <string_view>
 
 #include "sim/control/command.h"
-#include "sim/control/control_socket.h"
+#include "sim/control/device_directory.h"
+#include "sim/core/text.h"
+#include "sim/core/unix_socket.h"
+#include "sim/tool/exit_status.h"
 
 namespace sim {
 
 namespace {
 
 constexpr std::string_view kErrorMark = "error: ";
+constexpr std::chrono::seconds kListPatience{2};  // with each of the devices
 
 int fail(std::string const& message) {
-    std::fprintf(stderr, "r47-sim: %s\n", message.c_str());
-    return 1;
+    return sim::fail(kRefused, message);
 }
 
-// Where root's devices are, whom `sudo` gives no runtime directory of its own; nobody else may look into it.
-char const* const kRootsSockets = "/tmp/r47-sim-0";
+using SteadyTime = std::chrono::steady_clock::time_point;
 
-std::string hint_at_root() {
-    bool const may_be_roots = ::geteuid() != 0 && ::access(kRootsSockets, F_OK) == 0;
-    return may_be_roots ? "; for a device that root started, use sudo" : "";
-}
-
-// The socket to talk to: the given one, that of the device around us, or the only one there is.
-Error find_socket(std::string const& given, std::string& path) {
-    char const* const around = std::getenv("R47_SIM_CONTROL");
-    if (given.empty() && around != nullptr) {
-        path = around;
-    } else {
-        path = given;
-    }
-    if (!path.empty()) {
-        return {};
-    }
-    std::string const directory = default_socket_directory();
-    auto const live = live_sockets(directory);
-    if (live.size() == 1) {
-        path = live.front();
-        return {};
-    }
-    if (live.empty()) {
-        return "no device is running: " + directory + " has no socket that answers" + hint_at_root();
-    }
-    Error error = "several devices are running, choose one with --control:";
-    for (std::string const& socket : live) {
-        error += "\n  " + socket;
-    }
-    return error;
-}
-
-class Connection {
+class ControlConnection {
 public:
-    explicit Connection(int fd) : fd_(fd) {}
-    Connection(Connection const&) = delete;
-    Connection& operator=(Connection const&) = delete;
-    ~Connection() { ::close(fd_); }
+    explicit ControlConnection(Descriptor socket) : socket_(std::move(socket)) {}
 
-    bool send(std::string const& text) const {
-        for (std::size_t sent = 0; sent < text.size();) {
-            ssize_t const count = ::send(fd_, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
-            if (count < 0 && errno != EINTR) {
-                return false;
-            }
-            sent += count > 0 ? static_cast<std::size_t>(count) : 0;
-        }
-        return true;
-    }
+    bool send(std::string const& text) const { return send_all(socket_.get(), text.data(), text.size()); }
 
-    // False at the end.
+    // From now on what read_line() waits for must have come `longest` later.
+    void limit(Duration longest) { end_ = std::chrono::steady_clock::now() + longest; }
+    // From now on it waits for ever.
+    void lift_limit() { end_.reset(); }
+    bool timed_out() const { return end_ && left() == 0; }
+
+    // False at the end, and when the time is up.
     bool read_line(std::string& line) {
         std::size_t end = buffer_.find('\n');
         while (end == std::string::npos) {
+            pollfd readable{socket_.get(), POLLIN, 0};
+            int const ready = ::poll(&readable, 1, end_ ? left() : -1);
+            if (ready == 0) {
+                return false;
+            }
             std::array<char, 4096> bytes{};
-            ssize_t const count = ::recv(fd_, bytes.data(), bytes.size(), 0);
+            ssize_t const count = ready < 0 ? -1 : ::recv(socket_.get(), bytes.data(), bytes.size(), 0);
             if (count == 0 || (count < 0 && errno != EINTR)) {
                 return false;
             }
@@ -97,76 +69,140 @@ public:
     }
 
 private:
-    int fd_;
+    // Milliseconds, begun ones too.
+    int left() const {
+        auto const left = std::chrono::ceil<std::chrono::milliseconds>(*end_ - std::chrono::steady_clock::now());
+        return static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
+    }
+
+    Descriptor const socket_;
     std::string buffer_;
+    std::optional<SteadyTime> end_;
 };
 
+// No reply any more.
+int no_reply(ControlConnection const& connection) {
+    return connection.timed_out() ? sim::fail(kTimedOut, "the device did not answer in time")
+                                  : fail("the device ended");
+}
+
 // Prints the reply to one command.
-int print_reply(Connection& connection) {
+int print_reply(ControlConnection& connection) {
     for (std::string line; connection.read_line(line);) {
         if (line == "ok") {
             return 0;
         }
         if (line.compare(0, kErrorMark.size(), kErrorMark) == 0) {
-            return fail(line.substr(kErrorMark.size()));
+            return fail(printable(line.substr(kErrorMark.size())));
         }
-        std::printf("%s\n", line.c_str());
+        std::printf("%s\n", printable(line).c_str());
+        std::fflush(stdout);
     }
-    return fail("the device ended");
+    return no_reply(connection);
 }
 
-int give(Connection& connection, std::string const& command) {
+int give(ControlConnection& connection, std::string const& command) {
     // Nothing is asked of the device by an empty line, and a line end inside a word would be two commands.
     if (command.find('\n') != std::string::npos) {
         return fail("a command is one line");
     }
-    return connection.send(command + "\n") ? print_reply(connection) : fail("the device ended");
+    connection.send(command + "\n");  // where it is refused already, the reply says why
+    return print_reply(connection);
 }
 
-int give_standard_input(Connection& connection) {
+// Each command has the time; one that is not answered in it is the last.
+int give_standard_input(ControlConnection& connection, std::optional<Duration> timeout) {
     int status = 0;
-    for (std::string line; std::getline(std::cin, line);) {
-        status = give(connection, line) == 0 ? status : 1;
+    for (std::string line; status != kTimedOut && std::getline(std::cin, line);) {
+        if (timeout) {
+            connection.limit(*timeout);
+        }
+        int const given = give(connection, line);
+        status = given == 0 ? status : given;
         std::fflush(stdout);
     }
     return status;
 }
 
 // The journal's lines follow for as long as the device runs.
-void print_journal(Connection& connection) {
+void print_journal(ControlConnection& connection) {
+    connection.lift_limit();
     for (std::string line; connection.read_line(line);) {
-        std::printf("%s\n", line.c_str());
+        std::printf("%s\n", printable(line).c_str());
         std::fflush(stdout);
     }
+}
+
+struct ControlOptions {
+    std::string device;
+    std::optional<Duration> timeout;
+    Words command;
+};
+
+Error take_options(std::vector<std::string> const& words, ControlOptions& options) {
+    std::size_t at = 0;
+    for (; at + 1 < words.size() && words[at].compare(0, 2, "--") == 0; at += 2) {
+        std::string const& value = words[at + 1];
+        if (words[at] == "--device") {
+            options.device = value;
+        } else if (words[at] == "--timeout") {
+            options.timeout = parse_duration(value);
+            if (!options.timeout) {
+                return duration_error(value).text;
+            }
+        } else {
+            break;
+        }
+    }
+    options.command.assign(words.begin() + static_cast<std::ptrdiff_t>(at), words.end());
+    bool const understood = !options.command.empty() && options.command.front().compare(0, 2, "--") != 0;
+    return understood ? Error() : "not understood: try r47-sim help";
 }
 
 }  // namespace
 
 int control(std::vector<std::string> const& words) {
-    bool const given = words.front() == "--control";
-    if ((given && words.size() < 3) || (!given && words.front().substr(0, 2) == "--")) {
-        fail("not understood: try r47-sim help");
-        return 2;
+    ControlOptions options;
+    Error error = take_options(words, options);
+    if (!error.empty()) {
+        return sim::fail(kNotUnderstood, error);
     }
-    Words const command(words.begin() + (given ? 2 : 0), words.end());
-    std::string path;
-    Error const error = find_socket(given ? words[1] : "", path);
+    std::string directory;
+    error = find_device(options.device, directory);
     if (!error.empty()) {
         return fail(error);
     }
-    int const fd = connect_to(path);
-    if (fd < 0) {
-        return fail("no device at " + path + ": " + std::strerror(errno));
+    Descriptor socket = connect_to(control_socket(directory));
+    if (!socket) {
+        return fail("no device in " + directory + ": " + std::strerror(errno));
     }
-    Connection connection(fd);
-    if (command == Words{"-"}) {
-        return give_standard_input(connection);
+    ControlConnection connection(std::move(socket));
+    if (options.command == Words{"-"}) {
+        return give_standard_input(connection, options.timeout);
     }
-    int const status = give(connection, join_words(command));
-    if (status == 0 && command.front() == "journal") {
+    if (options.timeout) {
+        connection.limit(*options.timeout);
+    }
+    int const status = give(connection, join_words(options.command));
+    if (status == 0 && options.command.front() == "journal") {
         print_journal(connection);
     }
     return status;
+}
+
+int list_devices() {
+    for (FoundDevice const& device : find_devices()) {
+        std::printf("%s  %lld s  %s\n", printable(device.name).c_str(), static_cast<long long>(device.age.count()),
+                    printable(device.directory).c_str());
+        std::fflush(stdout);
+        Descriptor socket = connect_to(control_socket(device.directory));
+        if (socket) {
+            ControlConnection connection(std::move(socket));
+            connection.limit(kListPatience);
+            give(connection, "programs");
+        }
+    }
+    return 0;
 }
 
 }  // namespace sim

@@ -1,7 +1,7 @@
 // The sandbox by tracing, made with proot: for hosts without namespaces.
 #pragma once
 
-#include "sim/device/properties.h"
+#include "sim/core/error.h"
 #include "sim/tool/confinement.h"
 #include "sim/tool/sandbox_view.h"
 

@@ -2,137 +2,201 @@
 #include "sim/tool/run.h"
 
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdio>
+#include <cstdint>
 #include <cstring>
+#include <optional>
 
-#include "sim/control/command.h"
-#include "sim/control/control_socket.h"
-#include "sim/control/scenario.h"
-#include "sim/device/nodes.h"
+#include "sim/core/numbers.h"
+#include "sim/tool/execute.h"
+#include "sim/tool/exit_status.h"
+#include "sim/tool/publisher.h"
+#include "sim/tool/running_device.h"
 #include "sim/tool/sandbox.h"
 
 namespace sim {
 
 namespace {
 
-constexpr int kRefused = 1;
-constexpr int kNotUnderstood = 2;
+struct RunOptions {
+    SandboxOptions sandbox;
+    std::string device;  // a running one; empty: one of its own
+    DeviceOptions own;
+    bool has_own = false;         // options of its own
+    bool require_faults = false;  // of the device's own rules that each fires
+    std::uint16_t port = 0;       // of this host, where the command's console is reached; 0: nowhere
+};
 
-int fail(int status, std::string const& message) {
-    std::fprintf(stderr, "r47-sim: %s\n", message.c_str());
-    return status;
-}
-
-bool is_device_file(std::string const& path) {
-    auto const& files = device_files();
-    return std::any_of(files.begin(), files.end(), [&](NodeFile const& file) { return file.path == path; });
-}
-
-// Takes the option at `at` with its value; `at` moves on to the next.
-Error take_option(std::vector<std::string> const& words, std::size_t& at, SandboxOptions& options) {
-    std::string const& name = words[at++];
-    if (name == "--private-network") {
-        options.private_network = true;
-        return {};
-    }
-    bool const known =
-        name == "--without" || name == "--journal" || name == "--scenario" || name == "--control" || name == "--clock";
-    if (!known) {
-        return "unknown option " + name + ": try r47-sim help";
-    }
-    if (at == words.size()) {
-        return name + " needs a value";
-    }
-    std::string const& value = words[at++];
-    if (name == "--without") {
-        options.without.push_back(value);
-        return is_device_file(value) ? Error() : value + " is no file of the device";
-    }
-    if (name == "--journal") {
-        options.journal = value;
-    } else if (name == "--scenario") {
-        options.scenario = value;
-    } else if (name == "--control") {
-        options.control = value;
-    } else {
-        options.clock = value;
-        if (value == "scaled" && at < words.size()) {
-            options.clock += " " + words[at++];
-        }
-    }
-    return {};
-}
-
-Error take_options(std::vector<std::string> const& words, SandboxOptions& options) {
+Error take_options(std::vector<std::string> const& words, RunOptions& options) {
+    Error error;
     std::size_t at = 0;
-    while (at < words.size() && words[at] != "--") {
-        Error error = take_option(words, at, options);
-        if (!error.empty()) {
-            return error;
+    while (at < words.size() && words[at] != "--" && error.empty()) {
+        if (words[at] == "--private-network") {
+            options.sandbox.private_network = true;
+            ++at;
+        } else if (words[at] == "--require-faults") {
+            options.require_faults = options.has_own = true;
+            ++at;
+        } else if (words[at] == "--publish" && at + 1 < words.size()) {
+            options.port = parse_integer_as<std::uint16_t>(words[at + 1]).value_or(0);
+            error = options.port == 0 ? "bad port " + words[at + 1] + ": 1 to 65535" : Error();
+            at += 2;
+        } else if (words[at] == "--device" && at + 1 < words.size()) {
+            options.device = words[at + 1];
+            at += 2;
+        } else if (take_device_option(words, at, options.own, error)) {
+            options.has_own = true;
+        } else {
+            error = "unknown option " + words[at] + ": try r47-sim help";
         }
     }
-    if (at + 1 >= words.size()) {
-        return "no command given: r47-sim run [OPTION...] -- COMMAND [ARG...]";
+    if (error.empty() && !options.device.empty() && options.has_own) {
+        error = "--device names a device that runs already: it takes no options of a device's start";
     }
-    options.command.assign(words.begin() + static_cast<std::ptrdiff_t>(at) + 1, words.end());
-    return {};
+    if (error.empty() && at + 1 >= words.size()) {
+        error = "no command given: r47-sim run [OPTION...] -- COMMAND [ARG...]";
+    }
+    if (error.empty()) {
+        options.sandbox.command.assign(words.begin() + static_cast<std::ptrdiff_t>(at) + 1, words.end());
+    }
+    return error;
 }
 
-// What would end the program inside, found before it starts.
-Error check_settings(SandboxOptions const& options) {
-    if (!options.clock.empty()) {
-        Device device(std::make_unique<MemoryFileSystem>());
-        Reply const reply = device_commands().run({device, {}}, "clock " + options.clock);
-        if (!reply.ok) {
-            return reply.text;
+// Whether there is such a command, as a shell would say it.
+int check_command(std::string const& command) {
+    std::string const path = program_path(command);
+    if (::access(path.c_str(), X_OK) == 0) {
+        return 0;
+    }
+    return errno == ENOENT ? fail(kNotFound, command + ": no such command")
+                           : fail(kNotExecutable, command + ": " + std::strerror(errno));
+}
+
+pid_t child = -1;
+
+void pass_on(int signal) {
+    ::kill(child, signal);
+}
+
+void handle(int signal, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    sigemptyset(&action.sa_mask);
+    ::sigaction(signal, &action, nullptr);
+}
+
+// The command, which waits until the gate is opened. Before any thread is started.
+class WaitingCommand {
+public:
+    explicit WaitingCommand(SandboxOptions const& options) {
+        int gate[2];
+        if (::pipe2(gate, O_CLOEXEC) != 0) {
+            return;
         }
+        child = ::fork();
+        if (child == 0) {
+            ::close(gate[1]);
+            char open = 0;
+            if (::read(gate[0], &open, 1) == 1) {
+                Error const error = become_sandbox(options);
+                ::_exit(fail(kFailed, error));
+            }
+            ::_exit(kFailed);
+        }
+        ::close(gate[0]);
+        gate_ = Descriptor(gate[1]);
     }
-    Scenario scenario;
-    return options.scenario.empty() ? Error() : load_scenario(options.scenario, scenario, options.without);
+
+    // Starts the command and waits for its end; the exit status.
+    int run() {
+        for (int const signal : {SIGTERM, SIGHUP}) {
+            handle(signal, pass_on);
+        }
+        for (int const signal : {SIGINT, SIGQUIT}) {
+            handle(signal, SIG_IGN);  // the terminal sends them to the command as well
+        }
+        // Its input and output are the command's alone.
+        Descriptor const null(::open("/dev/null", O_RDWR | O_CLOEXEC));
+        ::dup2(null.get(), STDIN_FILENO);
+        ::dup2(null.get(), STDOUT_FILENO);
+        [[maybe_unused]] auto const opened = ::write(gate_.get(), "", 1);
+        return wait_for(child);
+    }
+
+    // The command is not run.
+    void forget() {
+        gate_ = Descriptor();
+        wait_for(child);
+    }
+
+private:
+    Descriptor gate_;
+};
+
+// What the run was for has not happened.
+int fail_for(std::vector<std::string> const& unmet_faults, int status) {
+    for (std::string const& fault : unmet_faults) {
+        fail(kFailed, "a fault rule never fired: " + fault);
+    }
+    return status == 0 && !unmet_faults.empty() ? kFailed : status;
 }
 
-Error prepare_journal(std::string const& path) {
-    if (path.empty()) {
-        return {};
+int run_in_own_device(RunOptions const& options) {
+    RunningDevice device(options.own);
+    Error error = device.prepare();
+    if (!error.empty()) {
+        return fail(kFailed, error);
     }
-    int const fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (fd < 0) {
-        return "cannot write the journal " + path + ": " + std::strerror(errno);
+    SandboxOptions sandbox = options.sandbox;
+    sandbox.device = device.directory();
+    WaitingCommand command(sandbox);
+    error = device.start();
+    if (!error.empty()) {
+        command.forget();
+        return fail(kFailed, error);
     }
-    ::close(fd);
-    return {};
+    int const status = command.run();
+    device.wait_until_unused();
+    return options.require_faults ? fail_for(device.unmet_faults(), status) : status;
 }
 
-Error prepare_control(std::string& path) {
-    if (path.empty()) {
-        path = default_socket_directory() + "/" + std::to_string(::getpid()) + ".sock";
+int run_in_running_device(RunOptions const& options) {
+    SandboxOptions sandbox = options.sandbox;
+    Error error = find_device(options.device, sandbox.device);
+    if (error.empty()) {
+        error = become_sandbox(sandbox);
     }
-    return prepare_socket_directory(directory_of(path));
+    return fail(kFailed, error);
 }
 
 }  // namespace
 
-int run_in_sandbox(std::vector<std::string> const& words) {
-    SandboxOptions options;
+int run_command(std::vector<std::string> const& words) {
+    RunOptions options;
     Error error = take_options(words, options);
-    if (error.empty()) {
-        error = check_settings(options);
+    if (error.empty() && options.device.empty()) {
+        error = check(options.own);
     }
     if (!error.empty()) {
         return fail(kNotUnderstood, error);
     }
-    error = prepare_journal(options.journal);
-    if (error.empty()) {
-        error = prepare_control(options.control);
+    int const missing = check_command(options.sandbox.command.front());
+    if (missing != 0) {
+        return missing;
     }
-    if (error.empty()) {
-        error = become_sandbox(options);
+    Descriptor published;
+    if (options.port != 0) {
+        published = listen_for_console(options.port, error);
+        if (!error.empty()) {
+            return fail(kFailed, error);
+        }
+        publish(published, options.sandbox);
     }
-    return fail(kRefused, error);
+    return options.device.empty() ? run_in_own_device(options) : run_in_running_device(options);
 }
 
 }  // namespace sim

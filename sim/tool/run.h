@@ -6,8 +6,8 @@
 
 namespace sim {
 
-// `words`: [OPTION...] -- COMMAND [ARG...]. Becomes the command's sandbox and does not return, unless that fails:
-// then it answers the exit status, 1 when the host refuses, 2 when `words` are not understood.
-int run_in_sandbox(std::vector<std::string> const& words);
+// "r47-sim run": a command in a running device, or in one of its own that ends with it. `words`: [OPTION...] -- COMMAND
+// [ARG...]. Answers the exit status of the command, 128 + number for a signal, or of r47-sim itself (exit_status.h).
+int run_command(std::vector<std::string> const& words);
 
 }  // namespace sim

@@ -25,10 +25,12 @@ Error why_not(Namespaces namespaces, Tracing tracing) {
 }  // namespace
 
 Error become_sandbox(SandboxOptions const& options) {
+    std::vector<std::string> command = options.launcher;
+    command.insert(command.end(), options.command.begin(), options.command.end());
     Arguments as_root;
     Namespaces const namespaces = try_namespaces(as_root);
     if (namespaces == Namespaces::available) {
-        return become_bubblewrap(view_of(options), as_root, options.private_network, options.command);
+        return become_bubblewrap(view_of(options), as_root, options.private_network, command);
     }
     if (options.private_network) {
         return "--private-network needs bwrap and a host that allows network namespaces; this one does not";
@@ -36,7 +38,7 @@ Error become_sandbox(SandboxOptions const& options) {
     Rights rights = Rights::none;
     Tracing const tracing = try_tracing(rights);
     if (tracing == Tracing::available) {
-        return become_proot(view_of(options), rights, options.command);
+        return become_proot(view_of(options), rights, command);
     }
     return why_not(namespaces, tracing);
 }

@@ -1,7 +1,7 @@
 // Runs a command where the device's files exist and it counts as root.
 #pragma once
 
-#include "sim/device/properties.h"
+#include "sim/core/error.h"
 #include "sim/tool/sandbox_view.h"
 
 namespace sim {

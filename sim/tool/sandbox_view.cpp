@@ -13,7 +13,8 @@
 #include <sstream>
 #include <string_view>
 
-#include "sim/control/control_socket.h"
+#include "sim/control/device_directory.h"
+#include "sim/device/nodes.h"
 
 namespace sim {
 
@@ -22,12 +23,17 @@ namespace {
 using Kind = ViewStep::Kind;
 using Steps = std::vector<ViewStep>;
 
+constexpr std::string_view kNodes = "/dev/";
+
 // Top-level directories that the sandbox has for itself.
 constexpr std::array<std::string_view, 6> kOwnDirectories{"/dev", "/proc", "/sys", "/tmp", "/opt", "/r47-sim"};
 
-char const* const kControlDirectory = "/r47-sim/control";
-char const* const kJournal = "/r47-sim/journal";
-char const* const kScenario = "/r47-sim/scenario";
+char const* const kDevice = "/r47-sim/device";  // the device's directory, in the sandbox
+
+std::string directory_of(std::string const& path) {
+    std::size_t const slash = path.rfind('/');
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
 
 bool is_own_directory(std::string const& path) {
     return path == "/" || std::find(kOwnDirectories.begin(), kOwnDirectories.end(), path) != kOwnDirectories.end();
@@ -90,7 +96,6 @@ void add_host(Steps& steps) {
     }
     steps.push_back({Kind::writable, "/proc", "/proc"});
     steps.push_back({Kind::devices, "/dev"});
-    steps.push_back({Kind::directory, "/sys"});
     steps.push_back({Kind::directory, "/opt"});
     for (std::string const& name : entries_of("/opt")) {
         if (name != "kelvora") {
@@ -100,15 +105,19 @@ void add_host(Steps& steps) {
     steps.push_back({Kind::scratch, "/tmp"});
 }
 
-void add_device(Steps& steps, SandboxOptions const& options) {
+// The device's files come and go while programs run. Its nodes lie in a directory that is not the device's alone: they
+// are links to where it has them.
+void add_device(SandboxView& view, std::string const& directory) {
+    view.steps.push_back({Kind::writable, kDevice, real_path(directory)});
     for (NodeFile const& file : device_files()) {
-        if (std::find(options.without.begin(), options.without.end(), file.path) == options.without.end()) {
-            steps.push_back({Kind::device_file, file.path, file.content});
+        if (file.path.compare(0, kNodes.size(), kNodes) == 0) {
+            view.steps.push_back({Kind::link, file.path, device_files_root(kDevice) + file.path});
         }
     }
-    steps.push_back({Kind::device_file, "/sys/class/gpio/export"});
-    steps.push_back({Kind::device_file, "/sys/class/gpio/unexport"});
-    steps.push_back({Kind::device_file, kSandboxMark});
+    for (char const* const whole : {"/sys", "/opt/kelvora"}) {
+        view.steps.push_back({Kind::writable, whole, real_path(device_files_root(directory) + whole)});
+    }
+    view.environment = {{"R47_SIM_DEVICE", kDevice}};
 }
 
 // Shows the directory of a program that the sandbox would hide; of a program that lies directly in one of the
@@ -121,22 +130,6 @@ void add_program(Steps& steps, std::string const& path) {
     }
     std::string const& shown = is_own_directory(directory) ? file : directory;
     steps.push_back({Kind::read_only, shown, shown});
-}
-
-// The name and the environment by which the library finds its settings.
-void add_settings(SandboxView& view, SandboxOptions const& options) {
-    std::string const name = options.control.substr(options.control.rfind('/') + 1);
-    view.steps.push_back({Kind::writable, kControlDirectory, real_path(directory_of(options.control))});
-    if (!options.journal.empty()) {
-        view.steps.push_back({Kind::writable, kJournal, real_path(options.journal)});
-    }
-    if (!options.scenario.empty()) {
-        view.steps.push_back({Kind::read_only, kScenario, real_path(options.scenario)});
-    }
-    view.environment = {{"R47_SIM_CONTROL", std::string(kControlDirectory) + "/" + name},
-                        {"R47_SIM_JOURNAL", options.journal.empty() ? "" : kJournal},
-                        {"R47_SIM_SCENARIO", options.scenario.empty() ? "" : kScenario},
-                        {"R47_SIM_CLOCK", options.clock}};
 }
 
 }  // namespace
@@ -160,14 +153,13 @@ std::string program_path(std::string const& command) {
 SandboxView view_of(SandboxOptions const& options) {
     SandboxView view;
     add_host(view.steps);
-    add_device(view.steps, options);
+    add_device(view, options.device);
     add_program(view.steps, program_path(program_invocation_name));
     add_program(view.steps, program_path(options.command.front()));
     view.working_directory = real_path(".");
     if (!is_own_directory(view.working_directory)) {
         view.steps.push_back({Kind::writable, view.working_directory, view.working_directory});
     }
-    add_settings(view, options);
     return view;
 }
 

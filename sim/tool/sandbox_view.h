@@ -11,11 +11,8 @@ namespace sim {
 
 struct SandboxOptions {
     std::vector<std::string> command;
-    std::vector<std::string> without;  // files of the device to leave out
-    std::string journal;               // empty: none; otherwise exists
-    std::string scenario;              // empty: none
-    std::string control;               // a path in a private directory
-    std::string clock;                 // empty: real
+    std::vector<std::string> launcher;  // a command that starts it, given as its last arguments; empty: none
+    std::string device;                 // its directory
     bool private_network = false;
 };
 

@@ -53,12 +53,12 @@ std::string const kNumbers = "\nMajor \t1,\nMinor \t6,\nWeek \t14,\nYear \t22,\n
 std::string const kPerror = "Failed read rev\n: No such device\n";
 
 TEST(ModuleInformationTest, FailureIsTheModulesWhateverBecomesOfTheOutput) {
+    Answering<hal::rtu_t> module(-1, "/dev/none", 2);  // the library says that there is no device
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     int const captured = ::dup(STDOUT_FILENO);
     int const full = ::open("/dev/full", O_WRONLY);
     ::dup2(full, STDOUT_FILENO);
-    Answering<hal::rtu_t> module(-1, "/dev/none", 2);
     get_status(&module);
     ::dup2(captured, STDOUT_FILENO);
     ::close(full);

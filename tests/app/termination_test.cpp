@@ -1,70 +1,28 @@
-// The termination contract (docs/termination.md) at the terminal, for every menu, on the real executable.
+// The termination contract (docs/termination.md) for every menu, on the real executable.
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <ostream>
 #include <string>
 #include <tuple>
 
-#include "tests/support/console_session.h"
+#include "tests/support/menus.h"
+#include "tests/support/transcript.h"
 
 namespace {
 
+using namespace menus;
+using namespace screens;
 using support::ConsoleSession;
-
-struct Menu {
-    char const* name;
-    char const* key;     // at the main menu; empty: the main menu itself
-    char const* prompt;  // the end of its screen
-};
-
-void PrintTo(Menu const& menu, std::ostream* out) {
-    *out << menu.name;
-}
-
-constexpr Menu kMenus[] = {
-    {"Main", "", "\nPlease enter your option: "},
-    {"Dio", "a", "\n\n Enter your option = "},
-    {"Rtu", "b", "\n\nPlease enter your option: "},
-    {"Illumination", "c", "LED STATE  \nPlease enter your option: "},
-    {"Imx296", "e", "\n\nPlease enter your option: "},
-    {"Imx567", "E", "\n\nPlease enter your option: "},
-    {"Autofocus", "f", "\n\nPlease enter your option: "},
-    {"Camera", "k", "Exit\nPlease enter your option: "},
-    {"System", "l", "\n\n Enter your option = "},
-    {"Gyro", "g", "\n\nPlease enter your option: "},
-    {"GyroAlarm", "G", "\n\n  Please enter your option: "},
-    {"GyroDelegate", "h", "\n\n   Please enter your option: "},
-    {"DelegateAndAlarm", "H", "\n\n   Please enter your option: "},
-    {"Button", "t", "Exit               \nPlease enter your option: "},
-    {"Tof", "p", "Exit\nPlease enter your option: "},
-};
 
 constexpr char const* kMainMenu = "****  Enter the Option ******";
 
-bool is_system(Menu const& menu) {
-    return std::string(menu.key) == "l";
-}
-
-bool is_main(Menu const& menu) {
-    return *menu.key == '\0';
-}
-
-// As the output of a pseudo-terminal has it.
-std::string at_terminal(std::string const& text) {
-    std::string converted;
-    for (char const c : text) {
-        converted += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    }
-    return converted;
-}
-
 // Brings the console to the prompt of the menu.
 void enter(ConsoleSession& session, Menu const& menu, bool terminal) {
-    session.wait_for("Please enter your option: ");
-    if (!is_main(menu)) {
-        session.type(std::string(menu.key) + "\n");
-        session.wait_for(terminal ? at_terminal(menu.prompt) : menu.prompt);
+    auto const wait_for = [&](std::string const& text) { session.wait_for(terminal ? at_terminal(text) : text); };
+    wait_for(main_menu());
+    if (menu.key != '\0') {
+        session.type(menu.entry_keys() + "\n");
+        wait_for(menu.prompt());
     }
 }
 
@@ -72,7 +30,7 @@ class TerminationTest : public testing::TestWithParam<Menu> {
 protected:
     // Leaves the menu and the console by their exit keys.
     void expect_exit_keys_work(ConsoleSession& session) {
-        session.type(is_main(GetParam()) || is_system(GetParam()) ? "x\n" : "x\nx\n");
+        session.type(GetParam().is(ends_the_console) ? "x\n" : "x\nx\n");
         EXPECT_EQ(session.wait_for_exit(), 0);
     }
 };
@@ -84,25 +42,32 @@ support::SessionOptions at_a_terminal() {
 }
 
 TEST_P(TerminationTest, EndOfInputLeavesTheMenuAsItsExitKey) {
-    ConsoleSession session;
-    enter(session, GetParam(), false);
+    Menu const& menu = GetParam();
+    bool const is_main = menu.key == '\0';
+    ConsoleSession session(options_for(menu));
+    enter(session, menu, false);
     session.end_input();
-    if (is_system(GetParam())) {
+    std::string expected = output_before(menu) + (is_main ? "" : menu.screen('x') + menu.goodbye);
+    if (menu.is(ends_the_console) && !is_main) {
         EXPECT_EQ(session.wait_for_exit(), 0);
-        return;
+        EXPECT_EQ(session.output(), expected);
+    } else {
+        expected += main_menu('\0') + main_menu('\0');  // and so on
+        session.wait_for(kMain.echo + '\0' + "\n");
+        session.wait_for(kMain.echo + '\0' + "\n");
+        EXPECT_EQ(session.output().substr(0, expected.size()), expected);
+        EXPECT_FALSE(session.has_exited());
     }
-    session.wait_for(is_main(GetParam()) ? std::string("Entered Option = ") + '\0' : "ption = x");
-    session.wait_for(kMainMenu);
-    session.wait_for(kMainMenu);
-    EXPECT_FALSE(session.has_exited());
+    EXPECT_EQ(session.calls(), menu.opening + menu.closing);
+    EXPECT_EQ(session.errors(), "");
 }
 
 TEST_P(TerminationTest, ControlDCostsOneRedisplay) {
     ConsoleSession session(at_a_terminal());
     enter(session, GetParam(), true);
     session.type("\x04");
-    session.wait_for(std::string("ption = ") + '\0');
-    session.wait_for(at_terminal(GetParam().prompt));
+    session.wait_for(at_terminal(GetParam().echo + '\0'));
+    session.wait_for(at_terminal(GetParam().prompt()));
     expect_exit_keys_work(session);
 }
 
@@ -140,17 +105,50 @@ TEST_P(TerminationTest, ClosedOutputEndsItAtTheNextScreen) {
 
 TEST_P(TerminationTest, FullOutputLosesTextAndNothingElse) {
     ConsoleSession session(support::in_shell("exec \"$@\" >/dev/full"));
-    session.type(GetParam().key);
+    session.type(GetParam().entry_keys());
     expect_exit_keys_work(session);
+}
+
+// The process ends where it is: its objects are not destroyed, but for those in static storage.
+class KeyZeroTest : public testing::TestWithParam<Menu> {};
+
+TEST_P(KeyZeroTest, EndsTheWholeProgram) {
+    Menu const& menu = GetParam();
+    support::expect_transcript(options_for(menu), menu.entry_keys() + "0",
+                               output_before(menu) + menu.screen('0') + kGoodBye, menu.opening + menu.ending);
+}
+
+TEST_P(KeyZeroTest, EndsTheWholeProgramUnderItsClient) {
+    Menu const& menu = GetParam();
+    support::SessionOptions options = options_for(menu);
+    options.arguments = {"socket"};
+    ConsoleSession session(options);
+    support::StationClient client;
+    session.wait_for(main_menu());
+    client.send(menu.entry_keys() + "\n");
+    session.wait_for(menu.prompt());
+    if (menu.is(client_driven)) {
+        client.send("0\n");
+    } else {
+        session.type("0\n");
+    }
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_TRUE(client.ended());
+    EXPECT_EQ(session.output(), output_before_with_client(menu) + screen_with_client(menu, '0') + kGoodBye);
+    EXPECT_EQ(session.calls(), menu.opening + menu.ending);
+    EXPECT_EQ(session.errors(), "");
 }
 
 std::string name_of(testing::TestParamInfo<Menu> const& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(, TerminationTest, testing::ValuesIn(kMenus), name_of);
+INSTANTIATE_TEST_SUITE_P(, TerminationTest, testing::ValuesIn(every_menu()), name_of);
 
-INSTANTIATE_TEST_SUITE_P(, SignalTest, testing::Combine(testing::ValuesIn(kMenus), testing::Values(SIGTERM, SIGHUP)),
+INSTANTIATE_TEST_SUITE_P(, KeyZeroTest, testing::ValuesIn(menus_that(offers_zero)), name_of);
+
+INSTANTIATE_TEST_SUITE_P(, SignalTest,
+                         testing::Combine(testing::ValuesIn(every_menu()), testing::Values(SIGTERM, SIGHUP)),
                          [](auto const& one) {
                              return std::string(std::get<0>(one.param).name) +
                                     (std::get<1>(one.param) == SIGTERM ? "Sigterm" : "Sighup");

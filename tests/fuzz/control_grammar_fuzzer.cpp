@@ -13,7 +13,7 @@
 
 #include "sim/control/command.h"
 #include "sim/device/device.h"
-#include "tests/fuzz/require.h"
+#include "tests/support/require.h"
 
 namespace {
 
@@ -122,13 +122,10 @@ private:
 
 class Session {
 public:
-    Session() {
-        device_.timeline.run_stepped();
-        state_ = state();
-    }
+    Session() { state_ = state(); }
 
     void give(std::string const& line) {
-        sim::Reply const reply = sim::device_commands().run({device_, [] {}}, line);
+        sim::Reply const reply = sim::device_commands().run({device_, {}, [](bool) {}}, line);
         // What came by itself later would look like a change.
         device_.timeline.run_stepped();
         device_.timeline.step(sim::Duration(0));
@@ -142,7 +139,7 @@ public:
     }
 
     void check_json() {
-        sim::Reply const reply = sim::device_commands().run({device_, {}}, "show --json");
+        sim::Reply const reply = sim::device_commands().run({device_}, "show --json");
         require(reply.ok && JsonReader(reply.text).reads_whole_text(), "show --json answers JSON");
     }
 
@@ -155,10 +152,9 @@ private:
     };
 
     State state() {
-        auto const lock = device_.lock();
-        device_.advance();
-        State state{{}, device_.faults.list(), device_.nodes.list()};
-        for (auto const& [name, property] : device_.properties.all()) {
+        auto const device = device_.access();
+        State state{{}, device->faults.list(), device->nodes.list()};
+        for (auto const& [name, property] : device->properties.all()) {
             state.properties.push_back(property.get());
         }
         return state;
@@ -167,7 +163,8 @@ private:
     void require_same(State const& before, std::string const& line) {
         auto value = state_.properties.begin();
         auto value_before = before.properties.begin();
-        for (auto const& [name, property] : device_.properties.all()) {
+        auto const device = device_.access();
+        for (auto const& [name, property] : device->properties.all()) {
             if (*value != *value_before) {
                 require_equal(sim::value_text(*value), sim::value_text(*value_before),
                               (name + changed_by(line)).c_str());

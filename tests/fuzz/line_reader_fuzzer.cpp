@@ -18,7 +18,7 @@
 #include "app/console_io.h"
 #include "app/no_answer.h"
 #include "net/socket.h"
-#include "tests/fuzz/require.h"
+#include "tests/support/require.h"
 
 namespace {
 

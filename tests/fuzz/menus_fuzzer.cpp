@@ -1,7 +1,7 @@
 // Fuzzer of the menus: any keys and numbers, against a library that answers anything.
 //
 // Input: the first line is the entry (kEntries), the mode (begin_mode) and, for the entry 'w', the console's command
-// word. What follows is "typed|sent by the client|answers of the library": see typed_input.h and library/double.h.
+// word. What follows is "typed|sent by the client|answers of the library": see typed_input.h and second_library.h.
 //
 // Not reached here: the thread of a connected client, whose exit could not be survived (its menus run on this thread,
 // in socket mode), and so the local menu. Socket mode that the console starts itself finds its port taken.
@@ -42,9 +42,10 @@
 #include "menus/motion/gyro_delegate.h"
 #include "menus/ranging/tof.h"
 #include "net/socket.h"
-#include "tests/fuzz/library/double.h"
-#include "tests/fuzz/require.h"
 #include "tests/fuzz/typed_input.h"
+#include "tests/second_library/second_library.h"
+#include "tests/support/menus.h"
+#include "tests/support/require.h"
 
 namespace {
 
@@ -52,8 +53,8 @@ constexpr auto kWaitAtEnd = std::chrono::milliseconds(20);
 constexpr int kMostWaitsAtEnd = 2;  // the first leaves a component menu; then the main menu is shown without end
 
 unsigned char take_answer() {
-    library_double::settle();
-    return library_double::taken<unsigned char>();
+    second_library::settle();
+    return second_library::taken<unsigned char>();
 }
 
 // How a run of the console ends.
@@ -102,8 +103,8 @@ struct Entry {
     void (*enter)();
 };
 
-// The letters of the main menu where it has the menu.
-constexpr Entry kEntries[] = {
+// A menu by its key at the main menu, the others by letters that no menu has.
+Entry const kEntries[] = {
     {'m', [] { console_main(1, nullptr); }},
     {'w',
      [] {
@@ -111,27 +112,33 @@ constexpr Entry kEntries[] = {
          char* arguments[] = {program, run.word.data(), nullptr};
          console_main(2, arguments);
      }},
-    {'a', [] { test_dio(); }},
-    {'b', [] { test_rtu(); }},
-    {'c', [] { test_illumination(); }},
-    {'e', [] { test_imx(static_cast<int>(hal::imx_te::imx296)); }},
-    {'f', [] { test_autofocus(); }},
-    {'k', [] { test_camera(); }},
-    {'l', [] { test_system(); }},
-    {'g', [] { test_gyro(); }},
-    {'G', [] { test_gyro_alarm(); }},
-    {'h', [] { test_gyro_delegate(); }},
-    {'H', [] { test_gyro_delegate_and_alarm(); }},
-    {'t', [] { test_button(); }},
-    {'p', [] { test_tof(); }},
+    {menus::kDio.key, [] { test_dio(); }},
+    {menus::kRtu.key, [] { test_rtu(); }},
+    {menus::kIllumination.key, [] { test_illumination(); }},
+    {menus::kImx296.key, [] { test_imx(static_cast<int>(hal::imx_te::imx296)); }},
+    {menus::kImx567.key, [] { test_imx(static_cast<int>(hal::imx_te::imx567)); }},
+    {menus::kAutofocus.key, [] { test_autofocus(); }},
+    {menus::kCamera.key, [] { test_camera(); }},
+    {menus::kSystem.key, [] { test_system(); }},
+    {menus::kGyro.key, [] { test_gyro(); }},
+    {menus::kAlarm.key, [] { test_gyro_alarm(); }},
+    {menus::kDelegate.key, [] { test_gyro_delegate(); }},
+    {menus::kDelegateAndAlarm.key, [] { test_gyro_delegate_and_alarm(); }},
+    {menus::kButton.key, [] { test_button(); }},
+    {menus::kTof.key, [] { test_tof(); }},
     {'o', [] { test_alarm_old(); }},
     {'u', run_unbound_commands},
 };
 
+// The end of kEntries where no entry has the letter.
+Entry const* find_entry(char letter) {
+    return std::find_if(std::begin(kEntries), std::end(kEntries),
+                        [&](Entry const& candidate) { return candidate.letter == letter; });
+}
+
 // The main menu for any other letter.
 void enter(char letter) {
-    auto const* const entry = std::find_if(std::begin(kEntries), std::end(kEntries),
-                                           [&](Entry const& candidate) { return candidate.letter == letter; });
+    auto const* const entry = find_entry(letter);
     try {
         (entry != std::end(kEntries) ? *entry : kEntries[0]).enter();
     } catch (std::runtime_error const& error) {
@@ -145,13 +152,13 @@ End run_console(char letter) {
         run.in_console = true;
         enter(letter);
     }
-    library_double::settle();
+    second_library::settle();
     run.in_console = false;
     return end;
 }
 
 [[noreturn]] void leave(End end) {
-    library_double::settle();
+    second_library::settle();
     std::longjmp(run.start, end);
 }
 
@@ -270,12 +277,15 @@ FILE* fopen64(char const* path, char const* mode) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     require(std::freopen("/dev/null", "w", stdout) != nullptr, "standard output to nowhere");
+    for (menus::Menu const& menu : menus::every_menu()) {
+        require(menu.key == '\0' || find_entry(menu.key) != std::end(kEntries), "every menu of the table has an entry");
+    }
     typed_input::use();
     typed_input::on_sleep = on_sleep;
     typed_input::play("x", false);
-    library_double::begin("");
+    second_library::begin("");
     test_dio();  // builds the object that it keeps
-    run.objects_before = library_double::living();
+    run.objects_before = second_library::living();
     require_equal(run.objects_before, std::size_t{2}, "objects that are never destroyed");
     return 0;
 }
@@ -288,11 +298,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     run.word = head.substr(std::min<std::size_t>(head.size(), 2));
     run.is_root = true;
     run.waits_at_end = 0;
-    library_double::begin(rest);
+    second_library::begin(rest);
     Mode const mode(head.size() > 1 ? head[1] : 't');
     if (run_console(head.empty() ? 'm' : head[0]) == exited) {
-        library_double::abandon(run.objects_before);
+        second_library::abandon(run.objects_before);
     }
-    require_equal(library_double::living(), run.objects_before, "objects left behind");
+    require_equal(second_library::living(), run.objects_before, "objects left behind");
     return 0;
 }

@@ -11,7 +11,7 @@
 
 #include "sim/control/scenario.h"
 #include "sim/device/device.h"
-#include "tests/fuzz/require.h"
+#include "tests/support/require.h"
 
 namespace {
 
@@ -68,13 +68,12 @@ bool keeps_the_clock(sim::Scenario const& scenario) {
 
 void carry_out(sim::Scenario const& scenario) {
     sim::Device device(std::make_unique<sim::MemoryFileSystem>());
-    device.timeline.run_stepped();
     require_equal(sim::start_scenario(scenario, device), sim::Error(), "error of a rehearsed scenario");
     sim::Time last(0);
     for (sim::ScenarioLine const& line : scenario) {
         last = std::max(last, line.due.value_or(last));
     }
-    device.timeline.step(std::max(sim::Duration(0), last - device.now()));
+    device.timeline.step(std::max(sim::Duration(0), last - device.timeline.now()));
     device.timeline.stop();
 }
 

@@ -17,8 +17,8 @@
 
 #include "app/no_answer.h"
 #include "app/terminal_input.h"
-#include "tests/fuzz/require.h"
 #include "tests/fuzz/typed_input.h"
+#include "tests/support/require.h"
 
 namespace {
 

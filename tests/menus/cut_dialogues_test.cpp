@@ -16,7 +16,6 @@ using support::SessionOptions;
 using support::StationClient;
 
 constexpr char const* kControlD = "\x04";
-std::string const kModeStart = "System calls\n6\nint test_socket()\n" + kSocketMenu + kStart;
 std::string const kOperatorsX = "\t\t Your Option = x\n";
 
 // The terminal echoes nothing and leaves line ends alone, so that the output is what the console prints.
@@ -31,15 +30,6 @@ SessionOptions in_socket_mode(SessionOptions options = {}) {
     return options;
 }
 
-std::string line_from_client(std::string const& line) {
-    return "ReadLine: " + line + "\n";
-}
-
-// The main menu, answered by the client.
-std::string main_menu_of_client(char key) {
-    return main_menu() + line_from_client(std::string{key}) + "Entered Option = " + key + "\n";
-}
-
 // One dialogue, which its `answered`-th question ends.
 struct Cut {
     Dialogue const& dialogue;
@@ -52,25 +42,19 @@ struct Cut {
     }
     Question const& last() const { return dialogue.questions[answered]; }
 
-    SessionOptions with_clock(SessionOptions options = {}) const {
-        if (menu().stepped) {
-            options.clock = "stepped";
-            options.scenario.emplace_back("set orientation.noise 0");
-        }
-        return options;
-    }
+    SessionOptions with_clock(SessionOptions const& options = {}) const { return menus::options_for(menu(), options); }
 
     std::string typed() const {
-        std::string text = std::string{menu().main_key, '\n', dialogue.key, '\n'};
+        std::string text = std::string{menu().key, '\n', dialogue.key, '\n'};
         for (Question const& question : answered_questions()) {
             text += question.answer + "\n";
         }
         return text;
     }
 
-    // From the menu's entry up to the question.
+    // From the menu's first screen up to the question.
     std::string printed() const {
-        std::string text = menu().start + menu().screen(dialogue.key);
+        std::string text = menu().screen(dialogue.key);
         for (Question const& question : answered_questions()) {
             text += question.printed;
         }
@@ -79,21 +63,9 @@ struct Cut {
 
     std::string left() const { return menu().screen('x') + menu().goodbye; }
 
-    // The menu's screen up to its prompt.
-    std::string unanswered_screen() const {
-        std::string const text = menu().screen('?');
-        return text.substr(0, text.size() - menu().echo.size() - 2);
-    }
-
-    // The menu's screen, answered by the client where that has the keys.
-    std::string screen_with_client(char key) const {
-        return unanswered_screen() + (menu().client_has_the_keys ? line_from_client(std::string{key}) : "") +
-               menu().echo + key + "\n";
-    }
-
     // As printed(), with a client.
     std::string printed_with_client() const {
-        std::string text = menu().start + screen_with_client(dialogue.key);
+        std::string text = screen_with_client(menu(), dialogue.key);
         for (Question const& question : answered_questions()) {
             text += question.printed + (question.to_the_client ? line_from_client(question.answer) : "");
         }
@@ -124,9 +96,9 @@ class DialogueWithClient {
 public:
     DialogueWithClient(Cut const& cut, SessionOptions const& options) : session(cut.with_clock(options)) {
         session.wait_for(main_menu());
-        client.send(std::string{cut.menu().main_key, '\n'});
-        session.wait_for(cut.unanswered_screen());
-        say(cut.menu().client_has_the_keys, std::string{cut.dialogue.key});
+        client.send(std::string{cut.menu().key, '\n'});
+        session.wait_for(cut.menu().prompt());
+        say(cut.menu().is(client_driven), std::string{cut.dialogue.key});
         session.wait_for(cut.menu().echo + cut.dialogue.key + "\n");
         for (Question const& question : cut.answered_questions()) {
             session.wait_for(question.printed);
@@ -169,8 +141,8 @@ TEST_P(CutDialogueTest, EndOfInput) {
         ConsoleSession session(cut.with_clock());
         session.type(cut.typed());
         session.end_input();
-        std::string expected = kStart + main_menu(cut.menu().main_key) + cut.printed() + cut.left();
-        if (cut.menu().exit_key_ends_the_console) {
+        std::string expected = output_before(cut.menu()) + cut.printed() + cut.left();
+        if (cut.menu().is(ends_the_console)) {
             EXPECT_EQ(session.wait_for_exit(), 0);
             EXPECT_EQ(session.output(), expected);
         } else {
@@ -187,8 +159,8 @@ TEST_P(CutDialogueTest, ControlD) {
         ConsoleSession session(cut.with_clock(at_a_plain_terminal()));
         session.wait_for(main_menu());
         session.type(cut.typed() + kControlD + "x\n");
-        std::string expected = kStart + main_menu(cut.menu().main_key) + cut.printed() + cut.left();
-        if (!cut.menu().exit_key_ends_the_console) {
+        std::string expected = output_before(cut.menu()) + cut.printed() + cut.left();
+        if (!cut.menu().is(ends_the_console)) {
             session.type("x\n");
             expected += main_menu('x');
         }
@@ -202,9 +174,8 @@ TEST_P(CutDialogueTest, ClientGone) {
     after_each_answer([](Cut const& cut) {
         DialogueWithClient run(cut, in_socket_mode());
         run.client.finish();
-        std::string expected =
-            kModeStart + main_menu_of_client(cut.menu().main_key) + cut.printed_with_client() + cut.left();
-        if (!cut.menu().exit_key_ends_the_console) {
+        std::string expected = output_before_with_client(cut.menu()) + cut.printed_with_client() + cut.left();
+        if (!cut.menu().is(ends_the_console)) {
             run.session.wait_for("Entered Option = x\n");
             run.session.type("x\n");
             expected += main_menu('x') + kOperatorsX;
@@ -218,7 +189,7 @@ TEST_P(CutDialogueTest, ClientGone) {
 
 // The client has keys and questions: the terminal is the local menu's.
 bool local_menu_has_the_terminal(Dialogue const& dialogue) {
-    return dialogue.menu.client_has_the_keys && dialogue.questions[0].to_the_client;
+    return dialogue.menu.is(client_driven) && dialogue.questions[0].to_the_client;
 }
 
 class CutBesideTheLocalMenuTest : public CutDialogueTest {};
@@ -228,8 +199,8 @@ TEST_P(CutBesideTheLocalMenuTest, OperatorEndsTheMode) {
         DialogueWithClient run(cut, in_socket_mode());
         run.session.type("x\n");
         EXPECT_EQ(run.session.wait_for_exit(), 0);
-        EXPECT_EQ(run.session.output(), kModeStart + main_menu_of_client(cut.menu().main_key) +
-                                            cut.printed_with_client() + kOperatorsX + cut.left() + main_menu('x'));
+        EXPECT_EQ(run.session.output(), output_before_with_client(cut.menu()) + cut.printed_with_client() +
+                                            kOperatorsX + cut.left() + main_menu('x'));
         EXPECT_EQ(run.session.calls(), cut.all_calls());
         EXPECT_TRUE(run.client.ended());
     });
@@ -242,15 +213,15 @@ TEST_P(CutAtTheTerminalTest, ControlDWithAClient) {
     after_each_answer([](Cut const& cut) {
         DialogueWithClient run(cut, in_socket_mode(at_a_plain_terminal()));
         run.session.type(kControlD);
-        run.session.wait_for(cut.unanswered_screen());
-        if (cut.menu().client_has_the_keys) {
+        run.session.wait_for(cut.menu().prompt());
+        if (cut.menu().is(client_driven)) {
             run.client.send("x\n");
         } else {
             run.session.type("x\n");
         }
-        std::string expected = kModeStart + main_menu_of_client(cut.menu().main_key) + cut.printed_with_client() +
-                               cut.screen_with_client('x') + cut.menu().goodbye;
-        if (!cut.menu().exit_key_ends_the_console) {
+        std::string expected = output_before_with_client(cut.menu()) + cut.printed_with_client() +
+                               screen_with_client(cut.menu(), 'x') + cut.menu().goodbye;
+        if (!cut.menu().is(ends_the_console)) {
             run.client.send("A\nx\n");
             EXPECT_EQ(run.client.receive_reply(), "0;\\n");  // no item waited for it
             run.session.wait_for("Entered Option = x\n");
@@ -299,7 +270,7 @@ TEST_F(ClientQuestionTest, EndOfInputEndsTheCommandAndTheClientGoesOn) {
     Cut const cut{gain, 0};
     DialogueWithClient run(cut, in_socket_mode());
     run.session.end_input();
-    run.session.wait_for(cut.unanswered_screen());
+    run.session.wait_for(cut.menu().prompt());
     run.client.send("x\nA\n");
     EXPECT_EQ(run.client.receive_reply(), "0;\\n");
     run.client.send("x\n");

@@ -1,36 +1,15 @@
-// Every question that the console asks: the menus, their commands that ask, and what each prints and calls before.
+// Every question that the console asks: the commands that ask, and what each prints and calls before.
 #pragma once
 
-#include <algorithm>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "tests/menus/motion/motion_run.h"
-#include "tests/support/screens/imaging.h"
-#include "tests/support/screens/light.h"
-#include "tests/support/screens/motion.h"
-#include "tests/support/screens/ranging.h"
-#include "tests/support/screens/shell.h"
+#include "tests/support/menus.h"
 
 namespace dialogues {
 
-using motion::operator+;
-using support::Calls;
-
-struct Menu {
-    char main_key;
-    std::string start;            // printed once on entry
-    std::string (*screen)(char);  // the menu with the echo of the key that answers it
-    std::string echo;             // the beginning of that echo
-    std::string goodbye;          // printed behind the echo of the exit key
-    Calls opening;                // calls on entry
-    Calls closing;                // calls when it is left
-    Calls ending{};               // calls when the console ends
-    bool client_has_the_keys = false;
-    bool exit_key_ends_the_console = false;
-    bool stepped = false;  // time stands, so that no sample comes
-};
+using namespace menus;
 
 struct Question {
     std::string printed;  // since the key or the answer before
@@ -49,93 +28,6 @@ struct Dialogue {
 inline void PrintTo(Dialogue const& dialogue, std::ostream* out) {
     *out << dialogue.name;
 }
-
-inline Menu const kSystem{'l',
-                          screens::kSystemStart,
-                          screens::system_menu,
-                          "\n\tYour option = ",
-                          "",
-                          {R"(system_t::system_t("/dev/r47-rtu-driver", 2))"},
-                          {},
-                          {},
-                          false,
-                          true};
-inline Menu const kRtu{'b', screens::kRtuStart, screens::rtu_menu, "Your Option = ", "", {}, {}};
-inline Menu const kCamera{
-    'k',
-    "",
-    screens::camera_menu,
-    "\t\tYour option = ",
-    "",
-    {"camera_t::determine_imxtype() = 1", R"(camera_t::camera_t(1, null, "/dev/r47-rtu-driver", 2))"},
-    {"camera_t::~camera_t()"},
-    {},
-    true};
-inline Menu const kDio{'a',
-                       screens::kDioStart,
-                       screens::dio_menu,
-                       "\n\tYour option = ",
-                       "",
-                       {motion::kRtuConstruction},
-                       {},
-                       {"rtu_t::~rtu_t()"},
-                       true};
-inline Menu const kImageSensor{'e',
-                               "",
-                               screens::image_sensor_menu,
-                               "\t\t Your Option = ",
-                               "",
-                               {R"(base_t::base_t("/dev/imx296", 2))"},
-                               {"base_t::~base_t()"}};
-inline Menu const kIllumination{'c',
-                                "",
-                                screens::illumination_menu,
-                                "Your Option = ",
-                                "",
-                                {R"(base_t::base_t("/dev/r47-illumination-driver", 2))"},
-                                {"base_t::~base_t()"}};
-inline Menu const kAutofocus{'f',
-                             "",
-                             screens::autofocus_menu,
-                             "Your Option = ",
-                             "",
-                             {R"(base_t::base_t("/dev/r47-autofocus-driver", 2))", "autofocus_t::set_present() = true"},
-                             {"base_t::~base_t()"}};
-inline Menu const kGyro{
-    'g',
-    screens::firmware_report("AP", true) + "\n\n\n\n\n",
-    screens::gyro_menu,
-    "Your Option = ",
-    "",
-    {motion::gyro_construction(), "gyro_t::boot() = 0", "gyro_t::install_callbacks() = 0",
-     "gyro_t::info_firmware() = 0", "gyro_t::activate_vsensor(37, 5, 1) = 0", "gyro_t::irq_callback_hold(false) = 0"},
-    {"gyro_t::~gyro_t()"},
-    {},
-    false,
-    false,
-    true};
-inline Menu const kAlarm{
-    'G',
-    "int test_gyro_alarm()\nDetected device R47" + screens::firmware_report("AP", true),
-    screens::alarm_menu,
-    "\t\t Your Option = ",
-    "",
-    {motion::kRtuConstruction, motion::gyro_construction(), motion::button_construction(82), "gyro_t::boot() = 0",
-     "gyro_t::info_firmware() = 0", "gyro_t::activate_vsensor(37, 10, 1) = 0", "gyro_alarm_t::gyro_alarm_t(#3, 37)",
-     "rtu_t::set_device_status(3) = 0", "gyro_t::irq_callback_hold(false) = 0",
-     "button_t::irq_callback_hold(false) = 0"},
-    {"gyro_alarm_t::~gyro_alarm_t()", "button_t::~button_t()", "gyro_t::~gyro_t()", "rtu_t::~rtu_t()"},
-    {},
-    false,
-    false,
-    true};
-inline Menu const kTof{'p',
-                       "",
-                       screens::tof_menu,
-                       "\t\tYour option = ",
-                       screens::unknown_command('x'),
-                       {R"(tof_t::tof_t("/dev/r47-tof-driver", 2))"},
-                       {"tof_t::~tof_t()"}};
 
 // A command with one question and nothing before it.
 inline Dialogue one(std::string const& name, Menu const& menu, char key, std::string const& prompt) {
@@ -179,8 +71,8 @@ inline std::vector<Dialogue> all() {
         one("CameraGain", kCamera, 'E', "Enter a value for gain: "),
         one("CameraExposure", kCamera, 'F', "Enter a value for exposure: "),
 
-        one("SensorGain", kImageSensor, 'E', "Enter a value for gain: "),
-        one("SensorScanMode", kImageSensor, 'H', "Enter a value for hscanmode: "),
+        one("SensorGain", kImx296, 'E', "Enter a value for gain: "),
+        one("SensorScanMode", kImx296, 'H', "Enter a value for hscanmode: "),
 
         {"DioSetConfig", kDio, 'f',
          to_the_client({"Setup DIO config: \nDIO Pin:", "DIO type 0-npn 1-pnp 2-pupu:",

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/console_session.h"
-#include "tests/support/screens/shell.h"
+#include "tests/support/menus.h"
+#include "tests/support/transcript.h"
 
 namespace menus {
 
@@ -16,23 +16,15 @@ struct Step {
     char key;
     std::string typed;
     std::string printed;
-    support::Calls calls;
+    Calls calls;
     std::string errors{};
 };
 
-struct Menu {
-    char main_key;
-    std::string start;            // printed once on entry
-    std::string (*screen)(char);  // the menu with the echo of the key that answers it
-    support::Calls opening;       // calls on entry
-    support::Calls closing;       // calls after the last key
-};
-
-// Visits the menu, answers it with the steps and 'x', and leaves the console.
+// The transcript of a visit of the menu, which is answered with the steps and 'x'.
 inline void expect_run(Menu const& menu, std::vector<Step> const& steps, support::SessionOptions const& options = {}) {
-    std::string typed(1, menu.main_key);
-    std::string printed = menu.start;
-    support::Calls calls = menu.opening;
+    std::string typed = menu.entry_keys();
+    std::string printed;
+    Calls calls;
     std::string errors;
     for (Step const& step : steps) {
         typed += step.key + step.typed;
@@ -40,12 +32,8 @@ inline void expect_run(Menu const& menu, std::vector<Step> const& steps, support
         calls.insert(calls.end(), step.calls.begin(), step.calls.end());
         errors += step.errors;
     }
-    calls.insert(calls.end(), menu.closing.begin(), menu.closing.end());
-    auto const run = support::run_console(typed + "xx", options);
-    EXPECT_EQ(run.output, screens::visit(menu.main_key, printed + menu.screen('x')));
-    EXPECT_EQ(run.calls, calls);
-    EXPECT_EQ(run.errors, errors);
-    EXPECT_EQ(run.status, 0);
+    support::expect_transcript(options_for(menu, options), typed + menu.exit_keys(), output_of_visit(menu, printed),
+                               calls_of_visit(menu, calls), errors);
 }
 
 // Each of the keys does nothing but show the menu again.
@@ -55,18 +43,6 @@ inline std::vector<Step> ignored(std::string const& keys) {
         steps.push_back({key, "", "", {}});
     }
     return steps;
-}
-
-// The menu ends the process by key '0': its objects are not destroyed, but for the static ones.
-inline void expect_exit_by_zero(Menu const& menu, support::Calls const& destroyed = {}) {
-    support::Calls calls = menu.opening;
-    calls.insert(calls.end(), destroyed.begin(), destroyed.end());
-    auto const run = support::run_console(std::string{menu.main_key, '0'});
-    EXPECT_EQ(run.output,
-              screens::kStart + screens::main_menu(menu.main_key) + menu.start + menu.screen('0') + screens::kGoodBye);
-    EXPECT_EQ(run.calls, calls);
-    EXPECT_EQ(run.errors, "");
-    EXPECT_EQ(run.status, 0);
 }
 
 inline support::SessionOptions with_scenario(std::vector<std::string> const& scenario) {
@@ -109,20 +85,20 @@ protected:
     }
 
     // A menu that reads the terminal prints the same, whatever is typed, while a client is connected.
-    void expect_as_at_the_terminal(char main_key, std::string const& typed) {
-        std::string const alone = support::run_console(main_key + typed + "xx").output;
-        std::string const before = screens::kStart + screens::main_menu(main_key);
+    void expect_as_at_the_terminal(Menu const& menu, std::string const& typed) {
+        std::string const alone = support::run_console(menu.entry_keys() + typed + menu.exit_keys()).output;
+        std::string const before = screens::kStart + screens::main_menu(menu.key);
         std::string const after = screens::main_menu('x');
         ASSERT_GT(alone.size(), before.size() + after.size());
         std::string const printed = alone.substr(before.size(), alone.size() - before.size() - after.size());
-        client.send(std::string{main_key, '\n'});
+        client.send(menu.entry_keys() + "\n");
         session.wait_for(printed.substr(0, printed.find("option: ") + 1));  // from here on the menu has the terminal
         session.type(typed + "x");
         session.wait_for(printed.substr(printed.find("option: ") + 1));
     }
 
     // The client leaves the main menu, then the operator the mode; the calls that were made.
-    support::Calls end() {
+    Calls end() {
         client.send("x\n");
         session.wait_for("Entered Option = x\n");
         session.type("x\n");

@@ -7,12 +7,12 @@
 #include <ostream>
 #include <random>
 
-#include "tests/support/console_session.h"
-#include "tests/support/screens/shell.h"
+#include "tests/support/menus.h"
 
 namespace {
 
 using namespace screens;
+using menus::Menu;
 using support::ConsoleSession;
 using support::StationClient;
 
@@ -157,8 +157,7 @@ TEST_F(SocketConsoleTest, OperatorEndsItWhateverLinesStillWait) {
 
 TEST_F(SocketConsoleTest, MenuThatReadsTheTerminalHasItUntilItReturns) {
     client.send("b\nA\n");
-    session.wait_for("Started Rtu Low Level Control \n");
-    session.wait_for("Please enter your option: ");
+    session.wait_for(menus::kRtu.start + menus::kRtu.prompt());
     session.type("D\n");
     session.wait_for("Your Option = D\n");
     session.wait_for("Please enter your option: ");
@@ -172,14 +171,12 @@ TEST_F(SocketConsoleTest, MenuThatReadsTheTerminalHasItUntilItReturns) {
 TEST_F(SocketConsoleTest, LocalMenuReadsWhatATerminalMenuLeavesOfALine) {
     for (int i = 0; i < 50; ++i) {
         client.send("b\n");
-        session.wait_for("Started Rtu Low Level Control \n");
-        session.wait_for("Please enter your option: ");
+        session.wait_for(menus::kRtu.start + menus::kRtu.prompt());
         session.type("xs\n");
         session.wait_for("\t\t Your Option = s\n");
     }
     client.send("b\n");
-    session.wait_for("Started Rtu Low Level Control \n");
-    session.wait_for("Please enter your option: ");
+    session.wait_for(menus::kRtu.start + menus::kRtu.prompt());
     session.type("xx\n");
     EXPECT_EQ(session.wait_for_exit(), 0);
 }
@@ -203,8 +200,7 @@ TEST_F(SocketConsoleTest, ClientThatVanishesInTheSystemStateMenuEndsTheConsole) 
 
 TEST_F(SocketConsoleTest, ClientThatVanishesTakesItsTerminalMenuAlong) {
     client.send("b\n");
-    session.wait_for("Started Rtu Low Level Control \n");
-    session.wait_for("Please enter your option: ");
+    session.wait_for(menus::kRtu.start + menus::kRtu.prompt());
     client.close();
     session.wait_for("Entered Option = x\n");
     expect_operator_ends_it();
@@ -254,47 +250,31 @@ TEST_F(SocketConsoleTest, EndOfTheTerminalsInputEndsWithTheClient) {
     EXPECT_EQ(session.wait_for_exit(), 0);
 }
 
-// The states of the mode in which a client is served.
-struct ClientState {
-    char const* name;
-    char const* lines;   // that bring the client there
-    char const* prompt;  // that shows it has arrived
-};
-
-void PrintTo(ClientState const& state, std::ostream* out) {
-    *out << state.name;
-}
-
-constexpr ClientState kClientStates[] = {
-    {"MainMenu", "s\n", "x. Exit (also 0)"},
-    {"ClientDrivenMenu", "k\n", "  x: Exit               Exit\n"},
-    {"TerminalMenu", "b\n", "x: Return to main               \n"},
-};
-
-// The console in socket mode, with its client in one of these states.
-class ClientStateTest : public testing::TestWithParam<ClientState> {
+// The console in socket mode, with its client at the main menu, in a menu that it drives, or in one that reads the
+// terminal.
+class ClientStateTest : public testing::TestWithParam<Menu> {
 protected:
     void start(support::SessionOptions const& options = socket_word()) {
+        auto const wait_for = [&](std::string const& text) {
+            session->wait_for(options.terminal ? at_terminal(text) : text);
+        };
         session = std::make_unique<ConsoleSession>(options);
         client = std::make_unique<StationClient>();
-        session->wait_for("x. Exit (also 0)");
-        client->send(GetParam().lines);
-        session->wait_for(GetParam().prompt);
-        session->wait_for("Please enter your option: ");
+        wait_for(main_menu());
+        client->send(lines());
+        wait_for(GetParam().prompt());
     }
 
     void start_at_a_terminal() {
         support::SessionOptions options = socket_word();
         options.terminal = true;
-        session = std::make_unique<ConsoleSession>(options);
-        client = std::make_unique<StationClient>();
-        session->wait_for("x. Exit (also 0)");
-        client->send(GetParam().lines);
-        session->wait_for(std::string(GetParam().prompt).substr(0, 10));
-        session->wait_for("Please enter your option: ");
+        start(options);
     }
 
-    bool in_terminal_menu() const { return std::string(GetParam().name) == "TerminalMenu"; }
+    // That bring the client there; at the main menu, a key that shows it again.
+    std::string lines() const { return (at_main_menu() ? "s" : GetParam().entry_keys()) + "\n"; }
+    bool at_main_menu() const { return GetParam().key == '\0'; }
+    bool in_terminal_menu() const { return !GetParam().is(menus::client_driven); }
 
     void expect_operator_ends_it() {
         session->type("x\n");
@@ -305,7 +285,7 @@ protected:
     std::unique_ptr<StationClient> client;
 };
 
-INSTANTIATE_TEST_SUITE_P(, ClientStateTest, testing::ValuesIn(kClientStates),
+INSTANTIATE_TEST_SUITE_P(, ClientStateTest, testing::Values(menus::kMain, menus::kCamera, menus::kRtu),
                          [](auto const& state) { return std::string(state.param.name); });
 
 TEST_P(ClientStateTest, OperatorEndsTheMode) {
@@ -386,9 +366,8 @@ TEST_P(ClientStateTest, TerminalThatIsClosedEndsTheConsole) {
 TEST_P(ClientStateTest, ClosedOutputKeepsTheClientServed) {
     start();
     session->close_output();
-    bool const in_client_driven_menu = std::string(GetParam().name) == "ClientDrivenMenu";
     session->type(in_terminal_menu() ? "x\n" : "");
-    client->send(in_client_driven_menu ? "x\nA\n" : "A\n");
+    client->send(at_main_menu() || in_terminal_menu() ? "A\n" : "x\nA\n");
     EXPECT_EQ(client->receive_reply(), "0;\\n");
     expect_operator_ends_it();
 }
@@ -400,7 +379,7 @@ TEST_P(ClientStateTest, FullOutputKeepsTheClientServed) {
     client = std::make_unique<StationClient>();
     client->send("A\n");
     EXPECT_EQ(client->receive_reply(), "0;\\n");
-    client->send(GetParam().lines);
+    client->send(lines());
     client->close();
     session->end_input();
     EXPECT_EQ(session->wait_for_exit(), 0);
@@ -484,7 +463,7 @@ TEST(SocketConsoleKeyTest, SecondModeServesItsClientToo) {
     }
     session.wait_for(kStart + main_menu());
     session.type("bxL\n");
-    session.wait_for("Started Rtu Low Level Control \n");
+    session.wait_for(menus::kRtu.start);
     session.wait_for("Your Option = x\n" + main_menu('L') + "int test_socket()\n");
     StationClient client;
     client.send("A\n");

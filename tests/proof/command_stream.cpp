@@ -15,26 +15,25 @@ constexpr int kRefused = -1;
 void CommandStream::add_command(std::string& lines, std::string& replies) {
     lines_ = &lines;
     replies_ = &replies;
-    switch (menu_) {
-        case Menu::main:
-            return main_command();
-        case Menu::dio:
-            return dio_command();
-        case Menu::camera:
-            return camera_command();
-        case Menu::button:
-            return button_command();
+    if (menu_ == &menus::kDio) {
+        return dio_command();
     }
+    if (menu_ == &menus::kCamera) {
+        return camera_command();
+    }
+    if (menu_ == &menus::kButton) {
+        return button_command();
+    }
+    main_command();
 }
 
 void CommandStream::add_rest(std::string& lines, std::string& replies) {
     lines_ = &lines;
     replies_ = &replies;
-    if (menu_ != Menu::main) {
+    if (menu_ != &menus::kMain) {
         leave();
     }
-    key('a');
-    menu_ = Menu::dio;
+    enter(menus::kDio);
     read_all_pins();
 }
 
@@ -57,26 +56,25 @@ void CommandStream::send_reply() {
     waiting_.clear();
 }
 
+void CommandStream::enter(menus::Menu const& menu) {
+    key(menu.key);
+    menu_ = &menu;
+}
+
 void CommandStream::leave() {
     key('x');
-    menu_ = Menu::main;
+    menu_ = &menus::kMain;
 }
 
 void CommandStream::main_command() {
     switch (below(10)) {
         case 0:
         case 1:
-            key('a');
-            menu_ = Menu::dio;
-            return;
+            return enter(menus::kDio);
         case 2:
-            key('k');
-            menu_ = Menu::camera;
-            return;
+            return enter(menus::kCamera);
         case 3:
-            key('t');
-            menu_ = Menu::button;
-            return;
+            return enter(menus::kButton);
         case 4:
             return key("LsDO"[below(4)]);  // nothing, in socket mode
         default:

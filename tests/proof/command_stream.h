@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/menus.h"
+
 namespace proof {
 
 // Visits the device check and the menus that a client drives, in a random order that the seed fixes. Knows the
@@ -20,8 +22,6 @@ public:
     void add_rest(std::string& lines, std::string& replies);
 
 private:
-    enum class Menu { main, dio, camera, button };
-
     struct Pin {
         int type = 0;
         int off_delay_time = 0;
@@ -36,6 +36,7 @@ private:
     void number(int value) { number(std::to_string(value)); }
     void item(int value) { waiting_ += std::to_string(value) + ";"; }
     void send_reply();
+    void enter(menus::Menu const& menu);
     void leave();
 
     void main_command();
@@ -50,7 +51,7 @@ private:
     void button_command();
 
     std::mt19937 random_;
-    Menu menu_ = Menu::main;
+    menus::Menu const* menu_ = &menus::kMain;
     std::array<Pin, 6> pins_;
     std::string waiting_;  // items of a reply that is not sent yet
     std::string* lines_ = nullptr;

@@ -27,9 +27,10 @@ constexpr char const* kUsage =
     "  --jobs N        runs beside each other; default: twice the processors, for some sessions wait a lot\n"
     "  --session NAME  this session alone\n";
 
+enum Kind : std::size_t { kFail, kDelay };
 constexpr char const* kKinds[] = {"fail", "delay"};
 constexpr char const* kEffects[] = {"status -1", "delay 20"};
-constexpr long kDelay = 20000;  // microseconds, as above
+constexpr long kLateness = 20000;  // microseconds, as above
 
 constexpr auto kLongestRun = std::chrono::minutes(3);
 
@@ -38,9 +39,10 @@ constexpr char const* kMarker = "?\n";
 
 constexpr char const* kErrorLine = "Failed read rev\n: ";  // the one report on standard error that the console makes
 
-// The call of a run that is disturbed, counted from 0, and how.
+// The call of a run that is disturbed, counted from 0, how many that its rule could take come before it, and how.
 struct Fault {
     std::size_t call;
+    std::size_t skip;
     std::size_t kind;
 };
 
@@ -71,9 +73,14 @@ std::string keys_of(std::string const& output) {
     return keys;
 }
 
+// A destructor answers nothing, so it cannot fail.
+bool can_fail(std::string const& operation) {
+    return operation.find("::~") == std::string::npos;
+}
+
 // One line of the journal that stands for a call.
 struct Call {
-    long time;  // microseconds, when it was done
+    long took;  // microseconds
     std::string operation;
     bool module_failed;  // a failed read of a module's status or revision
 };
@@ -81,17 +88,15 @@ struct Call {
 std::vector<Call> calls_of(ConsoleSession const& console) {
     std::vector<Call> calls;
     for (std::string const& line : console.journal()) {
-        std::istringstream words(line);
-        Call call{};
-        std::string time;
-        int object = 0;
-        words >> time >> object >> call.operation;
-        time.erase(time.find('.'), 1);  // seconds with six decimals
-        call.time = std::stol(time);
-        if (call.operation == "callback") {
+        support::JournalLine const parsed = support::parse_journal_line(line);
+        if (parsed.kind != "call") {
             continue;
         }
-        call.operation = call.operation.substr(0, call.operation.find('('));
+        Call call{};
+        std::string took = parsed.took;
+        took.erase(took.find('.'), 1);  // seconds with six decimals
+        call.took = std::stol(took);
+        call.operation = parsed.text.substr(0, parsed.text.find('('));
         bool const of_module = call.operation.find("::get_status") != std::string::npos ||
                                call.operation.find("::get_revision") != std::string::npos;
         call.module_failed = of_module && line.find(") = -") != std::string::npos;
@@ -107,7 +112,7 @@ public:
     Run run() {
         support::SessionOptions options = session_.options;
         if (fault_) {
-            options.scenario.push_back("fault add * skip " + std::to_string(fault_->call) + " count 1 " +
+            options.scenario.push_back("fault add * skip " + std::to_string(fault_->skip) + " count 1 " +
                                        kEffects[fault_->kind]);
         }
         try {
@@ -213,10 +218,9 @@ private:
     void judge_fault(std::vector<Call> const& calls) {
         // Each call asks the rules once, before it is journaled: a call that is in the journal has had its fault.
         run_.fired = run_.fired || calls.size() > fault_->call;
-        bool const delayed = std::string(kKinds[fault_->kind]) == "delay";
-        bool const timed =
-            fault_->call > 0 && fault_->call < calls_before_exit_;  // at its end the device stops waiting
-        if (delayed && timed && calls[fault_->call].time - calls[fault_->call - 1].time < kDelay) {
+        bool const delayed = fault_->kind == kDelay;
+        bool const timed = fault_->call < calls_before_exit_;  // at its end the device stops waiting
+        if (delayed && timed && calls[fault_->call].took < kLateness) {
             problem("the call was not delayed");
         }
     }
@@ -309,8 +313,9 @@ public:
         std::vector<Command> commands;
         for (Task const& task : tasks) {
             commands.push_back(command(task.session));
-            commands.back().insert(commands.back().end(),
-                                   {std::to_string(task.fault.call), std::to_string(task.fault.kind)});
+            commands.back().insert(
+                commands.back().end(),
+                {std::to_string(task.fault.call), std::to_string(task.fault.skip), std::to_string(task.fault.kind)});
         }
         run_all(commands, {jobs_, kLongestRun},
                 [&](std::size_t i, Outcome const& outcome) { count(tasks[i], outcome); });
@@ -340,10 +345,12 @@ private:
     std::vector<Task> choose(std::size_t sample) const {
         std::vector<Task> all;
         for (std::size_t session = 0; session < sessions_.size(); ++session) {
+            std::size_t could_fail = 0;
             for (std::size_t call = 0; call < plain_[session].calls.size(); ++call) {
-                for (std::size_t kind = 0; kind < std::size(kKinds); ++kind) {
-                    all.push_back({session, {call, kind}});
+                if (can_fail(plain_[session].calls[call])) {
+                    all.push_back({session, {call, could_fail++, kFail}});
                 }
+                all.push_back({session, {call, call, kDelay}});
             }
         }
         if (sample == 0 || sample >= all.size()) {
@@ -419,11 +426,11 @@ std::vector<Session> sessions_named(std::string const& name) {
     return chosen;
 }
 
-// One run, in a process of its own: "run SESSION [CALL KIND]".
+// One run, in a process of its own: "run SESSION [CALL SKIP KIND]".
 int run_one(std::vector<std::string> const& words) {
     std::optional<Fault> fault;
-    if (words.size() == 4) {
-        fault = Fault{std::stoul(words[2]), std::stoul(words[3])};
+    if (words.size() == 5) {
+        fault = Fault{std::stoul(words[2]), std::stoul(words[3]), std::stoul(words[4])};
     }
     std::cout << written(SessionRun(sessions_named(words[1]).front(), fault).run());
     return 0;

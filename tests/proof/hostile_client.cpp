@@ -171,7 +171,7 @@ Encounter meet(Hostility hostility, bool interrupts, unsigned int seed) {
             ended = console->ends_within(kBetweenKeys);
         }
     } catch (std::runtime_error const&) {
-        ended = console->ends_within(kBetweenKeys);  // it ended while the operator typed
+        ended = console->ends_within(kLongestEnding);  // it ended while the operator typed; its device ends after it
     }
     encounter.ending = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
     if (!ended) {

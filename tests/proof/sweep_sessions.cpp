@@ -3,10 +3,13 @@
 
 #include <sstream>
 
+#include "tests/support/menus.h"
+
 namespace proof {
 
 namespace {
 
+using namespace menus;
 using Steps = std::vector<Step>;
 
 Step typed(std::string const& text) {
@@ -36,22 +39,22 @@ Steps operator+(Steps first, Steps const& second) {
     return first;
 }
 
-// From then on the local menu is silent until somebody types.
-Steps const kConnected = {
-    {Step::Kind::connect, ""},
-    {Step::Kind::wait, "Socket test menu     \n\t\t  x: Return to main     \n\n\n   Please enter your option: "}};
+Step shown(Menu const& menu) {
+    return seen(menu.prompt());
+}
 
-// The ends of the screens, where a menu waits for its option.
-std::string const kRtu = "x: Return to main               \n\n\nPlease enter your option: ";
-std::string const kImageSensor = "x: Return to main     \n\n\nPlease enter your option: ";
-std::string const kIllumination = "Y: set alter LED STATE  \nPlease enter your option: ";
-std::string const kAutofocus = "n: AF set maintenance mode                      \n\nPlease enter your option: ";
-std::string const kGyro = "r: read and process fifos\n\n\nPlease enter your option: ";
-std::string const kAlarm = "x: Return to main \n\n\n  Please enter your option: ";
-std::string const kDelegate = "t: toggle run      \n\n\t\t  x: Return to main     \n\n\n   Please enter your option: ";
-std::string const kButton = "r: read irq value     \n\t\t  x: Exit               \nPlease enter your option: ";
-std::string const kTof = "x: Exit\nPlease enter your option: ";
-std::string const kSystem = "x. Return to Main\n\n\n\n Enter your option = ";
+// The operator enters the menu and answers it with the keys.
+Step typed_in(Menu const& menu, std::string const& keys = "") {
+    return typed(menu.entry_keys() + (keys.empty() ? "" : " ") + keys);
+}
+
+// The client enters the menu and answers it with the words.
+Step sent_to(Menu const& menu, std::string const& words = "") {
+    return sent(menu.entry_keys() + " " + words);
+}
+
+// From then on the local menu is silent until somebody types.
+Steps const kConnected = {{Step::Kind::connect, ""}, seen(screens::kSocketMenu)};
 
 // The device's time stands still but where a step moves it, so that what the library's threads do comes at the same
 // place of each run.
@@ -72,20 +75,14 @@ support::SessionOptions without(std::vector<std::string> const& nodes) {
     return options;
 }
 
-support::SessionOptions entry_point(std::string const& name) {
-    support::SessionOptions options = stepped();
-    options.entry_point = name;
-    return options;
-}
-
 // Out of the taught position and back, and a press that teaches.
 Steps const kTiltAndTeach = {device("step 1s"),    device("tilt 0 30 0"), device("step 3s"),
                              device("tilt 0 0 0"), device("step 3s"),     device("tilt 0 0 20"),
                              device("step 3s"),    device("press 6s"),    device("step 9s")};
 
 // The client enters a menu that reads the terminal, where the operator types.
-Steps visit(std::string const& key, std::string const& prompt, std::string const& keys) {
-    return {sent(key), seen("Entered Option = " + key), seen(prompt), typed(keys)};
+Steps visit(Menu const& menu, std::string const& keys) {
+    return {sent(menu.entry_keys()), seen("Entered Option = " + menu.entry_keys()), shown(menu), typed(keys)};
 }
 
 std::string const kImageSensorKeys = "123 c e E100 h H1 i I j J D";
@@ -94,43 +91,50 @@ std::string const kAlarmKeys = "a5 b6 g7 t t D";
 // At the terminal. 'D', and 'Y' where there is a 'D', are keys of no command.
 std::vector<Session> terminal_sessions() {
     return {
-        {"system", stepped(), {typed("l f3 F h")}},  // the slow ones first: this one and the legacy test wait a lot
-        {"legacy alarm", entry_point("alarm_old"),
-         Steps{seen(kDelegate)} + kTiltAndTeach +
-             Steps{typed("s"), seen("Your Option = s"), seen(kDelegate), device("step 2s"), typed("t t i D")}},
+        {"system",
+         stepped(),
+         {typed_in(kSystem, "f3 F h")}},  // the slow ones first: this one and the legacy test wait a lot
+        {"legacy alarm", options_for(kLegacyAlarm, stepped()),
+         Steps{shown(kLegacyAlarm)} + kTiltAndTeach +
+             Steps{typed("s"), seen("Your Option = s"), shown(kLegacyAlarm), device("step 2s"), typed("t t i D")}},
         {"main", stepped(), {typed("sDAO")}},
         {"main 0", stepped(), {typed("A")}, Exit::operator_0},
-        {"dio", stepped(), {typed("a 123 f0 0 0 0 0 1 5 1 5 1 5 F0 h0 1 H0 p o O G j k l m n D x a p x")}},
-        {"dio 0", stepped(), {typed("a p")}, Exit::operator_0},
-        {"rtu", stepped(), {typed("b 123 a1 A b100 B c5 C e5000 E m t10 T p D x")}},
-        {"rtu 0", stepped(), {typed("b B")}, Exit::operator_0},
-        {"camera", stepped(), {typed("k m t T W u25 U L v V e E100 f F5000 w i j8 16 J k s S1 z Z D x")}},
-        {"imx296", stepped(), {typed("e " + kImageSensorKeys + " x")}},
-        {"imx567", without({"/dev/imx296"}), {typed("E " + kImageSensorKeys + " x")}},
-        {"imx 0", stepped(), {typed("E c")}, Exit::operator_0},
-        {"no sensor", without({"/dev/imx296", "/dev/imx567"}), {typed("e E k k m e x")}},
+        {"dio", stepped(), {typed_in(kDio, "123 f0 0 0 0 0 1 5 1 5 1 5 F0 h0 1 H0 p o O G j k l m n D x a p x")}},
+        {"dio 0", stepped(), {typed_in(kDio, "p")}, Exit::operator_0},
+        {"rtu", stepped(), {typed_in(kRtu, "123 a1 A b100 B c5 C e5000 E m t10 T p D x")}},
+        {"rtu 0", stepped(), {typed_in(kRtu, "B")}, Exit::operator_0},
+        {"camera", stepped(), {typed_in(kCamera, "m t T W u25 U L v V e E100 f F5000 w i j8 16 J k s S1 z Z D x")}},
+        {"imx296", stepped(), {typed_in(kImx296, kImageSensorKeys + " x")}},
+        {"imx567", without({"/dev/imx296"}), {typed_in(kImx567, kImageSensorKeys + " x")}},
+        {"imx 0", stepped(), {typed_in(kImx567, "c")}, Exit::operator_0},
+        {"no sensor", without({"/dev/imx296", "/dev/imx567"}), {typed_in(kImx296, "E k k m e x")}},
         {"illumination",
          stepped(),
-         {typed("c 123 h a A1 i a A1 b B15 c C10 d e f g j J0 J1 J2 500 k K1 l L50 m M50 n N1 o O p P80 q Q1 1 1 1 "
-                "r70 s10 S t10 T u10 U v z Z1 y Y1 D x")}},
-        {"illumination 0", stepped(), {typed("c v")}, Exit::operator_0},
-        {"autofocus", stepped(), {typed("f 123 a A500 b c d e f g h1 i1 l R47XXXX2 m M200 n1 D x")}},
-        {"autofocus 0", stepped(), {typed("f f")}, Exit::operator_0},
+         {typed_in(kIllumination,
+                   "123 h a A1 i a A1 b B15 c C10 d e f g j J0 J1 J2 500 k K1 l L50 m M50 n N1 o O p P80 q Q1 1 1 1 "
+                   "r70 s10 S t10 T u10 U v z Z1 y Y1 D x")}},
+        {"illumination 0", stepped(), {typed_in(kIllumination, "v")}, Exit::operator_0},
+        {"autofocus", stepped(), {typed_in(kAutofocus, "123 a A500 b c d e f g h1 i1 l R47XXXX2 m M200 n1 D x")}},
+        {"autofocus 0", stepped(), {typed_in(kAutofocus, "f")}, Exit::operator_0},
         {"gyro",
          stepped(),
-         {typed("g 123 d37 D37 20 3 a A37 50 100 w W s S P f F q e E b B"), seen("Your Option = B"), device("step 1s"),
-          typed("n t t r Y x")}},
-        {"gyro 0", stepped(), {typed("O g w"), seen("Your Option = w"), device("step 1s")}, Exit::operator_0},
-        {"old firmware", word(stepped(), "old_gyro_fw"), {typed("g F x G x")}},
-        {"alarm", stepped(), Steps{typed("G"), seen(kAlarm)} + kTiltAndTeach + Steps{typed(kAlarmKeys + " x")}},
+         {typed_in(kGyro, "123 d37 D37 20 3 a A37 50 100 w W s S P f F q e E b B"), seen("Your Option = B"),
+          shown(kGyro), device("step 1s"), typed("n t t r Y x")}},
+        {"gyro 0",
+         stepped(),
+         {typed("O g w"), seen("Your Option = w"), shown(kGyro), device("step 1s")},
+         Exit::operator_0},
+        {"old firmware", word(stepped(), "old_gyro_fw"), {typed_in(kGyro, "F x G x")}},
+        {"alarm", stepped(), Steps{typed_in(kAlarm), shown(kAlarm)} + kTiltAndTeach + Steps{typed(kAlarmKeys + " x")}},
         {"alarm word", word(stepped(), "alarm"), {typed(kAlarmKeys)}},
-        {"delegate", stepped(), {typed("h"), seen(kDelegate), device("step 1s"), typed("t t D x")}},
-        {"delegate+alarm", stepped(), Steps{typed("H"), seen(kDelegate)} + kTiltAndTeach + Steps{typed("t t D x")}},
+        {"delegate", stepped(), {typed_in(kDelegate), shown(kDelegate), device("step 1s"), typed("t t D x")}},
+        {"delegate+alarm", stepped(),
+         Steps{typed_in(kDelegateAndAlarm), shown(kDelegateAndAlarm)} + kTiltAndTeach + Steps{typed("t t D x")}},
         {"button",
          stepped(),
-         {typed("t"), seen(kButton), device("press 2500ms"), device("step 3s"), device("press 4500ms"),
+         {typed_in(kButton), shown(kButton), device("press 2500ms"), device("step 3s"), device("press 4500ms"),
           device("step 5s"), typed("r D x")}},
-        {"ranging", stepped(), {typed("p a64 b10 c3 d20 e5 4 700 f g3 h i j0 h j1 h D x")}},
+        {"ranging", stepped(), {typed_in(kTof, "a64 b10 c3 d20 e5 4 700 f g3 h i j0 h j1 h D x")}},
     };
 }
 
@@ -139,28 +143,30 @@ std::vector<Session> client_sessions() {
     support::SessionOptions const real = word({}, "socket");
     return {
         {"client: main", real, kConnected + Steps{sent("A s L D O A")}, Exit::client_first},
-        {"client: dio", real, kConnected + Steps{sent("a 1 2 3 f 0 0 0 0 0 1 5 1 5 1 5 F 0 h 0 1 H 0 p o O G D x A")},
+        {"client: dio", real,
+         kConnected + Steps{sent_to(kDio, "1 2 3 f 0 0 0 0 0 1 5 1 5 1 5 F 0 h 0 1 H 0 p o O G D x A")},
          Exit::client_first},
         {"client: camera", real,
-         kConnected + Steps{sent("k m t T W u 25 U L v V e E"), seen("Enter a value for gain: "), typed("100"),
-                            sent("f F"), seen("Enter a value for exposure: "), typed("5000"),
+         kConnected + Steps{sent_to(kCamera, "m t T W u 25 U L v V e E"), seen("Enter a value for gain: "),
+                            typed("100"), sent("f F"), seen("Enter a value for exposure: "), typed("5000"),
                             sent("w i j 8 16 J k s S 1 z Z D x A")},
          Exit::client_first},
-        {"client: button", real, kConnected + Steps{sent("t r D r x")}, Exit::client_first},
+        {"client: button", real, kConnected + Steps{sent_to(kButton, "r D r x")}, Exit::client_first},
         // A number from the client gives the terminal back to the local menu, until this menu asks again.
         {"client: rtu", real,
-         kConnected + Steps{sent("b"), seen(kRtu), typed("123 A b100 B c5 C e5000 E a"), sent("1"),
-                            seen("ReadLine: 1\n"), seen(kRtu), typed("t"), sent("25"), seen("ReadLine: 25\n"),
-                            seen(kRtu), typed("m T p D x"), sent("A")},
+         kConnected + Steps{sent_to(kRtu), shown(kRtu), typed("123 A b100 B c5 C e5000 E a"), sent("1"),
+                            seen("ReadLine: 1\n"), shown(kRtu), typed("t"), sent("25"), seen("ReadLine: 25\n"),
+                            shown(kRtu), typed("m T p D x"), sent("A")},
          Exit::client_first},
         {"client: illumination", real,
-         kConnected + Steps{sent("c"), seen(kIllumination), typed("a A1 v D x"), sent("A")}, Exit::client_first},
-        {"client: others", word(stepped(), "socket"),
-         kConnected + visit("e", kImageSensor, "cx") + visit("E", kImageSensor, "cx") + visit("f", kAutofocus, "ax") +
-             visit("g", kGyro, "Fx") + visit("G", kAlarm, "tx") + visit("h", kDelegate, "tx") +
-             visit("H", kDelegate, "tx") + visit("p", kTof, "hx") + Steps{sent("A")},
+         kConnected + Steps{sent_to(kIllumination), shown(kIllumination), typed("a A1 v D x"), sent("A")},
          Exit::client_first},
-        {"client: system", {}, Steps{typed("L")} + kConnected + Steps{sent("l"), seen(kSystem)}},
+        {"client: others", word(stepped(), "socket"),
+         kConnected + visit(kImx296, "cx") + visit(kImx567, "cx") + visit(kAutofocus, "ax") + visit(kGyro, "Fx") +
+             visit(kAlarm, "tx") + visit(kDelegate, "tx") + visit(kDelegateAndAlarm, "tx") + visit(kTof, "hx") +
+             Steps{sent("A")},
+         Exit::client_first},
+        {"client: system", {}, Steps{typed("L")} + kConnected + Steps{sent_to(kSystem), shown(kSystem)}},
     };
 }
 

@@ -10,9 +10,7 @@
 
 class SteppedDeviceTest : public testing::Test {
 protected:
-    SteppedDeviceTest() { device_.timeline.run_stepped(); }
-
-    sim::Reply run(std::string const& line) { return sim::device_commands().run({device_, {}}, line); }
+    sim::Reply run(std::string const& line) { return sim::device_commands().run({device_}, line); }
 
     void expect_done(std::string const& line) {
         sim::Reply const reply = run(line);
@@ -22,9 +20,7 @@ protected:
 
     // The value of one property.
     std::string value(std::string const& name) {
-        auto const lock = device_.lock();
-        device_.advance();
-        return sim::value_text(device_.properties.all().at(name).get());
+        return sim::value_text(device_.access()->properties.all().at(name).get());
     }
 
     sim::Device device_{std::make_unique<sim::MemoryFileSystem>()};

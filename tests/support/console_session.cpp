@@ -17,6 +17,7 @@
 #include <unistd.h>
 #include <utmp.h>
 
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -83,10 +84,15 @@ std::vector<std::string> words_of(std::string const& list) {
 // A process or one below it that is none of those which make the sandbox and stay as parents; -1: not there yet.
 pid_t first_beside_starters(pid_t process) {
     std::string const directory = "/proc/" + std::to_string(process);
-    std::string name;
-    std::ifstream(directory + "/comm") >> name;
-    if (name != "r47-sim" && name != "bwrap" && name != "proot") {
-        return name.empty() ? -1 : process;
+    std::ifstream words(directory + "/cmdline");  // the name is the emulator's where there is one
+    bool is_there = false;
+    bool starts = false;
+    for (std::string word; std::getline(words, word, '\0'); is_there = true) {
+        std::string const name = word.substr(word.rfind('/') + 1);
+        starts = starts || name == "r47-sim" || name == "bwrap" || name == "proot";
+    }
+    if (!starts) {
+        return is_there ? process : -1;
     }
     std::ifstream children(directory + "/task/" + std::to_string(process) + "/children");
     for (pid_t child = -1; children >> child;) {
@@ -143,47 +149,68 @@ void wait_readable(int descriptor, std::string const& what) {
     }
 }
 
-// Where a line of the journal begins at `at`, the place of its call; npos otherwise. The time is one below 10 s.
-std::size_t call_of_line_at(std::string const& output, std::size_t at) {
+// Where a line of the journal begins at `at`, the place of its kind; npos otherwise. Its times are below 10 s.
+std::size_t kind_of_line_at(std::string const& output, std::size_t at) {
+    constexpr char const* kTimes = "0.000000 0.000000 ";
     constexpr char const* kDigits = "0123456789";
-    std::size_t const dot = output.find_first_not_of(kDigits, at);
-    std::size_t const blank = output.find_first_not_of(kDigits, dot + 1);
-    if (dot != at + 1 || blank != dot + 7 || output[dot] != '.' || output[blank] != ' ') {
-        return std::string::npos;
+    for (std::size_t i = 0; kTimes[i] != 0; ++i, ++at) {
+        bool const is_digit = at < output.size() && std::isdigit(static_cast<unsigned char>(output[at])) != 0;
+        if (kTimes[i] == '0' ? !is_digit : at == output.size() || output[at] != kTimes[i]) {
+            return std::string::npos;
+        }
     }
-    std::size_t const call = output.find_first_not_of(kDigits, blank + 1) + 1;
-    if (call < blank + 3 || output[call - 1] != ' ') {
-        return std::string::npos;
+    std::size_t const kind = output.find_first_not_of(kDigits, at) + 1;
+    for (char const* const name : {"call ", "callback ", "command ", "program "}) {
+        if (kind > at + 1 && output[kind - 1] == ' ' && output.compare(kind, std::strlen(name), name) == 0) {
+            return kind;
+        }
     }
-    std::size_t const name = output.compare(call, 9, "callback ") == 0 ? call + 9 : call;
-    std::size_t const end = output.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789_", name);
-    bool const is_call = end != std::string::npos && (output[end] == ':' || output[end] == '(');
-    return is_call && output.compare(end - 2, 2, "_t") == 0 ? call : std::string::npos;
+    return std::string::npos;
 }
 
 }  // namespace
 
-// Behind the time.
+JournalLine parse_journal_line(std::string const& line) {
+    JournalLine parsed;
+    std::istringstream fields(line);
+    std::string sequence;
+    std::string object;
+    fields >> parsed.start >> parsed.took >> sequence >> parsed.kind >> parsed.program >> parsed.thread >> object >>
+        parsed.error >> parsed.rule >> std::ws;
+    std::getline(fields, parsed.text);
+    parsed.object = object == "-" ? 0 : std::stoi(object);
+    return parsed;
+}
+
 int object_of(std::string const& line) {
-    return std::stoi(line.substr(line.find(' ') + 1));
+    return parse_journal_line(line).object;
 }
 
 std::string call_of(std::string const& line) {
-    std::size_t const number = line.find(' ') + 1;
-    return line.substr(line.find(' ', number) + 1);
+    JournalLine const parsed = parse_journal_line(line);
+    return (parsed.kind == "callback" ? "callback " : "") + parsed.text;
+}
+
+std::string numbered_call_of(std::string const& line) {
+    return std::to_string(object_of(line)) + " " + call_of(line);
 }
 
 std::string with_marked_calls(std::string const& output) {
     std::string marked;
     for (std::size_t at = 0; at < output.size();) {
-        std::size_t const call = call_of_line_at(output, at);
-        std::size_t const end = output.find('\n', call);
-        if (call == std::string::npos || end == std::string::npos) {
+        std::size_t const kind = kind_of_line_at(output, at);
+        std::size_t const end = output.find('\n', kind);
+        if (kind == std::string::npos || end == std::string::npos) {
             marked += output[at++];
-        } else {
-            marked += "<" + output.substr(call, end - call) + ">";
-            at = end + 1;
+            continue;
         }
+        JournalLine const line = parse_journal_line(output.substr(at, end - at));
+        if (line.kind == "call") {
+            marked += "<" + line.text + ">";
+        } else if (line.kind == "callback") {
+            marked += "<callback " + line.text + ">";
+        }
+        at = end + 1;
     }
     return marked;
 }
@@ -221,7 +248,7 @@ std::vector<std::string> ConsoleSession::command_line(SessionOptions const& opti
     if (options.outside) {
         line.clear();
     } else {
-        line.insert(line.end(), {R47_SIM, "run", "--control", directory_ + "/control.sock"});
+        line.insert(line.end(), {R47_SIM, "run", "--name", directory_ + "/device"});
         if (options.journal) {
             line.insert(line.end(), {"--journal", journal_path(options)});
         }
@@ -415,7 +442,10 @@ std::vector<std::string> ConsoleSession::journal() const {
     std::vector<std::string> lines;
     std::ifstream file(directory_ + "/journal");
     for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
+        std::string const kind = parse_journal_line(line).kind;
+        if (kind == "call" || kind == "callback") {
+            lines.push_back(line);
+        }
     }
     return lines;
 }
@@ -428,7 +458,7 @@ Calls ConsoleSession::calls() const {
     }
     if (!calls.empty() && calls.front() == R"(rtu_t::rtu_t("/dev/r47-rtu-driver", 2))") {
         calls.erase(calls.begin());
-        if (!calls.empty() && lines.back().find(" 1 rtu_t::~rtu_t()") != std::string::npos) {
+        if (!calls.empty() && numbered_call_of(lines.back()) == "1 rtu_t::~rtu_t()") {
             calls.pop_back();
         }
     }
@@ -437,7 +467,7 @@ Calls ConsoleSession::calls() const {
 
 std::string ConsoleSession::control(std::string const& command) {
     if (control_ < 0) {
-        look_until([&] { return (control_ = unix_connection(directory_ + "/control.sock")) >= 0; },
+        look_until([&] { return (control_ = unix_connection(directory_ + "/device/control")) >= 0; },
                    "the control socket");
     }
     std::string const line = command + "\n";

@@ -10,15 +10,32 @@
 
 namespace support {
 
-// Library calls as the journal has them, without time and object number: rtu_t::set_exposure(5000) = 0
+// Library calls and callbacks as the journal has them, without its other fields: rtu_t::set_exposure(5000) = 0,
+// callback gyro_delegate_t(37)
 using Calls = std::vector<std::string>;
 
 // What no working run ever reaches; a test that waits longer has failed.
 constexpr std::chrono::seconds kLimit{60};
 
+struct JournalLine {
+    std::string start;  // seconds with six decimals, as `took`
+    std::string took;
+    std::string kind;  // call, callback, command, program, lost
+    std::string program;
+    std::string thread;
+    int object = 0;  // 0: none
+    std::string error;
+    std::string rule;
+    std::string text;
+};
+
+JournalLine parse_journal_line(std::string const& line);
+
 // Of a line of the journal: the number of its object, 0 for none, and the call alone.
 int object_of(std::string const& line);
 std::string call_of(std::string const& line);
+// Both, as "2 rtu_t::~rtu_t()".
+std::string numbered_call_of(std::string const& line);
 
 struct SessionOptions {
     std::vector<std::string> arguments{};  // of the console
@@ -70,7 +87,7 @@ public:
     // All calls so far, without those of the real-time unit that is built before main (object 1) where
     // they are its construction and its destruction alone at both ends.
     Calls calls() const;
-    // The lines of the journal as they are.
+    // The lines of the journal that are of calls and callbacks, as they are.
     std::vector<std::string> journal() const;
 
     // Sends one control command to the device and returns the body of its answer.

@@ -9,18 +9,16 @@ namespace {
 using namespace menus;
 using namespace screens;
 using support::Calls;
+using support::expect_transcript;
 using support::run_console;
 
-Calls opening_of(std::string const& type) {
-    return {"camera_t::determine_imxtype() = " + type,
-            "camera_t::camera_t(" + type + ", null, \"/dev/r47-rtu-driver\", 2)"};
-}
-
+// The menu, where the sensor is of this type.
 Menu camera_of(std::string const& type) {
-    return {'k', "", camera_menu, opening_of(type), {"camera_t::~camera_t()"}};
+    Menu menu = kCamera;
+    menu.opening = {"camera_t::determine_imxtype() = " + type,
+                    "camera_t::camera_t(" + type + ", null, \"/dev/r47-rtu-driver\", 2)"};
+    return menu;
 }
-
-Menu const kCamera = camera_of("1");
 
 // The time stands, so that the unit's own triggers take no frames.
 support::SessionOptions stepped() {
@@ -181,16 +179,9 @@ TEST(CameraTest, OtherKeysAreIgnored) {
 }
 
 TEST(CameraTest, CameraIsOpenedAnewOnEachEntry) {
-    auto const run = run_console("kxkxx");
-    EXPECT_EQ(run.output,
-              kStart + main_menu('k') + camera_menu('x') + main_menu('k') + camera_menu('x') + main_menu('x'));
-    Calls expected;
-    for (int entry = 0; entry < 2; ++entry) {
-        Calls const opening = opening_of("1");
-        expected.insert(expected.end(), opening.begin(), opening.end());
-        expected.push_back("camera_t::~camera_t()");
-    }
-    EXPECT_EQ(run.calls, expected);
+    expect_transcript({}, "kxkxx",
+                      kStart + main_menu('k') + camera_menu('x') + main_menu('k') + camera_menu('x') + main_menu('x'),
+                      calls_of_visit(kCamera, {}) + calls_of_visit(kCamera, {}));
 }
 
 TEST(CameraTest, ValuesOutOfTheSensorsLimitsChangeNothing) {
@@ -382,14 +373,6 @@ TEST(CameraTest, PaddedLinesHaveTheirLengths) {
     expect_length(53, {"J", "k", "s", "S"});
 }
 
-TEST(CameraTest, EndOfInputLeavesAsTheExitKey) {
-    support::ConsoleSession session;
-    session.type("k");
-    session.end_input();
-    session.wait_for(camera_menu('x'));
-    session.wait_for(main_menu('\0'));
-}
-
 // The camera in time: the clock stands but for the steps.
 class CameraScenarioTest : public testing::Test {
 protected:
@@ -511,7 +494,7 @@ TEST_F(CameraClientTest, NumbersAreEchoedAndOnlyOffsetAndScanModeAnswer) {
     }
     client.send("x\n");
     expect_waiting("0;0;-1;");
-    Calls expected = opening_of("1");
+    Calls expected = kCamera.opening;
     for (char const* call : {
              "set_aquisition_framerate(25) = 0",
              "set_roi_xyoffset(8, 20) = 0",
@@ -545,7 +528,7 @@ TEST_F(CameraClientTest, LinesThatAreNoNumbersKeepWhatWasThere) {
     std::string const echoed = "25fastleft8binning";
     EXPECT_EQ(client.receive(echoed.size()), echoed);
     expect_waiting("0;");
-    Calls expected = opening_of("1");
+    Calls expected = kCamera.opening;
     for (char const* call : {"set_aquisition_framerate(25) = 0", "set_aquisition_framerate(25) = 0",
                              "set_roi_xyoffset(20, 8) = 0", "set_hscanmode(0) = 0", "~camera_t()"}) {
         expected.push_back(std::string("camera_t::") + call);
@@ -557,11 +540,8 @@ TEST_F(CameraClientTest, RefusedScanModeIsNotReported) {
     client.send("S\n3\nx\n");
     EXPECT_EQ(client.receive(1), "3");
     expect_waiting("");
-    Calls expected = opening_of("1");
-    expected.insert(expected.end(), {"camera_t::set_hscanmode(3) = -1", "camera_t::~camera_t()"});
-    EXPECT_EQ(end(), expected);
-    std::string const screen = camera_menu('x').substr(0, camera_menu('x').find("\t\tYour option"));
-    EXPECT_NE(session.output().find(kScanModePrompt + "ReadLine: 3\n" + screen), std::string::npos);
+    EXPECT_EQ(end(), calls_of_visit(kCamera, {"camera_t::set_hscanmode(3) = -1"}));
+    EXPECT_NE(session.output().find(kScanModePrompt + "ReadLine: 3\n" + kCamera.prompt()), std::string::npos);
 }
 
 TEST_F(CameraClientTest, StatusOfAFailedScanModeReadWaits) {
@@ -582,12 +562,7 @@ TEST_F(CameraClientTest, GainAndExposureComeFromTheTerminal) {
     session.wait_for("sensor set  exposure: 40\n");
     client.send("x\n");
     expect_waiting("");
-    Calls calls = opening_of("1");
-    for (char const* call :
-         {"camera_t::set_gain(120) = 0", "camera_t::set_exposure(40) = 0", "camera_t::~camera_t()"}) {
-        calls.emplace_back(call);
-    }
-    EXPECT_EQ(end(), calls);
+    EXPECT_EQ(end(), calls_of_visit(kCamera, {"camera_t::set_gain(120) = 0", "camera_t::set_exposure(40) = 0"}));
 }
 
 }  // namespace

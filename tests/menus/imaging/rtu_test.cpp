@@ -7,9 +7,8 @@ namespace {
 using namespace menus;
 using namespace screens;
 using support::Calls;
+using support::expect_transcript;
 using support::run_console;
-
-Menu const kRtu{'b', kRtuStart, rtu_menu, {}, {}};
 
 std::string const kImagerPrompt = "Enter a value for imager type: 1- imx296, 2- ix567 \n";
 
@@ -151,10 +150,6 @@ TEST(RtuTest, OtherKeysAreIgnored) {
     expect_run(kRtu, ignored("456789:@DFGHZdfghz?;"));
 }
 
-TEST(RtuTest, KeyZeroEndsTheWholeProgram) {
-    expect_exit_by_zero(kRtu);
-}
-
 TEST(RtuTest, RefusedRateLeavesTriggerContinuous) {
     support::ConsoleSession session;
     session.type("bt100000\n");
@@ -198,12 +193,12 @@ TEST(RtuTest, EntryThatDoesNotConvertKeepsTheLastNumber) {
 }
 
 TEST(RtuTest, SettingsPersistWhenTheMenuIsLeft) {
-    auto const run = run_console("bc77\nxbCxx");
-    EXPECT_EQ(run.output, kStart + main_menu('b') + kRtuStart + rtu_menu('c') +
-                              "Enter a value for exposure_offset: sensor set  exposure_offset: 77\n" + rtu_menu('x') +
-                              main_menu('b') + kRtuStart + rtu_menu('C') + "sensor actual exposure_offset: 77\n" +
-                              rtu_menu('x') + main_menu('x'));
-    EXPECT_EQ(run.calls, (Calls{"rtu_t::set_exposure_offset(77) = 0", "rtu_t::get_exposure_offset() = 0 [77]"}));
+    expect_transcript({}, "bc77\nxbCxx",
+                      output_before(kRtu) + rtu_menu('c') +
+                          "Enter a value for exposure_offset: sensor set  exposure_offset: 77\n" + rtu_menu('x') +
+                          main_menu('b') + kRtuStart + rtu_menu('C') + "sensor actual exposure_offset: 77\n" +
+                          rtu_menu('x') + main_menu('x'),
+                      {"rtu_t::set_exposure_offset(77) = 0", "rtu_t::get_exposure_offset() = 0 [77]"});
 }
 
 TEST(RtuTest, ExposureSetHereIsReadInTheCameraMenu) {
@@ -222,14 +217,6 @@ TEST(RtuTest, MissingNodeFailsEveryCall) {
     expect_run(kRtu, failing_steps("Failed read rev\n: No such file or directory\n"), options);
 }
 
-TEST(RtuTest, EndOfInputLeavesAsTheExitKey) {
-    support::ConsoleSession session;
-    session.type("b");
-    session.end_input();
-    session.wait_for(rtu_menu('x'));
-    session.wait_for(main_menu('\0'));
-}
-
 // Objects and functions that no menu tells apart or reaches.
 
 TEST(RtuTest, UnitIsOpenedBeforeMain) {
@@ -239,17 +226,16 @@ TEST(RtuTest, UnitIsOpenedBeforeMain) {
     EXPECT_EQ(session.wait_for_exit(), 0);
     auto const journal = session.journal();
     ASSERT_EQ(journal.size(), 2U);
-    EXPECT_NE(journal[0].find(R"( 1 rtu_t::rtu_t("/dev/r47-rtu-driver", 2))"), std::string::npos) << journal[0];
-    EXPECT_NE(journal[1].find(" 1 rtu_t::~rtu_t()"), std::string::npos) << journal[1];
+    EXPECT_EQ(support::numbered_call_of(journal[0]), R"(1 rtu_t::rtu_t("/dev/r47-rtu-driver", 2))");
+    EXPECT_EQ(support::numbered_call_of(journal[1]), "1 rtu_t::~rtu_t()");
 }
 
 TEST(RtuTest, VersionIsTheLibrarysAnswer) {
     support::SessionOptions options;
     options.entry_point = "rtu_version";
     options.scenario = {"fault add rtu_t::get_revision skip 1 status -5"};
-    auto const run = run_console("", options);
-    EXPECT_EQ(run.output, "returned 0: 1 6 0 2 22 14\nreturned -5: 1 6 0 2 22 14\n");
-    EXPECT_EQ(run.calls, (Calls{"rtu_t::get_revision() = 0 [{1, 6, 0, 2, 22, 14}]", "rtu_t::get_revision() = -5"}));
+    expect_transcript(options, "", "returned 0: 1 6 0 2 22 14\nreturned -5: 1 6 0 2 22 14\n",
+                      {"rtu_t::get_revision() = 0 [{1, 6, 0, 2, 22, 14}]", "rtu_t::get_revision() = -5"});
 }
 
 TEST(RtuTest, DelegateIsAskedInOrderWhateverItAnswers) {
@@ -259,8 +245,6 @@ TEST(RtuTest, DelegateIsAskedInOrderWhateverItAnswers) {
         if (status == "-1") {
             options.scenario = {"fault add rtu_delegate_t::get_* status -1"};
         }
-        auto const run = run_console("", options);
-        EXPECT_EQ(run.output, "returned 0\n");
         Calls expected{R"(rtu_delegate_t::rtu_delegate_t("/dev/r47-rtu-driver", 2))"};
         for (auto const& [operation, answer] : {std::pair("get_status", "0"),
                                                 {"get_revision", "{1, 6, 0, 2, 22, 14}"},
@@ -269,7 +253,7 @@ TEST(RtuTest, DelegateIsAskedInOrderWhateverItAnswers) {
                                (status == "0" ? std::string(" [") + answer + "]" : ""));
         }
         expected.push_back("rtu_delegate_t::~rtu_delegate_t()");
-        EXPECT_EQ(run.calls, expected);
+        expect_transcript(options, "", "returned 0\n", expected);
     }
 }
 
@@ -281,7 +265,7 @@ protected:
         wait_for_menu();
     }
 
-    void wait_for_menu() { session.wait_for("\t\t x: Return to main               \n\n\nPlease enter your option: "); }
+    void wait_for_menu() { session.wait_for(kRtu.prompt()); }
 };
 
 TEST_F(RtuClientTest, RateComesFromTheClientAndItsStatusWaits) {
@@ -378,14 +362,6 @@ TEST_F(RtuClientTest, ImagerTypeThatIsNoNumberIsTheLastNumber) {
     session.type("x\n");
     EXPECT_EQ(client.receive(5), "1none");
     EXPECT_EQ(end(), (Calls{"rtu_t::set_imager_type(1) = 0", "rtu_t::set_imager_type(1) = 0"}));
-}
-
-TEST_F(RtuClientTest, KeyZeroEndsTheWholeProgram) {
-    session.type("0\n");
-    EXPECT_EQ(session.wait_for_exit(), 0);
-    EXPECT_TRUE(client.ended());
-    EXPECT_EQ(session.output().substr(session.output().size() - kGoodBye.size()), kGoodBye);
-    EXPECT_EQ(session.errors(), "");
 }
 
 TEST_F(RtuClientTest, ImagerTypeComesFromTheClientAndIsNotAnswered) {

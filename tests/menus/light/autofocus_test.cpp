@@ -10,12 +10,6 @@ namespace {
 using namespace menus;
 using support::Calls;
 
-Menu const kAutofocus{'f',
-                      "",
-                      screens::autofocus_menu,
-                      {"base_t::base_t(\"/dev/r47-autofocus-driver\", 2)", "autofocus_t::set_present() = true"},
-                      {"base_t::~base_t()"}};
-
 std::string const kPositionPrompt = "AF new pos: \n";
 std::string const kTypePrompt = "enter device type: 1: R47XXXX1 2: R47XXXX2 3: R47XXXX3\n";
 std::string const kDoePrompt = "AF doe mode: 0 = doe is disabled, 1 = doe is enabled and off by trigger \n";
@@ -131,7 +125,10 @@ TEST(AutofocusMenuTest, InformationFailsOnNegativeResultsOnly) {
 
 TEST(AutofocusMenuTest, TypedWordIsTheDeviceType) {
     expect_run(kAutofocus,
-               {{'l', "2\n", kTypePrompt, {"autofocus_t::get_position_limits_mm(\"2\") = -1"}},
+               {{'l',
+                 "2\n",
+                 kTypePrompt + "\t\t min pos: 110, max pos: 1500\n",
+                 {"autofocus_t::get_position_limits_mm(\"2\") = 0 [110, 1500]"}},
                 {'l',
                  " \n R47XXXX3 \n",
                  kTypePrompt + "\t\t min pos: 270, max pos: 3000\n",
@@ -236,10 +233,6 @@ TEST(AutofocusMenuTest, KeysWithoutACommandShowTheMenuAgain) {
     expect_run(kAutofocus, ignored("BCDEFGHIJKLNOPQRSTUVWXYZjkopqrstuvwyz456789:;<=>?@[\\]^_`!/{|}~\x7f\xff"));
 }
 
-TEST(AutofocusMenuTest, ZeroEndsTheProcessWithoutDestruction) {
-    expect_exit_by_zero(kAutofocus);
-}
-
 TEST(AutofocusMenuTest, CommandLinesAreFilledUp) {
     auto const run = support::run_console("fxx");
     for (char const key : std::string("aAbcdefghilmMn")) {
@@ -247,16 +240,6 @@ TEST(AutofocusMenuTest, CommandLinesAreFilledUp) {
         ASSERT_EQ(lines.size(), 1U) << key;
         EXPECT_EQ(lines[0].size(), 53U) << lines[0];
     }
-}
-
-TEST(AutofocusMenuTest, EndOfInputLeavesTheMenu) {
-    support::ConsoleSession session;
-    session.type("f");
-    session.wait_for("Entered Option = f\n");
-    session.end_input();
-    session.wait_for("Your Option = x\n");
-    session.wait_for(screens::main_menu());
-    EXPECT_EQ(session.calls().back(), kAutofocus.closing.back());
 }
 
 class AutofocusClientTest : public ClientTest {};
@@ -275,14 +258,14 @@ TEST_F(AutofocusClientTest, TerminalDrivesTheMenuAndTheClientGetsNothing) {
 }
 
 TEST_F(AutofocusClientTest, AllNumbersAreTypedAtTheTerminal) {
-    expect_as_at_the_terminal('f', "123aA100\nabdefgh1\ni0\nlR47\nmM200\nn1\nn0\n");
+    expect_as_at_the_terminal(kAutofocus, "123aA100\nabdefgh1\ni0\nlR47\nmM200\nn1\nn0\n");
     expect_waiting("");
     end();
 }
 
 class MovingAutofocusTest : public light::SteppedMenuTest {
 protected:
-    MovingAutofocusTest() : SteppedMenuTest('f') {}
+    MovingAutofocusTest() : SteppedMenuTest(kAutofocus) {}
 };
 
 TEST_F(MovingAutofocusTest, MotorIsOnItsWayAtOnceAndThereLater) {

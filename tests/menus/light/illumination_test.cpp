@@ -302,10 +302,6 @@ TEST(IlluminationMenuTest, KeysWithoutACommandShowTheMenuAgain) {
     expect_run(kIllumination, ignored("DEFGHIRVWXw456789:;<=>?@[\\]^_`!/{|}~\x7f\xff"));
 }
 
-TEST(IlluminationMenuTest, ZeroEndsTheProcessWithoutDestruction) {
-    expect_exit_by_zero(kIllumination);
-}
-
 TEST(IlluminationMenuTest, ColourLinesAreFilledUp) {
     auto const run = support::run_console("cxx");
     for (char const key : std::string("sStTuUv")) {
@@ -313,16 +309,6 @@ TEST(IlluminationMenuTest, ColourLinesAreFilledUp) {
         ASSERT_EQ(lines.size(), 1U) << key;
         EXPECT_EQ(lines[0].size(), 41U) << lines[0];
     }
-}
-
-TEST(IlluminationMenuTest, EndOfInputLeavesTheMenu) {
-    support::ConsoleSession session;
-    session.type("c");
-    session.wait_for("Please enter your option: Entered Option = c\n");
-    session.end_input();
-    session.wait_for("Your Option = x\n");
-    session.wait_for(screens::main_menu());
-    EXPECT_EQ(session.calls().back(), kIllumination.closing.back());
 }
 
 // The four commands that no key calls, each run by itself.
@@ -338,12 +324,8 @@ void expect_unbound(UnboundRun const& expected) {
     SCOPED_TRACE(expected.entry_point + " " + expected.typed);
     support::SessionOptions options = with_scenario(expected.scenario);
     options.entry_point = expected.entry_point;
-    auto const run = support::run_console(expected.typed, options);
-    EXPECT_EQ(run.output, expected.printed);
-    Calls calls = kIllumination.opening;
-    calls.insert(calls.end(), expected.calls.begin(), expected.calls.end());
-    calls.insert(calls.end(), kIllumination.closing.begin(), kIllumination.closing.end());
-    EXPECT_EQ(run.calls, calls);
+    support::expect_transcript(options, expected.typed, expected.printed,
+                               calls_of_visit(kIllumination, expected.calls));
 }
 
 TEST(IlluminationUnboundTest, SegmentsArePrintedWithTheirLimitsUnlessTheseFail) {
@@ -531,7 +513,7 @@ TEST_F(IlluminationClientTest, StatusesOfARefusedPatternWaitToo) {
 }
 
 TEST_F(IlluminationClientTest, AllNumbersAreTypedAtTheTerminal) {
-    expect_as_at_the_terminal('c',
+    expect_as_at_the_terminal(kIllumination,
                               "123hijJ2\n100\njJ1\nL9\nlM9\nmN1\nnP70\npQ1\n1\n0\n1\nqr60\ns5\nSt6\nTu7\nU"
                               "K1\nkZ1\nzY1\nyB3\nbC4\ncdefvi");
     expect_waiting("");

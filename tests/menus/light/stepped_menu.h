@@ -5,33 +5,34 @@
 
 #include <string>
 
-#include "tests/support/console_session.h"
-#include "tests/support/screens/shell.h"
+#include "tests/support/menus.h"
 
 namespace light {
 
 class SteppedMenuTest : public testing::Test {
 protected:
-    explicit SteppedMenuTest(char main_key) {
-        session.type({&main_key, 1});
-        session.wait_for(screens::main_menu(main_key));
+    explicit SteppedMenuTest(menus::Menu const& menu) : menu_(menu) {
+        session.type(menu.entry_keys());
+        session.wait_for(screens::main_menu(menu.key));
     }
 
     // The console goes its own way out.
     void TearDown() override {
-        session.type("xx");
+        session.type(menu_.exit_keys());
         EXPECT_EQ(session.wait_for_exit(), 0);
     }
 
     // Answers the menu with the key and waits for what that prints, up to the menu that follows.
     void expect(char key, std::string const& typed, std::string const& printed) {
         session.type(key + typed);
-        session.wait_for(std::string("Your Option = ") + key + "\n" + printed + screens::kTopUsage);
+        session.wait_for(menu_.echo + key + "\n" + printed + menu_.prompt());
     }
 
     support::ConsoleSession session{stepped()};
 
 private:
+    menus::Menu const menu_;
+
     static support::SessionOptions stepped() {
         support::SessionOptions options;
         options.clock = "stepped";

@@ -1,6 +1,4 @@
 // Transcripts of the legacy tilt alarm test, which r47-entry-points starts.
-#include <gtest/gtest.h>
-
 #include "tests/menus/motion/motion_run.h"
 #include "tests/support/screens/motion.h"
 
@@ -12,27 +10,8 @@ using support::Calls;
 using support::ConsoleSession;
 using support::SessionOptions;
 
-std::string const kLegacyStart = "int test_alarm_old()\n" + firmware_report("AP", true);
-
-Calls const kStartCalls = {kRtuConstruction,
-                           gyro_construction(),
-                           "gyro_alarm_t::gyro_alarm_t(#3, 37)",
-                           "gyro_t::boot() = 0",
-                           "gyro_t::install_callbacks() = 0",
-                           "gyro_t::irq_callback_hold(true) = 0",
-                           "gyro_t::info_firmware() = 0",
-                           "gyro_t::activate_vsensor(37, 1, 1) = 0",
-                           button_construction(44),
-                           "button_t::irq_callback_hold(false) = 0",
-                           "rtu_t::set_device_status(3) = 0",
-                           "gyro_t::irq_callback_hold(false) = 0",
-                           "gyro_t::irq_callback_hold(false) = 0"};
-
-Calls const kEndCalls = {"button_t::~button_t()", "gyro_alarm_t::~gyro_alarm_t()", "gyro_t::~gyro_t()",
-                         "rtu_t::~rtu_t()"};
-
 SessionOptions legacy(SessionOptions options = stepped()) {
-    options.entry_point = "alarm_old";
+    options.entry_point = kLegacyAlarm.entry_point;
     return options;
 }
 
@@ -45,8 +24,8 @@ protected:
 
     void step(std::string const& length) { session.control("step " + length); }
 
-    // One sample of the orientation sensor.
-    void sample() { step("1s"); }
+    // One sample of the orientation sensor, which has no 1 Hz, but 1.5625.
+    void sample() { step("640ms"); }
 
     void type(char key) {
         session.type({&key, 1});
@@ -58,11 +37,12 @@ protected:
     void expect_output(std::string const& shown) {
         session.type("x");
         EXPECT_EQ(session.wait_for_exit(), 0);
-        EXPECT_EQ(session.output(), kLegacyStart + shown + legacy_alarm_menu('x').substr(kLegacyAlarmMenu.size()));
+        EXPECT_EQ(session.output(),
+                  kLegacyAlarm.start + shown + legacy_alarm_menu('x').substr(kLegacyAlarmMenu.size()));
         EXPECT_EQ(session.errors(), "");
     }
 
-    Calls later_calls() { return calls_from(kStartCalls.size(), session.calls()); }
+    Calls later_calls() { return calls_from(kLegacyAlarm.opening.size(), session.calls()); }
 
     ConsoleSession session;
 };
@@ -78,7 +58,7 @@ Calls const kSample = {"callback gyro_t::callback_records(0, 37)"};
 
 TEST_F(LegacyAlarmTest, StartsAndLeavesInItsOrder) {
     expect_output(kLegacyAlarmMenu);
-    EXPECT_EQ(session.calls(), kStartCalls + kEndCalls);
+    EXPECT_EQ(session.calls(), calls_of_visit(kLegacyAlarm, {}));
 }
 
 TEST_F(LegacyAlarmTest, DeviceShowsRunningBeforeAnySample) {
@@ -95,7 +75,7 @@ TEST_F(LegacyAlarmTest, ListAndHoldKeysCallTheLibrary) {
                   kLegacyAlarmMenu);
     Calls const of_keys{"gyro_t::info_vsensor_list() = 0", "gyro_t::irq_callback_hold(true) = 0",
                         "gyro_t::irq_callback_hold(false) = 0", "gyro_t::irq_callback_hold(true) = 0"};
-    EXPECT_EQ(session.calls(), kStartCalls + of_keys + kEndCalls);
+    EXPECT_EQ(session.calls(), calls_of_visit(kLegacyAlarm, of_keys));
 }
 
 TEST_F(LegacyAlarmTest, AllOtherKeysShowTheMenuAgain) {
@@ -106,7 +86,7 @@ TEST_F(LegacyAlarmTest, AllOtherKeysShowTheMenuAgain) {
         shown += legacy_alarm_menu(key);
     }
     expect_output(shown + kLegacyAlarmMenu);
-    EXPECT_EQ(session.calls(), kStartCalls + kEndCalls);
+    EXPECT_EQ(session.calls(), calls_of_visit(kLegacyAlarm, {}));
 }
 
 TEST_F(LegacyAlarmTest, TiltWarnsAndReturnRuns) {
@@ -120,7 +100,7 @@ TEST_F(LegacyAlarmTest, TiltWarnsAndReturnRuns) {
     EXPECT_EQ(device_state(session), 3);
     expect_output(kLegacyAlarmMenu + kSampleTrace + kToWarning + kSampleTrace + kSampleTrace + kToRunning);
     EXPECT_EQ(later_calls(), kSample + Calls{"rtu_t::set_device_status(5) = 0"} + kSample + kSample +
-                                 Calls{"rtu_t::set_device_status(3) = 0"} + kEndCalls);
+                                 Calls{"rtu_t::set_device_status(3) = 0"} + kLegacyAlarm.closing);
 }
 
 TEST_F(LegacyAlarmTest, RefusedDeviceStatesAreNotReported) {
@@ -132,7 +112,7 @@ TEST_F(LegacyAlarmTest, RefusedDeviceStatesAreNotReported) {
     sample();
     expect_output(kLegacyAlarmMenu + kSampleTrace + kToWarning + kSampleTrace + kToRunning);
     EXPECT_EQ(later_calls(), kSample + Calls{"rtu_t::set_device_status(5) = -1"} + kSample +
-                                 Calls{"rtu_t::set_device_status(3) = -1"} + kEndCalls);
+                                 Calls{"rtu_t::set_device_status(3) = -1"} + kLegacyAlarm.closing);
 }
 
 TEST_F(LegacyAlarmTest, SaveKeyTakesTheNextSample) {
@@ -165,9 +145,9 @@ TEST_F(LegacyAlarmTest, ButtonOfAnR47IsOnAnotherLine) {
     session.control("press 6s");
     Calls samples;
     std::string traces;
-    for (int second = 1; second <= 7; ++second) {
+    for (int i = 1; i <= 10; ++i) {
         sample();
-        EXPECT_EQ(is_pressed(session), second < 6);
+        EXPECT_EQ(is_pressed(session), i * 640 < 6000);
         samples = samples + kSample;
         traces += kSampleTrace;
     }
@@ -179,7 +159,7 @@ class LegacyAlarmOnOtherVariantTest : public LegacyAlarmTest {
 protected:
     static SessionOptions other_variant() {
         SessionOptions options = legacy();
-        options.without = {"/dev/r47-rtu-driver", "/dev/r47-autofocus-driver", "/dev/r47-illumination-driver"};
+        options.without = of_another_variant().without;
         return options;
     }
 
@@ -189,39 +169,32 @@ protected:
 TEST_F(LegacyAlarmOnOtherVariantTest, PressOf5SecondsSavesThePosition) {
     step("1ms");
     session.control("press 5s");
-    step("4s");
-    step("1s");
+    step("5s");  // seven samples, and the release
+    sample();    // which saves the position
     sample();
     std::string traces;
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < 8; ++i) {
         traces += kSampleTrace;
     }
-    expect_output(kLegacyAlarmMenu + traces + kSampleTrace + kLevelSaved);
+    expect_output(kLegacyAlarmMenu + traces + kLevelSaved + kSampleTrace);
 }
 
 TEST(LegacyAlarmStartTest, FailuresOfTheLibraryAreNotReported) {
-    SessionOptions options =
-        legacy(stepped({"fault add *::boot status -1", "fault add *::in* status -1", "fault add *::activate* status -1",
-                        "fault add *::set_* status -1", "fault add *::irq_* status -1"}));
-    auto const run = support::run_console("ittx", options);
-    EXPECT_EQ(run.output, "int test_alarm_old()\n" + legacy_alarm_menu('i') + legacy_alarm_menu('t') +
-                              legacy_alarm_menu('t') + "Running" + legacy_alarm_menu('x'));
-    Calls expected = kStartCalls + Calls{"gyro_t::info_vsensor_list() = 0", "gyro_t::irq_callback_hold(true) = 0",
-                                         "gyro_t::irq_callback_hold(false) = 0"};
-    for (std::string& call : expected) {
-        if (call.compare(call.size() - 4, 4, " = 0") == 0) {
-            call.replace(call.size() - 1, 1, "-1");
-        }
-    }
-    EXPECT_EQ(run.calls, expected + kEndCalls);
-    EXPECT_EQ(run.errors, "");
-    EXPECT_EQ(run.status, 0);
+    Menu failing = kLegacyAlarm;
+    failing.start = "int test_alarm_old()\n";
+    failing.opening = with_failures(kLegacyAlarm.opening);
+    expect_run(failing,
+               {{'i', "", "", {"gyro_t::info_vsensor_list() = -1"}},
+                {'t', "", "", {"gyro_t::irq_callback_hold(true) = -1"}},
+                {'t', "", "Running", {"gyro_t::irq_callback_hold(false) = -1"}}},
+               with_failing_hub());
 }
 
 TEST(LegacyAlarmStartTest, HubIsGiven3SecondsBeforeTheMenu) {
     SessionOptions options = legacy();
     options.entry_point = "alarm_old_waits";
-    EXPECT_EQ(support::run_console("x", options).output, kLegacyStart + "waited 3000 ms\n" + legacy_alarm_menu('x'));
+    EXPECT_EQ(support::run_console("x", options).output,
+              kLegacyAlarm.start + "waited 3000 ms\n" + legacy_alarm_menu('x'));
 }
 
 TEST(LegacyAlarmStartTest, SamplesArriveBeforeTheMenu) {
@@ -263,13 +236,11 @@ TEST(LegacyAlarmStartTest, LogFileThatCannotBeOpenedChangesNothing) {
 }
 
 TEST(LegacyAlarmStartTest, EndOfInputLeavesTheMenu) {
-    auto const run = [] {
-        ConsoleSession session(legacy());
-        session.end_input();
-        EXPECT_EQ(session.wait_for_exit(), 0);
-        return session.output();
-    }();
-    EXPECT_EQ(run, kLegacyStart + legacy_alarm_menu('x'));
+    ConsoleSession session(legacy());
+    session.end_input();
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_EQ(session.output(), output_of_visit(kLegacyAlarm, ""));
+    EXPECT_EQ(session.calls(), calls_of_visit(kLegacyAlarm, {}));
 }
 
 }  // namespace

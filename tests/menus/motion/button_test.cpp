@@ -1,6 +1,4 @@
 // Transcripts of the button test, at the terminal and for a client, and what presses do in it.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include "tests/menus/motion/motion_run.h"
@@ -12,78 +10,46 @@ using namespace motion;
 using namespace screens;
 using support::Calls;
 using support::ConsoleSession;
-using support::run_console;
 using support::SessionOptions;
 using support::StationClient;
 
-Calls start_calls(int line = 82) {
-    return {button_construction(line), kRtuConstruction, "button_t::irq_callback_hold(false) = 0"};
-}
-
-Calls const kEndCalls = {"rtu_t::~rtu_t()", "button_t::~button_t()"};
-
-std::string transcript(std::string const& of_keys) {
-    return visit('t', "Detected device R47" + of_keys + button_menu('x'));
-}
-
-std::string interrupt(char status) {
-    return std::string("Starting read: 0\nIrq status: ") + status + "\n";
+// Key 'r', whose call answers so.
+Step read(char shown, std::string const& answer) {
+    return {
+        'r', "", std::string("Starting read: 0\nIrq status: ") + shown + "\n", {"button_t::irq_read() = " + answer}};
 }
 
 TEST(ButtonMenuTest, StartsAndLeaves) {
-    auto const run = run_console("txx", stepped());
-    EXPECT_EQ(run.output, transcript(""));
-    EXPECT_EQ(run.calls, start_calls() + kEndCalls);
-    EXPECT_EQ(run.errors, "");
-    EXPECT_EQ(run.status, 0);
+    expect_run(kButton, {});
 }
 
 TEST(ButtonMenuTest, InterruptLineIsRead) {
-    auto const run = run_console("trxx", stepped());
-    EXPECT_EQ(run.output, transcript(button_menu('r') + interrupt('0')));
-    EXPECT_EQ(run.calls, start_calls() + Calls{"button_t::irq_read() = 0 [false]"} + kEndCalls);
+    expect_run(kButton, {read('0', "0 [false]")});
 }
 
 TEST(ButtonMenuTest, PressedButtonReadsOne) {
-    auto const run = run_console("trxx", stepped({"button down"}));
-    EXPECT_EQ(run.output, transcript(button_menu('r') + interrupt('1')));
+    expect_run(kButton, {read('1', "0 [true]")}, with_scenario({"button down"}));
 }
 
 TEST(ButtonMenuTest, FailedReadShowsZero) {
-    auto const run = run_console("trxx", stepped({"button down", "fault add button_t::irq_read status -1",
-                                                  "fault add button_t::irq_callback_hold status -1"}));
-    EXPECT_EQ(run.output, transcript(button_menu('r') + interrupt('0')));
-    Calls const expected{button_construction(82), kRtuConstruction, "button_t::irq_callback_hold(false) = -1",
-                         "button_t::irq_read() = -1"};
-    EXPECT_EQ(run.calls, expected + kEndCalls);
-    EXPECT_EQ(run.errors, "");
+    Menu failing = kButton;
+    failing.opening = with_failures(kButton.opening);
+    expect_run(failing, {read('0', "-1")},
+               with_scenario({"button down", "fault add button_t::irq_read status -1",
+                              "fault add button_t::irq_callback_hold status -1"}));
 }
 
 TEST(ButtonMenuTest, AllOtherKeysShowTheMenuAgain) {
-    std::string const keys = "abcdefghijklmnopqstuvwyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789;-";
-    std::string shown;
-    for (char const key : keys) {
-        shown += button_menu(key);
-    }
-    auto const run = run_console("t" + keys + "xx", stepped());
-    EXPECT_EQ(run.output, transcript(shown));
-    EXPECT_EQ(run.calls, start_calls() + kEndCalls);
+    expect_run(kButton, ignored("abcdefghijklmnopqstuvwyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789;-"));
 }
 
 TEST(ButtonMenuTest, OtherVariantHasItsButtonOnLine44) {
-    SessionOptions options = stepped({"button down"});
-    options.without = {"/dev/r47-rtu-driver", "/dev/r47-autofocus-driver", "/dev/r47-illumination-driver"};
-    auto const run = run_console("trxx", options);
-    EXPECT_EQ(run.output, visit('t', button_menu('r') + interrupt('1') + button_menu('x')));
-    EXPECT_EQ(run.calls, start_calls(44) + Calls{"button_t::irq_read() = 0 [true]"} + kEndCalls);
-}
-
-TEST(ButtonMenuTest, EndOfInputLeavesTheMenu) {
-    ConsoleSession session(stepped());
-    session.type("t");
-    session.end_input();
-    session.wait_for(button_menu('x') + main_menu());
-    EXPECT_EQ(session.calls().back(), "button_t::~button_t()");
+    Menu menu = kButton;
+    menu.start = "";
+    menu.opening[0] = button_construction(44);
+    SessionOptions options = of_another_variant();
+    options.scenario = {"button down"};
+    expect_run(menu, {read('1', "0 [true]")}, options);
 }
 
 TEST(ButtonMenuTest, ClientGetsTheInterruptStatusAsAReply) {
@@ -145,7 +111,7 @@ protected:
         return text.substr(0, text.find("\t\tYour option"));
     }
 
-    Calls later_calls() { return calls_from(start_calls().size(), session.calls()); }
+    Calls later_calls() { return calls_from(kButton.opening.size(), session.calls()); }
 
     ConsoleSession session{stepped()};
     std::size_t printed = session.output().size();
@@ -232,20 +198,20 @@ TEST(LeaveWhileHeldTest, UnitThatGoesIsNotColoured) {
     session.type("xx");
     EXPECT_EQ(session.wait_for_exit(), 0);
     EXPECT_NE(session.output().find(called("testButtonp2")), std::string::npos);
-    EXPECT_EQ(session.calls(), start_calls() + Calls{"callback button_t::press_records(1)"} + kEndCalls);
+    EXPECT_EQ(session.calls(), calls_of_visit(kButton, {"callback button_t::press_records(1)"}));
 }
 
 // All four colours, through r47-entry-points: no record has p1 and p3.
 TEST(LightBarActionsTest, EachPressActionHasItsColour) {
     SessionOptions options = stepped();
     options.entry_point = "lightbar_actions";
-    auto const run = run_console("", options);
-    EXPECT_EQ(run.output, called("testButtonp1") + called("testButtonp2") + called("testButtonp3") +
-                              called("testButtonp4") + called("testButtonp1"));
-    EXPECT_EQ(run.calls,
-              (Calls{kRtuConstruction, "rtu_t::set_lightbar_col({100, 255, 0, 0}) = 0",
-                     "rtu_t::set_lightbar_col({100, 0, 255, 255}) = 0", "rtu_t::set_lightbar_col({100, 0, 255, 0}) = 0",
-                     "rtu_t::set_lightbar_col({100, 0, 0, 255}) = 0", "rtu_t::~rtu_t()"}));
+    support::expect_transcript(
+        options, "",
+        called("testButtonp1") + called("testButtonp2") + called("testButtonp3") + called("testButtonp4") +
+            called("testButtonp1"),
+        {kRtuConstruction, "rtu_t::set_lightbar_col({100, 255, 0, 0}) = 0",
+         "rtu_t::set_lightbar_col({100, 0, 255, 255}) = 0", "rtu_t::set_lightbar_col({100, 0, 255, 0}) = 0",
+         "rtu_t::set_lightbar_col({100, 0, 0, 255}) = 0", "rtu_t::~rtu_t()"});
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 // Transcripts of the tilt alarm menu, and what a tilt and a long press do in it.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <chrono>
 
@@ -16,153 +14,77 @@ using support::ConsoleSession;
 using support::run_console;
 using support::SessionOptions;
 
-std::string const kAlarmStart = "int test_gyro_alarm()\nDetected device R47" + firmware_report("AP", true);
-
-Calls start_calls(std::string const& firmware = kFirmwareAp) {
-    return {kRtuConstruction,
-            gyro_construction(firmware),
-            button_construction(82),
-            "gyro_t::boot() = 0",
-            "gyro_t::info_firmware() = 0",
-            "gyro_t::activate_vsensor(37, 10, 1) = 0",
-            "gyro_alarm_t::gyro_alarm_t(#3, 37)",
-            "rtu_t::set_device_status(3) = 0",
-            "gyro_t::irq_callback_hold(false) = 0",
-            "button_t::irq_callback_hold(false) = 0"};
-}
-
-Calls const kEndCalls = {"gyro_alarm_t::~gyro_alarm_t()", "button_t::~button_t()", "gyro_t::~gyro_t()",
-                         "rtu_t::~rtu_t()"};
-
-Calls menu_calls(Calls const& of_keys) {
-    return start_calls() + of_keys + kEndCalls;
-}
-
-std::string transcript(std::string const& of_keys) {
-    return visit('G', kAlarmStart + of_keys + alarm_menu('x'));
-}
-
 struct KeyCase {
     char const* name;
-    std::string typed;
-    std::string output;
-    Calls calls;
+    std::vector<Step> steps;
 };
 
 class AlarmMenuKeyTest : public testing::TestWithParam<KeyCase> {};
 
 TEST_P(AlarmMenuKeyTest, PrintsAndCallsWhatBelongsToIt) {
-    KeyCase const& key = GetParam();
-    auto const run = run_console("G" + key.typed + "xx", stepped());
-    EXPECT_EQ(run.output, transcript(key.output));
-    EXPECT_EQ(run.calls, menu_calls(key.calls));
-    EXPECT_EQ(run.errors, "");
-    EXPECT_EQ(run.status, 0);
+    expect_run(kAlarm, GetParam().steps);
+}
+
+// One of the keys that ask for an angle, of which the library takes `taken`.
+Step angle(char key, std::string const& typed, std::string const& taken, std::string const& status = "0") {
+    return {key, typed, "Please enter angle", {"gyro_alarm_t::set_angle_limit(" + taken + ") = " + status}};
 }
 
 KeyCase const kKeys[] = {
-    {"None", "", "", {}},
-    {"Alpha", "a12.5\n", alarm_menu('a') + "Please enter angle", {"gyro_alarm_t::set_angle_limit(12.5) = 0"}},
-    {"Beta", "b3\n", alarm_menu('b') + "Please enter angle", {"gyro_alarm_t::set_angle_limit(3) = 0"}},
-    {"Gamma", "g90\n", alarm_menu('g') + "Please enter angle", {"gyro_alarm_t::set_angle_limit(90) = 0"}},
-    {"MistypedAngle", "anone\n", alarm_menu('a') + "Please enter angle", {"gyro_alarm_t::set_angle_limit(0) = 0"}},
-    {"AngleOutOfRange", "a-1\n", alarm_menu('a') + "Please enter angle", {"gyro_alarm_t::set_angle_limit(-1) = -1"}},
-    {"HexadecimalAngle", "a0x10\n", alarm_menu('a') + "Please enter angle", {"gyro_alarm_t::set_angle_limit(16) = 0"}},
-    {"HexAngleWithExponent",
-     "a0x1.8p3b1\n",
-     alarm_menu('a') + "Please enter angle" + alarm_menu('b') + "Please enter angle",
-     {"gyro_alarm_t::set_angle_limit(12) = 0", "gyro_alarm_t::set_angle_limit(1) = 0"}},
-    {"AngleThatOnlyBegins",
-     "a0x\nb1e xx\n",
-     alarm_menu('a') + "Please enter angle" + alarm_menu('b') + "Please enter angle",
-     {"gyro_alarm_t::set_angle_limit(0) = 0", "gyro_alarm_t::set_angle_limit(0) = 0"}},
-    {"InfiniteAngle",
-     "a-InFinityb1e99\n",
-     alarm_menu('a') + "Please enter angle" + alarm_menu('b') + "Please enter angle",
-     {"gyro_alarm_t::set_angle_limit(-inf) = -1", "gyro_alarm_t::set_angle_limit(inf) = -1"}},
-    {"AngleThatIsNoNumber",
-     "anan\n",
-     alarm_menu('a') + "Please enter angle",
-     {"gyro_alarm_t::set_angle_limit(nan) = -1"}},
-    {"HoldAndRelease",
-     "tt",
-     alarm_menu('t') + alarm_menu('t'),
-     {"gyro_t::irq_callback_hold(true) = 0", "gyro_t::irq_callback_hold(false) = 0"}},
-    {"DeadKeys", "AT0r?", alarm_menu('A') + alarm_menu('T') + alarm_menu('0') + alarm_menu('r') + alarm_menu('?'), {}},
+    {"None", {}},
+    {"Alpha", {angle('a', "12.5\n", "12.5")}},
+    {"Beta", {angle('b', "3\n", "3")}},
+    {"Gamma", {angle('g', "90\n", "90")}},
+    {"MistypedAngle", {angle('a', "none\n", "0")}},
+    {"AngleOutOfRange", {angle('a', "-1\n", "-1", "-1")}},
+    {"HexadecimalAngle", {angle('a', "0x10\n", "16")}},
+    {"HexAngleWithExponent", {angle('a', "0x1.8p3", "12"), angle('b', "1\n", "1")}},
+    {"AngleThatOnlyBegins", {angle('a', "0x\n", "0"), angle('b', "1e xx\n", "0")}},
+    {"InfiniteAngle", {angle('a', "-InFinity", "-inf", "-1"), angle('b', "1e99\n", "inf", "-1")}},
+    {"AngleThatIsNoNumber", {angle('a', "nan\n", "nan", "-1")}},
+    {"HoldAndRelease", {kHold, kRelease}},
+    {"DeadKeys", ignored("AT0r?")},
 };
 
 INSTANTIATE_TEST_SUITE_P(, AlarmMenuKeyTest, testing::ValuesIn(kKeys), [](auto const& key) { return key.param.name; });
 
 TEST(AlarmMenuTest, AllOtherKeysShowTheMenuAgain) {
-    std::string const keys = "cdefhijklmnopqrsuvwyzBCDEFGHIJKLMNOPQRSUVWXYZ123456789;-";
-    std::string shown;
-    for (char const key : keys) {
-        shown += alarm_menu(key);
-    }
-    auto const run = run_console("G" + keys + "xx", stepped());
-    EXPECT_EQ(run.output, transcript(shown));
-    EXPECT_EQ(run.calls, menu_calls({}));
+    expect_run(kAlarm, ignored("cdefhijklmnopqrsuvwyzBCDEFGHIJKLMNOPQRSUVWXYZ123456789;-"));
 }
 
 TEST(AlarmMenuTest, FailuresOfTheLibraryAreNotReported) {
-    auto const run = run_console(
-        "Ga5\nb6\ng7\nttxx",
-        stepped({"fault add *::boot status -1", "fault add *::info* status -1", "fault add *::activate* status -1",
-                 "fault add *::set_* status -1", "fault add *::irq_* status -1"}));
-    EXPECT_EQ(run.output,
-              visit('G', "int test_gyro_alarm()\nDetected device R47" + alarm_menu('a') + "Please enter angle" +
-                             alarm_menu('b') + "Please enter angle" + alarm_menu('g') + "Please enter angle" +
-                             alarm_menu('t') + alarm_menu('t') + alarm_menu('x')));
-    Calls const expected{kRtuConstruction,
-                         gyro_construction(),
-                         button_construction(82),
-                         "gyro_t::boot() = -1",
-                         "gyro_t::info_firmware() = -1",
-                         "gyro_t::activate_vsensor(37, 10, 1) = -1",
-                         "gyro_alarm_t::gyro_alarm_t(#3, 37)",
-                         "rtu_t::set_device_status(3) = -1",
-                         "gyro_t::irq_callback_hold(false) = -1",
-                         "button_t::irq_callback_hold(false) = -1",
-                         "gyro_alarm_t::set_angle_limit(5) = -1",
-                         "gyro_alarm_t::set_angle_limit(6) = -1",
-                         "gyro_alarm_t::set_angle_limit(7) = -1",
-                         "gyro_t::irq_callback_hold(true) = -1",
-                         "gyro_t::irq_callback_hold(false) = -1"};
-    EXPECT_EQ(run.calls, expected + kEndCalls);
-    EXPECT_EQ(run.errors, "");
+    Menu failing = kAlarm;
+    failing.start = "int test_gyro_alarm()\nDetected device R47";
+    failing.opening = with_failures(kAlarm.opening);
+    expect_run(failing,
+               {angle('a', "5\n", "5", "-1"),
+                angle('b', "6\n", "6", "-1"),
+                angle('g', "7\n", "7", "-1"),
+                {'t', "", "", {"gyro_t::irq_callback_hold(true) = -1"}},
+                {'t', "", "", {"gyro_t::irq_callback_hold(false) = -1"}}},
+               with_failing_hub());
 }
 
 TEST(AlarmMenuTest, WordStartsItAlone) {
     SessionOptions options = stepped();
     options.arguments = {"alarm"};
-    auto const run = run_console("x", options);
-    EXPECT_EQ(run.output, kStart + "5\nTeste Gyro Alarm\n" + kAlarmStart + alarm_menu('x'));
-    EXPECT_EQ(run.calls, menu_calls({}));
-    EXPECT_EQ(run.status, 0);
+    support::expect_transcript(options, "x", kStart + "5\nTeste Gyro Alarm\n" + kAlarm.start + alarm_menu('x'),
+                               calls_of_visit(kAlarm, {}));
 }
 
 TEST(AlarmMenuTest, FirmwareFollowsTheMainMenusChoice) {
     auto const run = run_console("OGxx", stepped());
-    EXPECT_EQ(run.calls, start_calls(kFirmwareAb) + kEndCalls);
+    Menu menu = kAlarm;
+    menu.opening[1] = gyro_construction(kFirmwareAb);
+    EXPECT_EQ(run.calls, calls_of_visit(menu, {}));
 }
 
 TEST(AlarmMenuTest, OtherVariantHasItsButtonOnLine44) {
-    SessionOptions options = stepped();
-    options.without = {"/dev/r47-rtu-driver", "/dev/r47-autofocus-driver", "/dev/r47-illumination-driver"};
-    auto const run = run_console("Gxx", options);
-    EXPECT_EQ(run.output, visit('G', "int test_gyro_alarm()\n" + firmware_report("AP", true) + alarm_menu('x')));
-    EXPECT_EQ(run.calls[2], button_construction(44));
-    EXPECT_EQ(run.calls[7], "rtu_t::set_device_status(3) = -1");
-}
-
-TEST(AlarmMenuTest, EndOfInputLeavesTheMenu) {
-    for (std::string const typed : {"G", "Ga"}) {
-        ConsoleSession session(stepped());
-        session.type(typed);
-        session.end_input();
-        session.wait_for(alarm_menu('x') + main_menu());
-        EXPECT_NE(session.journal().back().find(" 2 rtu_t::~rtu_t()"), std::string::npos) << typed;
-    }
+    Menu menu = kAlarm;
+    menu.start = "int test_gyro_alarm()\n" + firmware_report("AP", true);
+    menu.opening[2] = button_construction(44);
+    menu.opening[7] = "rtu_t::set_device_status(3) = -1";
+    expect_run(menu, {}, of_another_variant());
 }
 
 // The alarm menu at its prompt.
@@ -176,7 +98,7 @@ protected:
     void step(std::string const& length) { session.control("step " + length); }
 
     // What was called since the menu was first shown.
-    Calls later_calls() { return calls_from(start_calls().size(), session.calls()); }
+    Calls later_calls() { return calls_from(kAlarm.opening.size(), session.calls()); }
 
     void expect_leaves() {
         session.type("xx");

@@ -1,6 +1,4 @@
 // Transcripts of the two delegate menus, and the orientation that they show live.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdio>
 
@@ -16,153 +14,83 @@ using support::ConsoleSession;
 using support::run_console;
 using support::SessionOptions;
 
-Calls delegate_start() {
-    return {gyro_construction(), "gyro_t::boot() = 0", "gyro_t::activate_vsensor(37, 5, 1) = 0",
-            "gyro_delegate_t::gyro_delegate_t(#2, 37, function)"};
-}
-
-Calls const kDelegateEnd = {"gyro_delegate_t::~gyro_delegate_t()", "gyro_t::~gyro_t()"};
-
-Calls combined_start(std::string const& firmware = kFirmwareAp) {
-    return {kRtuConstruction,
-            gyro_construction(firmware),
-            button_construction(82),
-            "gyro_t::boot() = 0",
-            "gyro_t::info_firmware() = 0",
-            "gyro_t::activate_vsensor(37, 1, 1) = 0",
-            "gyro_alarm_t::gyro_alarm_t(#3, 37)",
-            "gyro_delegate_t::gyro_delegate_t(#3, 37, function)",
-            "rtu_t::set_device_status(3) = 0",
-            "gyro_t::irq_callback_hold(false) = 0",
-            "button_t::irq_callback_hold(false) = 0"};
-}
-
-Calls const kCombinedEnd = {"gyro_delegate_t::~gyro_delegate_t()", "gyro_alarm_t::~gyro_alarm_t()",
-                            "button_t::~button_t()", "gyro_t::~gyro_t()", "rtu_t::~rtu_t()"};
-
-std::string const kCombinedStart =
-    "int test_gyro_delegate_and_alarm()\nDetected device R47" + firmware_report("AP", true);
-
-Calls const kHold = {"gyro_t::irq_callback_hold(true) = 0"};
-Calls const kRelease = {"gyro_t::irq_callback_hold(false) = 0"};
-
-TEST(DelegateMenuTest, StartsAndLeavesWithoutAnOutputOfItsOwn) {
-    auto const run = run_console("hxx", stepped());
-    EXPECT_EQ(run.output, visit('h', delegate_menu('x')));
-    EXPECT_EQ(run.calls, delegate_start() + kDelegateEnd);
-    EXPECT_EQ(run.errors, "");
-    EXPECT_EQ(run.status, 0);
-}
+Step const kAnnouncedRelease{'t', "", "Running", kRelease.calls};
+Step const kFailedHold{'t', "", "", {"gyro_t::irq_callback_hold(true) = -1"}};
 
 TEST(DelegateMenuTest, OnlyTheReleaseIsAnnounced) {
-    auto const run = run_console("htttxx", stepped());
-    EXPECT_EQ(run.output, visit('h', delegate_menu('t') + delegate_menu('t') + "Running" + delegate_menu('t') +
-                                         delegate_menu('x')));
-    EXPECT_EQ(run.calls, delegate_start() + kHold + kRelease + kHold + kDelegateEnd);
+    expect_run(kDelegate, {kHold, kAnnouncedRelease, kHold});
 }
 
 TEST(DelegateMenuTest, FirmwareIsAlwaysTheSame) {
     auto const run = run_console("Ohxx", stepped());
-    EXPECT_EQ(run.calls, delegate_start() + kDelegateEnd);
+    EXPECT_EQ(run.calls, calls_of_visit(kDelegate, {}));
 }
 
 TEST(DelegateMenuTest, FailuresOfTheLibraryAreNotReported) {
-    auto const run =
-        run_console("httxx", stepped({"fault add gyro_t::boot status -1", "fault add gyro_t::activate* status -1",
-                                      "fault add gyro_t::irq_* status -1"}));
-    EXPECT_EQ(run.output, visit('h', delegate_menu('t') + delegate_menu('t') + "Running" + delegate_menu('x')));
-    EXPECT_EQ(run.calls, (Calls{gyro_construction(), "gyro_t::boot() = -1", "gyro_t::activate_vsensor(37, 5, 1) = -1",
-                                "gyro_delegate_t::gyro_delegate_t(#2, 37, function)",
-                                "gyro_t::irq_callback_hold(true) = -1", "gyro_t::irq_callback_hold(false) = -1"} +
-                          kDelegateEnd));
-    EXPECT_EQ(run.errors, "");
-}
-
-TEST(CombinedMenuTest, StartsWithItsTraceAndTheFirmware) {
-    auto const run = run_console("Hxx", stepped());
-    EXPECT_EQ(run.output, visit('H', kCombinedStart + delegate_menu('x')));
-    EXPECT_EQ(run.calls, combined_start() + kCombinedEnd);
-    EXPECT_EQ(run.errors, "");
-    EXPECT_EQ(run.status, 0);
+    Menu failing = kDelegate;
+    failing.opening = with_failures(kDelegate.opening);
+    expect_run(failing, {kFailedHold, {'t', "", "Running", {"gyro_t::irq_callback_hold(false) = -1"}}},
+               with_scenario({"fault add gyro_t::boot status -1", "fault add gyro_t::activate* status -1",
+                              "fault add gyro_t::irq_* status -1"}));
 }
 
 TEST(CombinedMenuTest, HoldAndReleaseAreSilent) {
-    auto const run = run_console("Htttxx", stepped());
-    EXPECT_EQ(run.output, visit('H', kCombinedStart + delegate_menu('t') + delegate_menu('t') + delegate_menu('t') +
-                                         delegate_menu('x')));
-    EXPECT_EQ(run.calls, combined_start() + kHold + kRelease + kHold + kCombinedEnd);
+    expect_run(kDelegateAndAlarm, {kHold, kRelease, kHold});
 }
 
 TEST(CombinedMenuTest, FirmwareFollowsTheMainMenusChoice) {
     auto const run = run_console("OHxx", stepped());
-    EXPECT_EQ(run.calls, combined_start(kFirmwareAb) + kCombinedEnd);
+    Menu menu = kDelegateAndAlarm;
+    menu.opening[1] = gyro_construction(kFirmwareAb);
+    EXPECT_EQ(run.calls, calls_of_visit(menu, {}));
 }
 
 TEST(CombinedMenuTest, FailuresOfTheLibraryAreNotReported) {
-    auto const run = run_console("Httxx", stepped({"fault add *::boot status -1", "fault add *::info* status -1",
-                                                   "fault add *::activate* status -1", "fault add *::set_* status -1",
-                                                   "fault add *::irq_* status -1"}));
-    EXPECT_EQ(run.output, visit('H', "int test_gyro_delegate_and_alarm()\nDetected device R47" + delegate_menu('t') +
-                                         delegate_menu('t') + delegate_menu('x')));
-    Calls expected = combined_start();
-    for (std::string& call : expected) {
-        if (call.size() > 4 && call.compare(call.size() - 4, 4, " = 0") == 0) {
-            call.replace(call.size() - 1, 1, "-1");
-        }
-    }
-    Calls const of_keys{"gyro_t::irq_callback_hold(true) = -1", "gyro_t::irq_callback_hold(false) = -1"};
-    EXPECT_EQ(run.calls, expected + of_keys + kCombinedEnd);
-    EXPECT_EQ(run.errors, "");
+    Menu failing = kDelegateAndAlarm;
+    failing.start = "int test_gyro_delegate_and_alarm()\nDetected device R47";
+    failing.opening = with_failures(kDelegateAndAlarm.opening);
+    expect_run(failing, {kFailedHold, {'t', "", "", {"gyro_t::irq_callback_hold(false) = -1"}}}, with_failing_hub());
 }
 
 TEST(CombinedMenuTest, OtherVariantHasItsButtonOnLine44) {
-    SessionOptions options = stepped();
-    options.without = {"/dev/r47-rtu-driver", "/dev/r47-autofocus-driver", "/dev/r47-illumination-driver"};
-    auto const run = run_console("Hxx", options);
-    EXPECT_EQ(run.output,
-              visit('H', "int test_gyro_delegate_and_alarm()\n" + firmware_report("AP", true) + delegate_menu('x')));
-    EXPECT_EQ(run.calls[2], button_construction(44));
+    Menu menu = kDelegateAndAlarm;
+    menu.start = "int test_gyro_delegate_and_alarm()\n" + firmware_report("AP", true);
+    menu.opening[2] = button_construction(44);
+    menu.opening[8] = "rtu_t::set_device_status(3) = -1";
+    expect_run(menu, {}, of_another_variant());
 }
 
-class BothMenusTest : public testing::TestWithParam<char> {
-protected:
-    std::string const key{GetParam()};
-};
+class BothMenusTest : public testing::TestWithParam<Menu> {};
+
+TEST_P(BothMenusTest, StartsAndLeaves) {
+    expect_run(GetParam(), {});
+}
 
 TEST_P(BothMenusTest, AllOtherKeysShowTheMenuAgain) {
-    std::string const keys = "abcdefghijklmnopqrsuvwyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789;-";
-    std::string shown;
-    for (char const typed : keys) {
-        shown += delegate_menu(typed);
-    }
-    auto const run = run_console(key + keys + "xx", stepped());
-    EXPECT_EQ(run.output, visit(GetParam(), (key == "H" ? kCombinedStart : "") + shown + delegate_menu('x')));
-    EXPECT_EQ(run.calls, key == "H" ? combined_start() + kCombinedEnd : delegate_start() + kDelegateEnd);
+    expect_run(GetParam(), ignored("abcdefghijklmnopqrsuvwyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789;-"));
 }
 
-TEST_P(BothMenusTest, EndOfInputLeavesTheMenu) {
-    ConsoleSession session(stepped());
-    session.type(key);
-    session.end_input();
-    session.wait_for(delegate_menu('x') + main_menu());
-    std::string const last = key == "H" ? " 2 rtu_t::~rtu_t()" : " 2 gyro_t::~gyro_t()";
-    EXPECT_NE(session.journal().back().find(last), std::string::npos) << session.journal().back();
+std::string name_of(testing::TestParamInfo<Menu> const& info) {
+    return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, BothMenusTest, testing::Values('h', 'H'));
+INSTANTIATE_TEST_SUITE_P(Both, BothMenusTest, testing::Values(kDelegate, kDelegateAndAlarm), name_of);
 
 // A delegate menu at its prompt; its samples come by `step`.
 class LiveOrientationTest : public BothMenusTest {
 protected:
     LiveOrientationTest() {
-        session.type(key);
+        session.type(GetParam().entry_keys());
         session.wait_for(kDelegateMenu);
     }
+
+    bool alone() const { return GetParam().key == kDelegate.key; }
 
     void step(std::string const& length) { session.control("step " + length); }
 
     std::string const line = "  Alpha: 0  Beta : 0  Gamma: 0\n";
-    std::string const period = GetParam() == 'h' ? "200ms" : "1s";
+    // Of the next rates that the hub has above 5 and 1 Hz.
+    std::string const period = alone() ? "160ms" : "640ms";
     ConsoleSession session{stepped()};
 };
 
@@ -183,8 +111,8 @@ TEST_P(LiveOrientationTest, EachSampleIsOneLineUntilTheHold) {
     std::string const echo_t = delegate_menu('t').substr(kDelegateMenu.size());
     std::string const echo_x = delegate_menu('x').substr(kDelegateMenu.size());
     std::string const lines = kDelegateMenu + line + line + line + echo_t + kDelegateMenu + echo_t +
-                              (key == "h" ? "Running" : "") + kDelegateMenu + line + echo_x;
-    EXPECT_EQ(session.output(), visit(GetParam(), (key == "H" ? kCombinedStart : "") + lines));
+                              (alone() ? "Running" : "") + kDelegateMenu + line + echo_x;
+    EXPECT_EQ(session.output(), output_before(GetParam()) + lines + main_menu('x'));
 }
 
 TEST_P(LiveOrientationTest, AnglesFollowTheDevice) {
@@ -207,7 +135,7 @@ TEST_P(LiveOrientationTest, AnglesFollowTheDevice) {
     EXPECT_NEAR(roll, 30, 0.02);
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, LiveOrientationTest, testing::Values('h', 'H'));
+INSTANTIATE_TEST_SUITE_P(Both, LiveOrientationTest, testing::Values(kDelegate, kDelegateAndAlarm), name_of);
 
 TEST(CombinedScenarioTest, AlarmAndDelegateSeeTheSameSamples) {
     ConsoleSession session(stepped());
@@ -223,12 +151,13 @@ TEST(CombinedScenarioTest, AlarmAndDelegateSeeTheSameSamples) {
     session.type("xx");
     EXPECT_EQ(session.wait_for_exit(), 0);
     Calls const sample{"callback gyro_delegate_t(37)"};
+    Calls const samples_until_the_release(10, sample.front());
     Calls const expected = Calls{"callback gyro_alarm_t::on_position_left()", "rtu_t::set_device_status(5) = 0"} +
-                           sample + sample + sample + sample + sample + sample +
+                           samples_until_the_release +
                            Calls{"callback button_t::release_records(1)", "gyro_alarm_t::teach_current_position() = 0",
                                  "callback gyro_alarm_t::on_position_reached()", "rtu_t::set_device_status(3) = 0"} +
                            sample;
-    EXPECT_EQ(calls_from(combined_start().size(), session.calls()), expected + kCombinedEnd);
+    EXPECT_EQ(calls_from(kDelegateAndAlarm.opening.size(), session.calls()), expected + kDelegateAndAlarm.closing);
 }
 
 // What the printer takes and what not, through r47-entry-points.

@@ -19,14 +19,12 @@ using support::ConsoleSession;
 using support::SessionOptions;
 
 struct RainyMenu {
-    char const* name;
-    char key;
-    std::string prompt;
+    Menu const& menu;
     Calls callbacks;  // that come in the rain, of every object that has one
 };
 
-void PrintTo(RainyMenu const& menu, std::ostream* out) {
-    *out << menu.name;
+void PrintTo(RainyMenu const& rainy, std::ostream* out) {
+    *out << rainy.menu.name;
 }
 
 std::string const kReached = "callback gyro_alarm_t::on_position_reached()";
@@ -35,12 +33,10 @@ std::string const kSampled = "callback gyro_delegate_t(37)";
 std::string const kTaught = "callback button_t::release_records(1)";
 
 RainyMenu const kMenus[] = {
-    {"Alarm", 'G', kAlarmMenu, {kReached, kLeft, kTaught}},
-    {"Delegate", 'h', kDelegateMenu, {kSampled}},
-    {"DelegateAndAlarm", 'H', kDelegateMenu, {kReached, kLeft, kSampled, kTaught}},
-    {"Button",
-     't',
-     kButtonMenu,
+    {kAlarm, {kReached, kLeft, kTaught}},
+    {kDelegate, {kSampled}},
+    {kDelegateAndAlarm, {kReached, kLeft, kSampled, kTaught}},
+    {kButton,
      {"callback button_t::press_records(1)", "callback button_t::press_records(3)",
       "callback button_t::release_records(3)"}},
 };
@@ -138,8 +134,8 @@ TEST_P(LeaveInTheRainTest, NothingIsCalledWithoutItsObject) {
     constexpr int kCallsOfAVisit = 2;
     long called = 0;
     for (int visit = 0; visit < kVisits; ++visit) {
-        session.type({&GetParam().key, 1});
-        session.wait_for(GetParam().prompt);
+        session.type(GetParam().menu.entry_keys());
+        session.wait_for(GetParam().menu.prompt());
         ASSERT_NO_FATAL_FAILURE(rain_until_called(called + kCallsOfAVisit));
         leave();
         session.wait_for(main_menu());
@@ -154,7 +150,7 @@ TEST_P(LeaveInTheRainTest, NothingIsCalledWithoutItsObject) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Menus, LeaveInTheRainTest, testing::ValuesIn(kMenus),
-                         [](auto const& menu) { return std::string(menu.param.name); });
+                         [](auto const& rainy) { return std::string(rainy.param.menu.name); });
 
 // Where its button is the device's.
 class LeaveLegacyAlarmInTheRainTest : public RainTest {
@@ -163,9 +159,8 @@ protected:
 
 private:
     static SessionOptions legacy() {
-        SessionOptions options;
+        SessionOptions options = of_another_variant();
         options.entry_point = "alarm_old_waits";
-        options.without = {"/dev/r47-rtu-driver", "/dev/r47-autofocus-driver", "/dev/r47-illumination-driver"};
         return options;
     }
 };

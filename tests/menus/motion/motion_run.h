@@ -4,35 +4,43 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/console_session.h"
+#include "tests/menus/menu_run.h"
 
 namespace motion {
 
-inline std::string const kFirmwareAp = "/opt/kelvora/libhal/fw/kelvora-260AP_1.6.fw";
-inline std::string const kFirmwareAb = "/opt/kelvora/libhal/fw/kelvora-260AB_turbo-1.x.fw";
+using namespace menus;
 
-inline std::string const kRtuConstruction = "rtu_t::rtu_t(\"/dev/r47-rtu-driver\", 2)";
-
-inline std::string gyro_construction(std::string const& firmware = kFirmwareAp) {
-    return "gyro_t::gyro_t(\"/dev/i2c-2\", 2, \"" + firmware + "\", \"/sys/class/gpio/gpio481/value\", 200)";
-}
-
-inline std::string button_construction(int line) {
-    return "button_t::button_t(\"/dev/gpiochip1\", " + std::to_string(line) + ", true, 2000)";
-}
-
-// Time passes by `step` alone, and the sensor hub measures without noise.
+// Time passes by `step` alone, and the sensor hub measures without noise, its heading without drift.
 inline support::SessionOptions stepped(std::vector<std::string> const& scenario = {}) {
-    support::SessionOptions options;
-    options.clock = "stepped";
-    options.scenario = scenario;
-    options.scenario.emplace_back("set orientation.noise 0");
-    return options;
+    return options_for(kGyro, with_scenario(scenario));
 }
 
-inline support::Calls operator+(support::Calls first, support::Calls const& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
+// Whatever starts a menu with a hub, holds it or sets something fails.
+inline support::SessionOptions with_failing_hub() {
+    return with_scenario({"fault add *::boot status -1", "fault add *::in* status -1",
+                          "fault add *::activate* status -1", "fault add *::set_* status -1",
+                          "fault add *::irq_* status -1"});
+}
+
+// Key 't' of the menus with a hub, which holds the callbacks and releases them in turn.
+inline Step const kHold{'t', "", "", {"gyro_t::irq_callback_hold(true) = 0"}};
+inline Step const kRelease{'t', "", "", {"gyro_t::irq_callback_hold(false) = 0"}};
+
+// The calls, where all fail by -1 that succeeded by 0.
+inline Calls with_failures(Calls calls) {
+    for (std::string& call : calls) {
+        if (call.size() > 4 && call.compare(call.size() - 4, 4, " = 0") == 0) {
+            call.replace(call.size() - 1, 1, "-1");
+        }
+    }
+    return calls;
+}
+
+// A device that is no R47: it has none of its three drivers.
+inline support::SessionOptions of_another_variant() {
+    support::SessionOptions options;
+    options.without = {"/dev/r47-rtu-driver", "/dev/r47-autofocus-driver", "/dev/r47-illumination-driver"};
+    return options;
 }
 
 // The calls from the `first`-th on.

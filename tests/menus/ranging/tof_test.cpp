@@ -11,27 +11,6 @@ using namespace menus;
 using screens::unknown_command;
 using support::Calls;
 
-// The exit key is announced as unknown behind its screen; expect_run leaves by it.
-std::string const kOpening = "tof_t::tof_t(\"/dev/r47-tof-driver\", 2)";
-std::string const kClosing = "tof_t::~tof_t()";
-
-void expect_tof(std::vector<Step> const& steps, support::SessionOptions const& options = {}) {
-    std::string typed = "p";
-    std::string printed;
-    Calls calls = {kOpening};
-    for (Step const& step : steps) {
-        typed += step.key + step.typed;
-        printed += screens::tof_menu(step.key) + step.printed;
-        calls.insert(calls.end(), step.calls.begin(), step.calls.end());
-    }
-    calls.push_back(kClosing);
-    auto const run = support::run_console(typed + "xx", options);
-    EXPECT_EQ(run.output, screens::visit('p', printed + screens::tof_menu('x') + unknown_command('x')));
-    EXPECT_EQ(run.calls, calls);
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.errors, "");
-}
-
 // One of the five settings that show their old and their new value.
 struct Setting {
     char key;
@@ -61,31 +40,33 @@ Step change(Setting const& setting, std::string const& typed, std::string const&
 }
 
 TEST(TofTest, SettingsShowTheirOldAndTheirNewValue) {
-    expect_tof({change(kResolution, "64", "16", "64", "0", "64"), change(kFrequency, "15", "1", "15", "0", "15"),
-                change(kRangingMode, "1", "3", "1", "0", "1"),
-                change(kIntegrationTime, "1000", "5", "1000", "0", "1000"), change(kPowerMode, "0", "1", "0", "0", "0"),
-                change(kPowerMode, "1", "0", "1", "0", "1"), change(kResolution, "16", "64", "16", "0", "16"),
-                change(kFrequency, "60", "15", "60", "0", "60")});
+    expect_run(
+        kTof,
+        {change(kResolution, "64", "16", "64", "0", "64"), change(kFrequency, "15", "1", "15", "0", "15"),
+         change(kRangingMode, "1", "3", "1", "0", "1"), change(kIntegrationTime, "1000", "5", "1000", "0", "1000"),
+         change(kPowerMode, "0", "1", "0", "0", "0"), change(kPowerMode, "1", "0", "1", "0", "1"),
+         change(kResolution, "16", "64", "16", "0", "16"), change(kFrequency, "60", "15", "60", "0", "60")});
 }
 
 TEST(TofTest, RefusedSettingShowsTheOldValueTwice) {
-    expect_tof({change(kResolution, "32", "16", "32", "127", "16"), change(kFrequency, "61", "1", "61", "127", "1"),
-                change(kFrequency, "0", "1", "0", "127", "1"), change(kRangingMode, "2", "3", "2", "127", "3"),
-                change(kIntegrationTime, "1", "5", "1", "127", "5"),
-                change(kIntegrationTime, "1001", "5", "1001", "127", "5"),
-                change(kPowerMode, "2", "1", "2", "127", "1"), change(kResolution, "64", "16", "64", "0", "64"),
-                change(kFrequency, "16", "1", "16", "127", "1")});
+    expect_run(
+        kTof, {change(kResolution, "32", "16", "32", "127", "16"), change(kFrequency, "61", "1", "61", "127", "1"),
+               change(kFrequency, "0", "1", "0", "127", "1"), change(kRangingMode, "2", "3", "2", "127", "3"),
+               change(kIntegrationTime, "1", "5", "1", "127", "5"),
+               change(kIntegrationTime, "1001", "5", "1001", "127", "5"), change(kPowerMode, "2", "1", "2", "127", "1"),
+               change(kResolution, "64", "16", "64", "0", "64"), change(kFrequency, "16", "1", "16", "127", "1")});
 }
 
 TEST(TofTest, TypedNumbersAreNarrowedToTheirParameters) {
-    expect_tof({change(kFrequency, "300", "1", "44", "0", "44"), change(kResolution, "272", "16", "16", "0", "16"),
-                change(kResolution, "-192", "16", "64", "0", "64"), change(kRangingMode, "257", "3", "1", "0", "1"),
-                change(kPowerMode, "256", "1", "0", "0", "0"),
-                change(kIntegrationTime, "-1", "5", "4294967295", "127", "5")});
+    expect_run(
+        kTof,
+        {change(kFrequency, "300", "1", "44", "0", "44"), change(kResolution, "272", "16", "16", "0", "16"),
+         change(kResolution, "-192", "16", "64", "0", "64"), change(kRangingMode, "257", "3", "1", "0", "1"),
+         change(kPowerMode, "256", "1", "0", "0", "0"), change(kIntegrationTime, "-1", "5", "4294967295", "127", "5")});
 }
 
 TEST(TofTest, MistypedNumberIsNought) {
-    expect_tof({change(kFrequency, "fast", "1", "0", "127", "1"), change(kPowerMode, "off", "1", "0", "0", "0")});
+    expect_run(kTof, {change(kFrequency, "fast", "1", "0", "127", "1"), change(kPowerMode, "off", "1", "0", "0", "0")});
 }
 
 TEST(TofTest, StatusesOfTheSettingsAreIgnored) {
@@ -97,14 +78,15 @@ TEST(TofTest, StatusesOfTheSettingsAreIgnored) {
                          {"tof_t::get_" + setting.operation + "() = -1", "tof_t::set_" + setting.operation + "(7) = -1",
                           "tof_t::get_" + setting.operation + "() = -1"}});
     }
-    expect_tof(steps, with_scenario({"fault add tof_t::*et_* status -1"}));
+    expect_run(kTof, steps, with_scenario({"fault add tof_t::*et_* status -1"}));
     support::SessionOptions without_node;
     without_node.without = {"/dev/r47-tof-driver"};
-    expect_tof(steps, without_node);
+    expect_run(kTof, steps, without_node);
 }
 
 TEST(TofTest, OldAndNewValueAreTwoReadings) {
-    expect_tof(
+    expect_run(
+        kTof,
         {{'a',
           "16\n",
           kResolution.prompt + old_and_new("resolution", "200", "201"),
@@ -145,20 +127,21 @@ Calls calibration_calls(std::string const& reflectance, std::string const& sampl
 }
 
 TEST(TofTest, CalibrationParametersAreAskedInTheirOrder) {
-    expect_tof({{'e', "50\n16\n3000\n", calibration_texts("3 4 600", "50 16 3000"),
-                 calibration_calls("50) = 0", "16) = 0", "3000) = 0")},
-                {'e', "100\n17\n599\n", calibration_texts("50 16 3000", "50 16 3000"),
-                 calibration_calls("100) = 127", "17) = 127", "599) = 127")},
-                {'e', "65537\n257\n66536\n", calibration_texts("50 16 3000", "1 1 1000"),
-                 calibration_calls("1) = 0", "1) = 0", "1000) = 0")},
-                {'e', "much\nmany\nfar\n", calibration_texts("1 1 1000", "1 1 1000"),
-                 calibration_calls("0) = 127", "0) = 127", "0) = 127")},
-                {'e', "50\nmany\n600\n", calibration_texts("1 1 1000", "50 1 600"),
-                 calibration_calls("50) = 0", "0) = 127", "600) = 0")}});
+    expect_run(kTof, {{'e', "50\n16\n3000\n", calibration_texts("3 4 600", "50 16 3000"),
+                       calibration_calls("50) = 0", "16) = 0", "3000) = 0")},
+                      {'e', "100\n17\n599\n", calibration_texts("50 16 3000", "50 16 3000"),
+                       calibration_calls("100) = 127", "17) = 127", "599) = 127")},
+                      {'e', "65537\n257\n66536\n", calibration_texts("50 16 3000", "1 1 1000"),
+                       calibration_calls("1) = 0", "1) = 0", "1000) = 0")},
+                      {'e', "much\nmany\nfar\n", calibration_texts("1 1 1000", "1 1 1000"),
+                       calibration_calls("0) = 127", "0) = 127", "0) = 127")},
+                      {'e', "50\nmany\n600\n", calibration_texts("1 1 1000", "50 1 600"),
+                       calibration_calls("50) = 0", "0) = 127", "600) = 0")}});
 }
 
 TEST(TofTest, FailedCalibrationSettersShowTheOldFields) {
-    expect_tof({{'e', "50\n16\n3000\n", calibration_texts("3 4 600", "3 4 600"),
+    expect_run(kTof,
+               {{'e', "50\n16\n3000\n", calibration_texts("3 4 600", "3 4 600"),
                  calibration_calls("50) = -1", "16) = -1", "3000) = -1")}},
                with_scenario({"fault add tof_t::set_calibration_* status -1"}));
 }
@@ -166,19 +149,21 @@ TEST(TofTest, FailedCalibrationSettersShowTheOldFields) {
 TEST(TofTest, CalibrationAndModuleTestPrintNothing) {
     support::SessionOptions options = with_scenario({"set ranging.scene \"plane 600 reflectance 3\""});
     options.clock = "stepped";
-    expect_tof(
+    expect_run(
+        kTof,
         {{'f', "", "", {"tof_t::xtalk_calibration() = 0"}}, {'i', "", "", {"tof_t::illumination_module_test() = 0"}}},
         options);
-    expect_tof(
+    expect_run(
+        kTof,
         {{'f', "", "", {"tof_t::xtalk_calibration() = 4"}}, {'i', "", "", {"tof_t::illumination_module_test() = 66"}}},
         with_scenario(
             {"fault add tof_t::xtalk_calibration status 4", "fault add tof_t::illumination_module_test status 66"}));
 }
 
 TEST(TofTest, NumberOfMeasurementsCallsNothing) {
-    expect_tof({{'g', "12\n", "Enter number of measurements: ", {}},
-                {'g', "-1\n", "Enter number of measurements: ", {}},
-                {'g', "some\n", "Enter number of measurements: ", {}}});
+    expect_run(kTof, {{'g', "12\n", "Enter number of measurements: ", {}},
+                      {'g', "-1\n", "Enter number of measurements: ", {}},
+                      {'g', "some\n", "Enter number of measurements: ", {}}});
 }
 
 // The grid of `side` x `side` distances, each of them made by `distance` of row and column.
@@ -273,7 +258,7 @@ TEST(TofTest, SideIsTheRootOfTheResolution) {
 
 TEST(TofTest, FailedShotOrResolutionPrintsNothing) {
     for (std::string const status : {"-1", "255"}) {
-        expect_tof({{'h', "", "", {"tof_t::shot() = " + status}}},
+        expect_run(kTof, {{'h', "", "", {"tof_t::shot() = " + status}}},
                    with_scenario({"fault add tof_t::shot status " + status}));
         support::SessionOptions options = exact("none");
         options.scenario.push_back("fault add tof_t::get_resolution status " + status);
@@ -282,16 +267,16 @@ TEST(TofTest, FailedShotOrResolutionPrintsNothing) {
 }
 
 TEST(TofTest, SleepingSensorDoesNotShoot) {
-    expect_tof({change(kPowerMode, "0", "1", "0", "0", "0"),
-                {'h', "", "", {"tof_t::shot() = 255"}},
-                {'f', "", "", {"tof_t::xtalk_calibration() = 255"}},
-                {'i', "", "", {"tof_t::illumination_module_test() = 255"}}});
+    expect_run(kTof, {change(kPowerMode, "0", "1", "0", "0", "0"),
+                      {'h', "", "", {"tof_t::shot() = 255"}},
+                      {'f', "", "", {"tof_t::xtalk_calibration() = 255"}},
+                      {'i', "", "", {"tof_t::illumination_module_test() = 255"}}});
 }
 
 TEST(TofTest, ModuleTestFailsWithoutTheIllumination) {
     support::SessionOptions options = with_scenario({"set illumination.present false"});
     options.clock = "stepped";
-    expect_tof({{'i', "", "", {"tof_t::illumination_module_test() = 255"}}}, options);
+    expect_run(kTof, {{'i', "", "", {"tof_t::illumination_module_test() = 255"}}}, options);
 }
 
 TEST(TofTest, BlockingOperationsTakeTheirTime) {
@@ -301,9 +286,8 @@ TEST(TofTest, BlockingOperationsTakeTheirTime) {
         std::string const shown = session.control("show clock.time");
         return std::stod(shown.substr(std::string("clock.time").size()));
     };
-    std::string const prompt = "x: Exit\nPlease enter your option: ";
     session.type("p");
-    session.wait_for(prompt);
+    session.wait_for(kTof.prompt());
     struct {
         std::string typed;
         char blocking_key;
@@ -316,7 +300,7 @@ TEST(TofTest, BlockingOperationsTakeTheirTime) {
         double const start = time();
         session.type(operation.typed);
         session.wait_for(std::string("Your option = ") + operation.blocking_key + "\n");
-        session.wait_for(prompt);
+        session.wait_for(kTof.prompt());
         EXPECT_NEAR(time() - start, operation.seconds, 0.002);
     }
     session.type("xx");
@@ -328,34 +312,25 @@ TEST(TofTest, UnknownKeysAreAnnounced) {
     for (char const key : std::string("klmnopqrstuvwyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789!?\x7f\xff")) {
         steps.push_back({key, "", unknown_command(key), {}});
     }
-    expect_tof(steps);
-}
-
-TEST(TofTest, EndOfInputLeavesTheMenuAsTheExitKeyDoes) {
-    support::ConsoleSession session;
-    session.type("p");
-    session.wait_for("Entered Option = p\n");
-    session.end_input();
-    session.wait_for(screens::tof_menu('x') + unknown_command('x') + screens::main_menu());
-    EXPECT_EQ(session.calls(), (Calls{kOpening, kClosing}));
+    expect_run(kTof, steps);
 }
 
 class TofClientTest : public ClientTest {};
 
 TEST_F(TofClientTest, AllNumbersAreTypedAtTheTerminal) {
-    expect_as_at_the_terminal('p', "a64\nb9\nc3\nd20\ne50\n16\n3000\ng2\nj0\nj1\n");
+    expect_as_at_the_terminal(kTof, "a64\nb9\nc3\nd20\ne50\n16\n3000\ng2\nj0\nj1\n");
     expect_waiting("");
     end();
 }
 
 TEST_F(TofClientTest, TerminalDrivesTheMenuAndTheClientGetsNothing) {
     client.send("p\n");
-    session.wait_for("x: Exit\nPlease enter your option: ");
+    session.wait_for(kTof.prompt());
     session.type("b");
     session.wait_for("Your option = b\nEnter value: ");
     session.type("9\n");
     session.wait_for("Old frequency : 1\nNew frequency : 9\n");
-    session.wait_for("x: Exit\nPlease enter your option: ");
+    session.wait_for(kTof.prompt());
     session.type("x");
     session.wait_for("unknown command x\n");
     expect_waiting("");

@@ -11,6 +11,15 @@ inline std::string padded(std::string line, std::size_t length) {
     return line + "\n";
 }
 
+// A text as a pseudo-terminal prints it.
+inline std::string at_terminal(std::string const& text) {
+    std::string converted;
+    for (char const c : text) {
+        converted += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    }
+    return converted;
+}
+
 // What every run starts with.
 inline std::string const kStart = "System calls\n";
 
@@ -69,6 +78,14 @@ inline std::string system_menu(char key) {
     return kSystemMenu + "\n\tYour option = " + key + "\n";
 }
 
+// The console's line about one that the client sent, and the main menu that it answers so.
+inline std::string line_from_client(std::string const& line) {
+    return "ReadLine: " + line + "\n";
+}
+inline std::string main_menu_of_client(char key) {
+    return main_menu() + line_from_client(std::string{key}) + "Entered Option = " + key + "\n";
+}
+
 // The local menu of socket mode.
 inline std::string const kSocketMenu =
     "\t\t  Socket test menu     \n"
@@ -77,5 +94,8 @@ inline std::string const kSocketMenu =
 inline std::string socket_menu(char key) {
     return kSocketMenu + "\t\t Your Option = " + key + "\n";
 }
+
+// What a run of the console starts with that is told to start in socket mode.
+inline std::string const kSocketModeStart = kStart + "6\nint test_socket()\n" + kSocketMenu + kStart;
 
 }  // namespace screens

@@ -1,0 +1,235 @@
+// Tests of the control grammar.
+#include "sim/control/command.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <future>
+#include <optional>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+using sim::Device;
+using sim::Reply;
+using sim::Words;
+
+class CommandTest : public testing::Test {
+protected:
+    Reply run(std::string const& line) { return sim::device_commands().run({device_}, line); }
+    // The body of a command that must be done.
+    std::string done(std::string const& line) {
+        Reply const reply = run(line);
+        EXPECT_TRUE(reply.ok) << line << ": " << reply.text;
+        return reply.text;
+    }
+    // The message of a command that must be refused.
+    std::string refused(std::string const& line) {
+        Reply const reply = run(line);
+        EXPECT_FALSE(reply.ok) << line;
+        EXPECT_EQ(reply.text.find('\n'), std::string::npos) << "one line: " << reply.text;
+        return reply.text;
+    }
+
+    Device device_{std::make_unique<sim::MemoryFileSystem>()};
+};
+
+TEST_F(CommandTest, SetChangesWhatShowShows) {
+    EXPECT_EQ(done("set system.state 4"), "");
+    EXPECT_EQ(done("show system.state"), "system.state  4  state shown to the user: 1-6, 9, 10\n");
+    EXPECT_EQ(done("show --json system.state"), "{\n  \"system.state\": 4\n}\n");
+    EXPECT_NE(done("show").find("\nimx567.revision.year "), std::string::npos);
+    EXPECT_NE(done("show --json").find("\"camera.fitted\": 1"), std::string::npos);
+}
+
+TEST_F(CommandTest, FaultsAreAddedListedAndCleared) {
+    EXPECT_EQ(done("fault add rtu_t::get_exposure count 2 status -1"), "1\n");
+    EXPECT_EQ(done("fault add * delay 5"), "2\n");
+    EXPECT_EQ(done("fault list"), "1  rtu_t::get_exposure count 2 status -1  fired 0\n2  * delay 5  fired 0\n");
+    EXPECT_EQ(done("fault clear 1"), "");
+    EXPECT_EQ(done("fault list"), "2  * delay 5  fired 0\n");
+    EXPECT_EQ(done("fault clear"), "");
+    EXPECT_EQ(done("fault list"), "");
+}
+
+TEST_F(CommandTest, NodesAreRemovedAndRestored) {
+    EXPECT_EQ(done("node remove /dev/imx296"), "");
+    EXPECT_EQ(done("show --json camera.fitted"), "{\n  \"camera.fitted\": 2\n}\n");
+    EXPECT_NE(done("node list").find("missing  /dev/imx296\n"), std::string::npos);
+    EXPECT_EQ(done("node restore /dev/imx296"), "");
+    EXPECT_NE(done("node list").find("present  /dev/imx296\n"), std::string::npos);
+}
+
+TEST_F(CommandTest, TheClockIsChosenAndStepped) {
+    EXPECT_EQ(done("clock"), "stepped\n");
+    EXPECT_EQ(done("clock scaled 2.5"), "");
+    EXPECT_EQ(done("clock"), "scaled 2.5\n");
+    EXPECT_EQ(done("clock stepped"), "");
+    auto const before = device_.timeline.now();
+    EXPECT_EQ(done("step 3s"), "");
+    EXPECT_EQ(done("step 250ms"), "");
+    EXPECT_EQ(device_.timeline.now() - before, 3250ms);
+    EXPECT_EQ(done("clock real"), "");
+    EXPECT_EQ(done("clock"), "real\n");
+}
+
+TEST_F(CommandTest, FollowingTheJournalIsTheCallersMatter) {
+    std::optional<bool> as_json;
+    sim::Caller const caller{device_, {}, [&](bool json) { as_json = json; }};
+    EXPECT_TRUE(sim::device_commands().run(caller, "journal follow").ok);
+    EXPECT_EQ(as_json, false);
+    EXPECT_TRUE(sim::device_commands().run(caller, "journal follow --json").ok);
+    EXPECT_EQ(as_json, true);
+    EXPECT_EQ(refused("journal follow"), "journal follow needs a connection");
+}
+
+class TwoPrograms : public sim::ProgramList {
+public:
+    std::vector<std::string> connected() override { return {"one", "two"}; }
+    std::vector<std::string> waited_for() override { return {"two is busy"}; }
+};
+
+TEST_F(CommandTest, ProgramsAreListedByTheirLines) {
+    TwoPrograms programs;
+    sim::Caller caller{device_};
+    EXPECT_EQ(sim::device_commands().run(caller, "programs").text, "");
+    caller.programs = &programs;
+    EXPECT_EQ(sim::device_commands().run(caller, "programs").text, "one\ntwo\n");
+}
+
+TEST_F(CommandTest, AStepSaysWhomItWaitsFor) {
+    std::promise<void> rest;
+    device_.timeline.set_barrier([released = rest.get_future().share()] { released.wait(); });
+    TwoPrograms programs;
+    std::vector<std::string> told;
+    sim::Caller caller{device_, [&](std::string const& line) {
+                           if (told.empty()) {
+                               rest.set_value();
+                           }
+                           told.push_back(line);
+                       }};
+    caller.programs = &programs;
+    EXPECT_TRUE(sim::device_commands().run(caller, "step 1ms").ok);
+    ASSERT_FALSE(told.empty());
+    EXPECT_EQ(told.front(), "waiting: two is busy");
+}
+
+TEST_F(CommandTest, WhatChangesTheDeviceIsJournaledWithItsLength) {
+    std::vector<std::string> lines;
+    device_.access()->journal.follow([&](std::uint64_t sequence, sim::Record const& record) {
+        lines.push_back(sim::record_line(sequence, record));
+    });
+    done("set system.state 4");
+    done("show system");
+    refused("set system.state 7");
+    done("step 1500ms");
+    done("# nothing");
+    EXPECT_EQ(lines, (std::vector<std::string>{"0.000000 0.000000 1 command - - - - - set system.state 4",
+                                               "0.000000 1.500000 2 command - - - - - step 1500ms"}));
+}
+
+TEST_F(CommandTest, EmptyLinesAndCommentsDoNothing) {
+    EXPECT_EQ(done(""), "");
+    EXPECT_EQ(done("  \t\r"), "");
+    EXPECT_EQ(done("# set system.state 4"), "");
+}
+
+TEST_F(CommandTest, BlanksAroundWordsDoNotCount) {
+    EXPECT_EQ(done("  set\tsystem.state   \"5\" \r"), "");
+    EXPECT_NE(done("show system.state").find("  5  "), std::string::npos);
+}
+
+TEST_F(CommandTest, HelpNamesEveryVerb) {
+    std::string const help = done("help");
+    for (char const* usage :
+         {"show [--json] [PREFIX]", "set NAME VALUE", "fault add OPERATION", "fault list", "fault clear [ID]",
+          "node remove PATH", "node restore PATH", "node list", "journal follow", "programs",
+          "clock [real | scaled FACTOR | stepped]", "step DURATION", "help"}) {
+        EXPECT_NE(help.find(usage), std::string::npos) << usage;
+    }
+}
+
+TEST_F(CommandTest, BadCommandsAreRefusedAndChangeNothing) {
+    std::string const before = done("show system") + done("fault list") + done("node list") + done("clock");
+    for (char const* line : {"frobnicate",
+                             "SHOW",
+                             "show nothing",
+                             "show --yaml",
+                             "show a b",
+                             "show --json a b",
+                             "set",
+                             "set system.state",
+                             "set system.state 7",
+                             "set system.state 4 5",
+                             "set system.alive true",
+                             "set nothing 1",
+                             "fault",
+                             "fault add",
+                             "fault add rtu_t::nothing status 1",
+                             "fault add rtu_t::get_exposure",
+                             "fault list all",
+                             "fault clear x",
+                             "fault clear 1",
+                             "fault clear 1 2",
+                             "node",
+                             "node list all",
+                             "node remove",
+                             "node remove /etc/passwd",
+                             "node restore /dev/imx296",
+                             "node mend /dev/imx296",
+                             "clock fast",
+                             "clock real now",
+                             "clock scaled",
+                             "clock scaled 0",
+                             "clock scaled -1",
+                             "clock scaled x",
+                             "clock scaled 1001",
+                             "clock stepped 1",
+                             "step",
+                             "step 3",
+                             "step 3 s",
+                             "step -3s",
+                             "step 86401s",
+                             "programs all",
+                             "set system.state 1x",
+                             "set system.state 99999999999999999999",
+                             "journal",
+                             "journal stop",
+                             "journal follow me",
+                             "\"show",
+                             "\x01\xFF\xFE",
+                             "--json"}) {
+        EXPECT_NE(refused(line), "") << line;
+    }
+    EXPECT_EQ(done("show system") + done("fault list") + done("node list") + done("clock"), before);
+}
+
+TEST_F(CommandTest, AStepIsRefusedWhileTheClockRuns) {
+    done("clock scaled 0.001");
+    EXPECT_EQ(refused("step 1s"), "the clock is not stepped");
+}
+
+TEST_F(CommandTest, AnUnknownCommandIsNamedReadably) {
+    EXPECT_EQ(refused("a\x01"), "unknown command \"a\\x01\": try help");
+}
+
+TEST(WordsTest, QuotesKeepBlanksTogether) {
+    Words words;
+    EXPECT_TRUE(sim::split_words("a \"b c\"d \"\" \"e\\\"f\\\\\"", words));
+    EXPECT_EQ(words, (Words{"a", "b cd", "", "e\"f\\"}));
+}
+
+TEST(WordsTest, JoinedWordsAreTakenApartAgain) {
+    Words const words{"set", "a name", "", "quo\"te", "back\\slash", "\\", "plain"};
+    Words again;
+    EXPECT_TRUE(sim::split_words(sim::join_words(words), again));
+    EXPECT_EQ(again, words);
+}
+
+TEST(WordsTest, AnOpenQuoteIsRefused) {
+    Words words;
+    EXPECT_FALSE(sim::split_words("a \"b", words));
+}
+
+}  // namespace
