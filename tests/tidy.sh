@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 
 packaging/install_packages.sh clang libclang-rt-dev clang-tidy cmake ninja-build libgtest-dev >&2
 # Compile commands without precompiled headers, which nobody builds here.
-cmake --preset clang-debug -B build-tidy -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null
+cmake --preset clang-debug -B build-tidy -DR47_BENCH=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null
 cmake --preset fuzz -B build-tidy/fuzz >/dev/null
 
 [ $# -gt 0 ] || set -- $(git ls-files '*.cpp')
@@ -16,7 +16,7 @@ cmake --preset fuzz -B build-tidy/fuzz >/dev/null
 for source in "$@"; do
     case "$source" in
         tests/fuzz/*) echo "$source -p=build-tidy/fuzz --checks=-clang-analyzer-*" ;;
-        tests/* | sim/service/gate.cpp) echo "$source -p=build-tidy --checks=-clang-analyzer-*" ;;
+        tests/* | bench/* | sim/service/gate.cpp) echo "$source -p=build-tidy --checks=-clang-analyzer-*" ;;
         *) echo "$source -p=build-tidy" ;;
     esac
 done | xargs -P "$(nproc)" -L 1 sh -c 'found=$(clang-tidy --quiet "$@" 2>&1) || { echo "$found"; exit 1; }' tidy
