@@ -1,0 +1,443 @@
+#!/usr/bin/env python3
+"""Changes one thing at a time in the sources and sees whether a test fails.
+
+    tests/mutate.py [OPTION...] [PATH...]      files or folders; sim/models where none is told
+
+A mutant is a comparison, a constant, a sign or operator of arithmetic, or a logical operator changed, a statement removed, or
+two arguments swapped. It is built and tested in a copy of the tree, build-mutate/, with a build of its own. What does not
+compile is no mutant; one that does not end counts as killed. Survivors are printed as they are found, then what was killed of
+each source (a header counts with its .cpp). Ends with 1 where less than 95 % of a source of sim/models, or 98 % of any other, is
+killed or has its reason in tests/survivors.txt; those without are written to build-mutate/survivors.txt, in that file's form.
+"""
+import argparse
+import collections
+import concurrent.futures
+import json
+import os
+import pathlib
+import queue
+import random
+import re
+import shlex
+import shutil
+import signal
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+WORK = ROOT / "build-mutate"
+ACCEPTED = ROOT / "tests" / "survivors.txt"
+MODELS = "sim/models"
+BUILD_LIMIT = 900  # s, of one mutant
+SUITE_LIMIT = 60  # s, of a source's own tests
+REST_LIMIT = 900  # s, of all other tests
+LINKER = ["-fuse-ld=gold"] if shutil.which("ld.gold") else []
+
+TOKEN = re.compile(
+    r"""(?P<comment>//.*|/\*.*?\*/)
+      | (?P<text>R"\(.*?\)"|"(?:\\.|[^"\\])*"|(?<![0-9A-Fa-f])'(?:\\.|[^'\\])+')
+      | (?P<number>(?<![\w.])(?:0[xX][0-9A-Fa-f']+|0b[01']+|[0-9][0-9']*(?:\.[0-9]*)?(?:[eE][-+]?[0-9]+)?)[uUlLf]*)
+      | (?P<word>[A-Za-z_]\w*)
+      | (?P<binary>(?<=\ )(?:<=|>=|==|!=|&&|\|\||<<=|>>=|<<|>>|[-+*/%&|^]=|[-+*/%&|^<>])(?=\ |$))
+      | (?P<step>\+\+|--)
+      | (?P<minus>(?<=[(\[{ ])-(?=[\w(.]))
+      | (?P<negation>!(?=[\w(*]))
+      | (?P<other>\S)""",
+    re.VERBOSE)
+
+COMPARISONS = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "=="}
+ARITHMETIC = {"+": "-", "-": "+", "*": "/", "/": "*", "%": "*", "&": "|", "|": "&", "^": "&", "<<": ">>", ">>": "<<",
+              "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "%=": "*=", "&=": "|=", "|=": "&=", "<<=": ">>=", ">>=": "<<=",
+              "++": "--", "--": "++"}
+LOGIC = {"&&": "||", "||": "&&"}
+TRUTH = {"true": "false", "false": "true"}
+# On one line, and no declaration: those that are left out do not compile without, or are a return that is needed.
+STATEMENT = re.compile(r"\s{4,}(?!return .|using |static_assert|case |default:|\S+ .*\b\w+ = |[\w:<>]+ (const )?\w+(\{.*\})?;)\S.*;$")
+COMMUTATIVE = ("min", "max", "hypot")
+
+Mutant = collections.namedtuple("Mutant", "file number kind old new")
+
+
+def shown(mutant):
+    return f"{mutant.file}:{mutant.number}: {mutant.kind}\n    -{mutant.old.strip()}\n    +{mutant.new.strip()}"
+
+
+def record(mutant):
+    """As survivors.txt has it: by the text of the line, so that it stays true when lines move."""
+    return f"{mutant.file}: {mutant.old.strip()} => {mutant.new.strip()}"
+
+
+def other_number(text):
+    digits = re.match(r"0[xX][0-9A-Fa-f']+|0b[01']+|[0-9.'eE+-]+", text)[0]
+    suffix = text[len(digits):]
+    plain = digits.replace("'", "")
+    if re.match(r"0[xXbB]", plain):
+        return hex(int(plain, 0) + 1) + suffix
+    if re.search(r"[.eE]", plain):
+        value = float(plain)
+        return repr(value * 1.1 if value else 1.0) + suffix
+    return str(int(plain) + 1) + suffix
+
+
+def arguments(line, start):
+    """(start, end) of each argument of the call whose parenthesis opens at `start`; none where it does not close here."""
+    depth = 0
+    parts = []
+    begin = start + 1
+    for i in range(start, len(line)):
+        if line[i] in "([{":
+            depth += 1
+        elif line[i] in ")]}":
+            depth -= 1
+            if depth == 0:
+                return parts + [(begin, i)]
+        elif line[i] == "," and depth == 1:
+            parts.append((begin, i))
+            begin = i + 1
+    return []
+
+
+def swaps(line):
+    for call in re.finditer(r"\b(\w+)\(", line):
+        if call[1] in COMMUTATIVE or call[1] in ("if", "for", "while", "switch", "return"):
+            continue
+        parts = arguments(line, call.end() - 1)
+        texts = [line[begin:end].strip() for begin, end in parts]
+        if any(re.search(r"\w[&*]* \w", text) or '"' in text or not text for text in texts):
+            continue  # parameters that are declared
+        for i in range(len(parts) - 1):
+            if texts[i] != texts[i + 1]:
+                changed = ", ".join(texts[:i] + [texts[i + 1], texts[i]] + texts[i + 2:])
+                yield line[:parts[0][0]] + changed + line[parts[-1][1]:]
+
+
+def mutants_of(path):
+    """Every mutant of the file at `path`, relative to the tree."""
+    lines = (ROOT / path).read_text(encoding="utf-8").splitlines()
+    in_comment = False
+    previous = "{"
+    for number, line in enumerate(lines, 1):
+        if in_comment or line.lstrip().startswith(("#", "/*")):
+            in_comment = ("/*" in line or in_comment) and "*/" not in line
+            continue
+        if line.lstrip().startswith(("static_assert", "using ", "template", "class ", "friend ")) or "extern " in line:
+            continue
+        tokens = [t for t in TOKEN.finditer(line) if t.lastgroup != "comment"]
+        code = line[:tokens[-1].end()] if tokens else ""
+        if not code:
+            continue
+        for token in tokens:
+            text = token.group()
+            changes = []
+            if token.lastgroup == "binary" and text in COMPARISONS:
+                changes = [("comparison", COMPARISONS[text])]
+            elif token.lastgroup == "binary" and text in LOGIC:
+                changes = [("logic", LOGIC[text])]
+            elif token.lastgroup in ("binary", "step"):
+                changes = [("arithmetic", ARITHMETIC[text])]
+            elif token.lastgroup == "minus":
+                changes = [("sign", "")]
+            elif token.lastgroup == "negation":
+                changes = [("logic", "")]
+            elif token.lastgroup == "number":
+                changes = [("constant", other_number(text))]
+            elif token.lastgroup == "word" and text in TRUTH:
+                changes = [("constant", TRUTH[text])]
+            for kind, new in changes:
+                yield Mutant(path, number, kind, line, line[:token.start()] + new + line[token.end():])
+        if path.endswith(".cpp"):
+            if STATEMENT.fullmatch(code) and previous.endswith(("{", "}", ";", ":", ")", "else")):
+                yield Mutant(path, number, "removed", line, line[:len(line) - len(line.lstrip())] + ";")
+            for changed in swaps(code):
+                yield Mutant(path, number, "swapped", line, changed + line[len(code):])
+        previous = code.rstrip()
+
+
+def sources(paths):
+    for path in paths:
+        full = ROOT / path
+        found = sorted(full.rglob("*")) if full.is_dir() else [full]
+        for file in found:
+            if not file.exists():
+                sys.exit(f"there is no {file}")
+            if file.suffix in (".h", ".cpp"):
+                yield file.relative_to(ROOT).as_posix()
+
+
+def read_records(path, explained):
+    """The records in a file of survivors; with their reasons where they are `explained`."""
+    records = {}
+    reason = ""
+    lines = path.read_text(encoding="utf-8").splitlines() if path.exists() else []
+    for line in lines:
+        if line.startswith(" "):
+            if explained and not reason:
+                sys.exit(f"{path}: no reason stands above {line.strip()}")
+            records[line.strip()] = reason
+        elif line and not line.startswith("#"):
+            reason = line
+    return records
+
+
+def run(command, cwd, limit):
+    """Exit status and output; no status where it did not end in time. What it started ends with it then."""
+    with subprocess.Popen(command, cwd=cwd, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                          start_new_session=True, text=True, errors="replace") as process:
+        try:
+            output, _ = process.communicate(timeout=limit)
+            return process.returncode, output
+        except subprocess.TimeoutExpired:
+            os.killpg(process.pid, signal.SIGKILL)
+            process.communicate()
+            return None, ""
+
+
+def suites_in(folder, stem=""):
+    """The names of the test suites below a folder of the tests, or in those of its files that begin with `stem`."""
+    pattern = re.compile(r"^TEST(?:_F|_P)?\((\w+),", re.MULTILINE)
+    files = (ROOT / "tests" / folder).rglob(f"{stem}*.cpp")
+    return sorted({suite for file in files for suite in pattern.findall(file.read_text(encoding="utf-8"))})
+
+
+def tests_of(file):
+    """The tests that mirror a source."""
+    return f"tests/{pathlib.PurePath(file).with_suffix('')}_test.cpp"
+
+
+def has_suite(file):
+    """Whether the source is a model that is tested on its own."""
+    return file.startswith(MODELS) and (ROOT / tests_of(file)).exists()
+
+
+def suite_of(file):
+    """The sources of a program that has only the tests of the model's `file`, and what these call."""
+    found = set()
+    waiting = [tests_of(file)]
+    while waiting:
+        name = waiting.pop()
+        if name not in found and (ROOT / name).exists():
+            found.add(name)
+            # The grammar is there for its words alone: nothing of the device that its verbs work on.
+            room = "sim/control" if name.startswith("sim/control/") else "sim"
+            headers = re.findall(rf'#include "({room}/.*)\.h"', (ROOT / name).read_text(encoding="utf-8"))
+            waiting += [header + suffix for header in headers for suffix in (".h", ".cpp")]
+            if name == "sim/device/describe.h":
+                waiting += [path.relative_to(ROOT).as_posix() for path in (ROOT / "sim/device").glob("describe_*.cpp")]
+    return sorted(name for name in found if name.endswith(".cpp"))
+
+
+def concerns(name, header):
+    """Whether a source uses what the model's header declares."""
+    stem = pathlib.PurePath(header).stem
+    type_name = "".join(part.capitalize() for part in stem.split("_"))
+    return re.search(rf"\b{type_name}\b|models/{stem}\.h", (ROOT / name).read_text(encoding="utf-8")) is not None
+
+
+class Workshop:
+    """A copy of the tree and its build, for one mutant at a time."""
+
+    def __init__(self, number):
+        self.tree = WORK / f"tree-{number}"
+        self.build = WORK / f"build-{number}"
+        self.commands = {}  # that compile each source
+        self.broken = {}  # the tests that fail without a mutant, by the pattern that selects them
+
+    def prepare(self, targets, suite_sources):
+        self.tree.mkdir(parents=True, exist_ok=True)
+        listed = subprocess.run(["git", "ls-files", "-z"], cwd=ROOT, check=True, capture_output=True).stdout
+        for name in filter(None, listed.decode().split("\0")):
+            source, copy = ROOT / name, self.tree / name
+            if source.is_file() and (not copy.exists() or copy.read_bytes() != source.read_bytes()):
+                copy.parent.mkdir(parents=True, exist_ok=True)
+                shutil.copy2(source, copy)
+                os.utime(copy)
+        self.demand(["cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
+                     "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -w", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"])
+        with open(self.build / "compile_commands.json", encoding="utf-8") as file:
+            for entry in json.load(file):
+                name = os.path.relpath(entry["file"], self.tree)
+                self.commands[name] = shlex.split(entry["command"])
+        self.demand(["ninja", "-j1", *targets, *map(self.object_of, suite_sources)])
+
+    def demand(self, command):
+        status, output = run(list(map(str, command)), self.build if self.build.exists() else ROOT, None)
+        if status != 0:
+            sys.exit(f"{shlex.join(map(str, command))} failed:\n{output}")
+
+    def object_of(self, name):
+        command = self.commands[name]
+        return command[command.index("-o") + 1]
+
+    def compile(self, name, folder):
+        """Compiles one source of the copy into `folder`; nothing where that fails."""
+        target = str(folder / (name.replace("/", "_") + ".o"))
+        command = [target if word == self.object_of(name) else word for word in self.commands[name]]
+        status, _ = run(command, self.build, BUILD_LIMIT)
+        return target if status == 0 else None
+
+    def suite(self, file, mutant):
+        """Tests a mutant of the model's `file`, or none, with the tests of that model alone, linked on their own.
+
+        What else includes a header is built only for those that live through this.
+        """
+        folder = self.build / "suites" / pathlib.PurePath(file).stem
+        folder.mkdir(parents=True, exist_ok=True)
+        objects = {name: self.object_of(name) for name in suite_of(file)}
+        if mutant:
+            changed = [file] if file.endswith(".cpp") else [name for name in objects if concerns(name, file)]
+            objects.update({name: self.compile(name, folder) for name in changed})
+            if None in objects.values():
+                return "invalid"
+        program = folder / "suite"
+        status, _ = run(["g++", *LINKER, "-Wl,--unresolved-symbols=ignore-all", "-o", program, *objects.values(),
+                         "-lgtest_main", "-lgtest", "-lpthread"], self.build, BUILD_LIMIT)
+        if status != 0:
+            return "invalid"
+        status, _ = run([program, "--gtest_brief=1", "--gtest_fail_fast"], self.build, SUITE_LIMIT)
+        return "survived" if status == 0 else "killed"
+
+    def rest(self, mutant, selections, targets):
+        """Builds all that depends on the mutant, and runs the tests of each selection until one fails."""
+        status, _ = run(["ninja", "-j1", *targets], self.build, BUILD_LIMIT)
+        if status is None:
+            sys.exit(f"the build did not end: {shown(mutant)}")
+        if status != 0:
+            return "invalid"
+        for pattern in selections:
+            command = ["ctest", "--stop-on-failure", "-j2", "--timeout", str(SUITE_LIMIT), "--no-tests=ignore", "-R", pattern]
+            if self.broken.get(pattern):
+                command += ["-E", self.broken[pattern]]
+            status, _ = run(command, self.build, REST_LIMIT)
+            if status != 0:
+                return "killed"
+        return "survived"
+
+    def learn_what_is_broken(self, selections):
+        """A test that fails without a mutant says nothing of one."""
+        for pattern in selections:
+            if pattern not in self.broken:
+                _, output = run(["ctest", "-j2", "--timeout", str(SUITE_LIMIT), "--no-tests=ignore", "-R", pattern], self.build, None)
+                failed = re.findall(r"^\s*\d+ - (\S+) \(", output, re.MULTILINE)
+                self.broken[pattern] = "^(" + "|".join(map(re.escape, failed)) + ")$" if failed else ""
+
+
+def plan_of(file):
+    """What is built, and the tests in the order in which they are run, for a file that is not tested by a suite of its own."""
+    folder = pathlib.PurePath(file).parent.as_posix()
+    stem = pathlib.PurePath(file).stem
+    if folder.startswith("sim"):
+        own, all_of_them, targets = suites_in(folder, stem + "_test"), suites_in("sim"), ["sim_tests", "r47-sim", "sim_probe"]
+    else:
+        own = suites_in(folder, stem)
+        all_of_them = [suite for room in ("app", "net", "menus", "hal") for suite in suites_in(room)]
+        targets = ["all"]
+    patterns = [f"^({'|'.join(suites)})\\." for suites in (own, all_of_them) if suites]
+    return targets, patterns
+
+
+def verdict(workshop, mutant, quick):
+    source = workshop.tree / mutant.file
+    original = source.read_text(encoding="utf-8")
+    lines = original.splitlines(keepends=True)
+    lines[mutant.number - 1] = mutant.new + "\n"
+    targets, patterns = plan_of(mutant.file)
+    try:
+        source.write_text("".join(lines), encoding="utf-8")
+        if has_suite(mutant.file):
+            result = workshop.suite(mutant.file, mutant)
+            if result != "survived" or quick:
+                return result
+            source.write_text(original, encoding="utf-8")
+            workshop.demand(["ninja", "-j1", *targets])
+            workshop.learn_what_is_broken(patterns)
+            source.write_text("".join(lines), encoding="utf-8")
+        return workshop.rest(mutant, patterns[:1] if quick else patterns, targets)
+    finally:
+        source.write_text(original, encoding="utf-8")
+
+
+def prepare(jobs, files):
+    targets = {target for file in files if not has_suite(file) for target in plan_of(file)[0]}
+    suite_sources = {source for file in files if has_suite(file) for source in suite_of(file)}
+    workshops = queue.Queue()
+    for number in range(jobs):
+        workshop = Workshop(number)
+        workshop.prepare(sorted(targets), sorted(suite_sources))
+        for file in files:
+            if not has_suite(file):
+                workshop.learn_what_is_broken(plan_of(file)[1])
+            elif workshop.suite(file, None) != "survived":
+                sys.exit(f"{tests_of(file)} fails without a mutant")
+        workshops.put(workshop)
+    return workshops
+
+
+def report(counts, unexplained):
+    print(f"\n{'':32} {'mutants':>8} {'killed':>8} {'':>8} {'explained':>10}")
+    failed = False
+    for source, count in sorted(counts.items()):
+        mutants = count["killed"] + count["explained"] + count["survived"]
+        share = 100.0 * count["killed"] / mutants if mutants else 100.0
+        held = 100.0 * (count["killed"] + count["explained"]) / mutants if mutants else 100.0
+        wanted = 95.0 if source.startswith(MODELS) else 98.0
+        failed = failed or held < wanted
+        print(f"{source:32} {mutants:8} {count['killed']:8} {share:6.1f} % {count['explained']:10}"
+              f"{'' if held >= wanted else f'   {held:.1f} % is less than {wanted:.0f} %'}")
+    (WORK / "survivors.txt").write_text("".join(f"    {record(mutant)}\n" for mutant in unexplained), encoding="utf-8")
+    return failed
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("paths", nargs="*", default=[MODELS], help="files or folders of the tree")
+    parser.add_argument("--jobs", type=int, default=1, help="mutants at the same time, each in a tree of its own")
+    parser.add_argument("--sample", type=int, help="only so many mutants of each source")
+    parser.add_argument("--seed", type=int, default=1, help="of the sample")
+    parser.add_argument("--list", action="store_true", help="print the mutants and build nothing")
+    parser.add_argument("--quick", action="store_true", help="only the tests of the source itself")
+    parser.add_argument("--from-survivors", type=pathlib.Path, metavar="FILE",
+                        help="only the mutants in this file, in the form of tests/survivors.txt")
+    options = parser.parse_args()
+    paths = [os.path.relpath(path if pathlib.Path(path).exists() else ROOT / path, ROOT) for path in options.paths]
+    if any(path.startswith("..") for path in paths):
+        sys.exit(f"not in {ROOT}: {' '.join(options.paths)}")
+
+    by_source = collections.defaultdict(list)
+    for file in sources(paths):
+        by_source[pathlib.PurePath(file).with_suffix("").as_posix()] += mutants_of(file)
+    if options.from_survivors:
+        wanted = read_records(options.from_survivors, explained=False)
+        by_source = {source: [m for m in all_of_it if record(m) in wanted] for source, all_of_it in by_source.items()}
+    if options.sample:
+        chosen = random.Random(options.seed)
+        by_source = {source: chosen.sample(all_of_it, min(options.sample, len(all_of_it))) for source, all_of_it in by_source.items()}
+    mutants = [mutant for all_of_it in by_source.values() for mutant in all_of_it]
+    if options.list:
+        print("\n".join(map(shown, mutants)))
+        return 0
+
+    accepted = read_records(ACCEPTED, explained=True)
+    workshops = prepare(options.jobs, sorted({mutant.file for mutant in mutants}))
+    counts = collections.defaultdict(collections.Counter)
+    unexplained = []
+
+    def try_one(mutant):
+        workshop = workshops.get()
+        try:
+            return mutant, verdict(workshop, mutant, options.quick)
+        finally:
+            workshops.put(workshop)
+
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        for mutant, result in pool.map(try_one, mutants):
+            if result == "survived" and record(mutant) in accepted:
+                result = "explained"
+            if result == "survived":
+                unexplained.append(mutant)
+                print(shown(mutant), flush=True)
+            counts[pathlib.PurePath(mutant.file).with_suffix("").as_posix()][result] += 1
+    return int(report(counts, unexplained))
+
+
+if __name__ == "__main__":
+    sys.exit(main())
