@@ -8,12 +8,12 @@
 
 namespace sim {
 
-// The hub comes in two variants, each with an image of its own.
+// The hub comes in two variants, each with an image of its own: by the last letter of their names, 260AP and 260AB.
 enum class HubVariant : char { bhi260ap = 'P', bhi260ab = 'B' };
 
 struct FirmwareImage {
     HubVariant variant;
-    std::uint16_t version;  // kernel and user version
+    std::uint16_t version;  // kernel and user version: one build makes both
 };
 
 // Layout, numbers little-endian: "R47HUBFW", variant (1), product id 0x89 (1), version (2), length of the code (4),

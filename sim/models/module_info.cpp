@@ -3,15 +3,45 @@
 
 namespace sim {
 
-// In the order of Module. Revisions: major, minor, patch, num, year, week.
+namespace {
+
+// Bits of faults that the module knows; what they mean is its driver's. None is set, as nothing is wrong.
+constexpr unsigned char kSound = 0;
+
+// A board has the week of its making in its serial number: year, week, count of that week.
+constexpr unsigned int board(hal::revision_t const& revision, unsigned int count) {
+    return (revision.year * 100U + revision.week) * 100U + count;
+}
+
+// An image sensor has its type there, before its count.
+constexpr unsigned int sensor(unsigned int type, unsigned int count) {
+    return type * 1000U + count;
+}
+
+// Major, minor, patch, build of the week, year, week. These are ours: the first generation of each module (of the
+// illumination the second, which has colours), from the half year in which such a device would have been put together.
+// No two modules have the same, so that one which is taken for another shows.
+constexpr hal::revision_t kRtu{1, 6, 0, 2, 22, 14};
+constexpr hal::revision_t kIllumination{2, 3, 1, 1, 22, 9};
+constexpr hal::revision_t kAutofocus{1, 2, 0, 4, 21, 47};
+constexpr hal::revision_t kGyro{1, 0, 3, 1, 22, 11};
+constexpr hal::revision_t kImx296{1, 4, 0, 1, 22, 6};
+constexpr hal::revision_t kImx567{1, 1, 0, 3, 22, 20};
+
+// The device is the first of its kind.
+constexpr unsigned int kFirst = 1;
+
+}  // namespace
+
+// In the order of Module.
 ModuleInfo::ModuleInfo()
     : modules_{{
-          {0, {1, 6, 0, 2, 22, 14}, 220014},
-          {0, {2, 3, 1, 1, 22, 9}, 220109},
-          {0, {1, 2, 0, 4, 21, 47}, 214702},
-          {0, {1, 0, 3, 1, 22, 11}, 221103},
-          {0, {1, 4, 0, 1, 22, 6}, 296001},
-          {0, {1, 1, 0, 3, 22, 20}, 567001},
+          {kSound, kRtu, board(kRtu, kFirst)},
+          {kSound, kIllumination, board(kIllumination, kFirst)},
+          {kSound, kAutofocus, board(kAutofocus, kFirst)},
+          {kSound, kGyro, board(kGyro, kFirst)},
+          {kSound, kImx296, sensor(296, kFirst)},
+          {kSound, kImx567, sensor(567, kFirst)},
       }} {}
 
 int ModuleInfo::get_status(Module module, unsigned char& status) const {

@@ -14,9 +14,9 @@ constexpr std::size_t kModules = 6;
 class ModuleInfo {
 public:
     struct Info {
-        unsigned char status;
+        unsigned char status;  // bits of the module's own; 0: no fault
         hal::revision_t revision;
-        unsigned int serial_number;
+        unsigned int serial_number;  // decimal digits that tell where it comes from
     };
 
     ModuleInfo();

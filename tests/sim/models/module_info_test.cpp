@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <set>
+#include <vector>
+
 #include "sim/control/value_words.h"
 #include "sim/device/describe.h"
 
@@ -20,6 +24,30 @@ TEST(ModuleInfoTest, TheRealTimeUnitHasItsRevision) {
     EXPECT_EQ(revision.num, 2);
     EXPECT_EQ(revision.year, 22);
     EXPECT_EQ(revision.week, 14);
+}
+
+TEST(ModuleInfoTest, NoTwoModulesTellTheSame) {
+    ModuleInfo const info;
+    std::set<unsigned int> serial_numbers;
+    std::set<std::vector<std::uint16_t>> revisions;
+    for (std::size_t module = 0; module < sim::kModules; ++module) {
+        auto const& [status, revision, serial_number] = info.of(static_cast<Module>(module));
+        EXPECT_EQ(status, 0) << "nothing is wrong";
+        serial_numbers.insert(serial_number);
+        revisions.insert({revision.major, revision.minor, revision.patch, revision.num, revision.year, revision.week});
+    }
+    EXPECT_EQ(serial_numbers.size(), sim::kModules);
+    EXPECT_EQ(revisions.size(), sim::kModules);
+}
+
+TEST(ModuleInfoTest, ASerialNumberTellsTheWeekOfABoardAndTheTypeOfASensor) {
+    ModuleInfo const info;
+    EXPECT_EQ(info.of(Module::rtu).serial_number, 221401U);
+    EXPECT_EQ(info.of(Module::illumination).serial_number, 220901U);
+    EXPECT_EQ(info.of(Module::autofocus).serial_number, 214701U);
+    EXPECT_EQ(info.of(Module::gyro).serial_number, 221101U);
+    EXPECT_EQ(info.of(Module::imx296).serial_number, 296001U);
+    EXPECT_EQ(info.of(Module::imx567).serial_number, 567001U);
 }
 
 TEST(ModuleInfoTest, EveryFigureCanBeSet) {
