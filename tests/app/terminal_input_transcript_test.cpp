@@ -94,6 +94,12 @@ TEST(TerminalInputTest, MistypedNumberIsNeverTakenForOptions) {
                               "Enter device state: " + system_menu('F') + "Read Device state1\n" + system_menu('x'));
 }
 
+TEST(TerminalInputTest, RestOfALineBehindANumberThatIsTooLargeIsNoOptions) {
+    auto const run = run_console("lf99999999999xF x\nFx");
+    EXPECT_EQ(run.output, kStart + main_menu('l') + kSystemStart + system_menu('f') +
+                              "Enter device state: " + system_menu('F') + "Read Device state1\n" + system_menu('x'));
+}
+
 TEST(TerminalInputTest, RestOfALineIsTheNextOptions) {
     EXPECT_EQ(run_console("lf3FF x\n").output, kStart + main_menu('l') + kSystemStart + system_menu('f') +
                                                    "Enter device state: " + system_menu('F') + "Read Device state3\n" +

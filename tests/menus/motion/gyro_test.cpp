@@ -137,6 +137,13 @@ TEST(GyroMenuTest, RevisionHasNoDriverName) {
                with_scenario({"fault add gyro_t::get_revision value 1,6,0,2,22,14"}));
 }
 
+TEST(GyroMenuTest, RestOfALineBehindANumberThatIsTooLargeAnswersNothing) {
+    expect_run(kGyro, {{'A',
+                        "4294967296 38\n1e99 12.5\n-4294967296 30\n",
+                        activation_prompts("0", "50", "100") + activating("0", "50", "100"),
+                        {"gyro_t::activate_vsensor(0, 50, 100) = -1"}}});
+}
+
 TEST(GyroMenuTest, KeysWithoutAnEntryShowTheMenuAgain) {
     expect_run(kGyro, ignored("456789cgGhHiIjJkKlLmMNoOpQRTuUvVyYzZCX?-;"));
 }
