@@ -6,6 +6,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <csignal>
+#include <fstream>
+#include <future>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -108,6 +112,44 @@ TEST(SocketTest, AcceptOnAClosedServerThrows) {
             std::exit(thrown_by([&] { server.accept(); }) == "Cannot accept" ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
+}
+
+// The state of a thread of this process, as the kernel tells it: 'S' while it waits.
+char state_of(pid_t thread) {
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string line;
+    std::getline(file, line);
+    std::size_t const name_end = line.rfind(')');
+    return name_end != std::string::npos && name_end + 2 < line.size() ? line[name_end + 2] : '\0';
+}
+
+std::atomic<int> signals_seen{0};
+
+TEST(SocketTest, ASignalDoesNotEndAnAccept) {
+    struct sigaction interrupting {};  // without SA_RESTART
+    interrupting.sa_handler = [](int) { ++signals_seen; };
+    struct sigaction before {};
+    ASSERT_EQ(::sigaction(SIGUSR1, &interrupting, &before), 0);
+    server_tcp const server("127.0.0.1", kPort + 5);
+    std::promise<pid_t> accepting;
+    std::string thrown;
+    std::thread acceptor([&] {
+        accepting.set_value(::gettid());
+        thrown = thrown_by([&] { server.accept(); });
+    });
+    pid_t const thread = accepting.get_future().get();
+    while (state_of(thread) != 'S') {
+        std::this_thread::yield();
+    }
+    ::pthread_kill(acceptor.native_handle(), SIGUSR1);
+    while (signals_seen == 0) {
+        std::this_thread::yield();
+    }
+    socket_tcp client;
+    EXPECT_EQ(client.connect_to_host("127.0.0.1", kPort + 5), 0);
+    acceptor.join();
+    EXPECT_EQ(thrown, "nothing");
+    ::sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST(SocketTest, ShutdownWakesAPendingRead) {
