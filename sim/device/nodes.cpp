@@ -17,7 +17,7 @@ namespace sim {
 
 namespace {
 
-constexpr std::uint16_t kFirmwareVersion = 5991;
+constexpr std::uint16_t kFirmwareVersion = 5991;  // of the maker's release for this hub
 
 Error system_error(std::string const& what) {
     return what + ": " + std::strerror(errno);
@@ -114,7 +114,17 @@ Error Nodes::remove(std::string const& path) {
     if (!error.empty()) {
         return error;
     }
-    return present(path) ? files_->remove(path) : path + " is missing already";
+    if (!present(path)) {
+        return path + " is missing already";
+    }
+    error = files_->remove(path);
+    removals_[path] += error.empty() ? 1 : 0;
+    return error;
+}
+
+unsigned long Nodes::removals(std::string const& path) const {
+    auto const found = removals_.find(path);
+    return found != removals_.end() ? found->second : 0;
 }
 
 Error Nodes::restore(std::string const& path) {

@@ -1,6 +1,7 @@
 // The files by which programs find the device: its nodes, its GPIO value file and its firmware files.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -65,6 +66,8 @@ public:
     // there, is an error.
     Error remove(std::string const& path);
     Error restore(std::string const& path);
+    // How often remove() took the file away: who finds another number has not had it all the time.
+    unsigned long removals(std::string const& path) const;
     // Puts all files of the device there, but `missing`.
     Error restore_all(std::vector<std::string> const& missing);
     // One line a file: path, present or missing.
@@ -72,6 +75,7 @@ public:
 
 private:
     std::unique_ptr<FileSystem> files_;
+    std::map<std::string, unsigned long> removals_;
 };
 
 }  // namespace sim

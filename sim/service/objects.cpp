@@ -252,6 +252,7 @@ Callback AlarmObject::callback(Occurrence const& occurrence) const {
 ButtonObject::ButtonObject(Components& device, Program& program, Text const& chip, long line, Duration debounce)
     : ServedObject(device, program, {chip}),
       line_(line),
+      interruptions_(interruptions()),
       debounce_(debounce),
       events_(debounce),
       self_(std::make_shared<ButtonObject*>(this)) {
@@ -274,15 +275,26 @@ void ButtonObject::hold(bool held) {
 }
 
 void ButtonObject::contact_moved(Time when, bool closes, Duration lasts) {
-    if (!sees_button()) {
-        lose_press();
-    } else if (debounce_.passes(closes, lasts) && edges_.size() < kLongestQueue) {
+    lose_what_was_not_seen();
+    if (sees_button() && debounce_.passes(closes, lasts) && edges_.size() < kLongestQueue) {
         edges_.push_back({when, closes});
         look();
     }
 }
 
-void ButtonObject::lose_press() {
+// How often the chip or the power went.
+unsigned long ButtonObject::interruptions() const {
+    Text const& chip = paths().front();
+    return device_.power_changes() + (chip ? device_.nodes.removals(*chip) : 0);
+}
+
+// A press of which the object missed a part, however short that was.
+void ButtonObject::lose_what_was_not_seen() {
+    bool const interrupted = interruptions() != interruptions_;
+    interruptions_ = interruptions();
+    if (!interrupted && sees_button()) {
+        return;
+    }
     debounce_.reset();
     edges_.clear();
     events_.reset();
@@ -297,9 +309,7 @@ void ButtonObject::look() {
 
 // First the edges, which ask for the records that hold for them; then what came of them.
 bool ButtonObject::prepare(Occurrence const&, Event& event) {
-    if (!sees_button()) {
-        lose_press();
-    }
+    lose_what_was_not_seen();
     if (held_) {
         return false;
     }

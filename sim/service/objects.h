@@ -194,10 +194,12 @@ private:
     };
 
     void look();
-    void lose_press();
+    unsigned long interruptions() const;
+    void lose_what_was_not_seen();
     void queue(std::vector<ButtonEvents::Event> const& events);
 
     long const line_;
+    unsigned long interruptions_;  // when it looked last
     bool held_ = true;
     Debounce debounce_;
     std::deque<Edge> edges_;

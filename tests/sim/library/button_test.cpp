@@ -308,6 +308,53 @@ TEST_F(ButtonObjectTest, AReleaseThatALostChipHidesEndsThePress) {
     EXPECT_EQ(log_, "p0");
 }
 
+TEST_F(ButtonObjectTest, AChipThatWentAndCameBackAtOnceTookThePressAlong) {
+    button_.irq_callback_hold(false);
+    control("button down");
+    step(1500ms);
+    control("node remove " + std::string(kChip));
+    control("node restore " + std::string(kChip));
+    step(1s);
+    control("button up");
+    step(0s);
+    EXPECT_EQ(log_, "p0");
+    control("press 1s");
+    step(2s);
+    EXPECT_EQ(log_, "p0 p0 r0");
+}
+
+TEST_F(ButtonObjectTest, AChipThatGoesTakesWhatIsHeldAlong) {
+    control("press 1s");
+    step(2s);
+    control("node remove " + std::string(kChip));
+    control("node restore " + std::string(kChip));
+    button_.irq_callback_hold(false);
+    step(0s);
+    EXPECT_EQ(log_, "");
+}
+
+TEST_F(ButtonObjectTest, AnotherNodeThatGoesLeavesThePress) {
+    button_.irq_callback_hold(false);
+    control("button down");
+    step(1500ms);
+    control("node remove /dev/i2c-2");
+    control("node restore /dev/i2c-2");
+    control("button up");
+    step(0s);
+    EXPECT_EQ(log_, "p0 r1");
+}
+
+TEST_F(ButtonObjectTest, APowerThatWentAndCameBackAtOnceTookThePressAlong) {
+    button_.irq_callback_hold(false);
+    control("button down");
+    control("power off");
+    control("power on");
+    step(10s);
+    control("button up");
+    step(0s);
+    EXPECT_EQ(log_, "");
+}
+
 TEST_F(ButtonObjectTest, WithoutPowerNoPressRecordFires) {
     button_.irq_callback_hold(false);
     control("button down");
