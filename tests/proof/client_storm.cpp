@@ -9,6 +9,7 @@
 
 #include "tests/proof/command_storm.h"
 #include "tests/proof/hostile_client.h"
+#include "tests/proof/options.h"
 #include "tests/proof/processes.h"
 
 namespace proof {

@@ -11,6 +11,7 @@
 #include <sstream>
 #include <thread>
 
+#include "tests/proof/options.h"
 #include "tests/proof/processes.h"
 #include "tests/proof/sweep_sessions.h"
 

@@ -131,17 +131,4 @@ Command command_of(std::string const& program) {
     return words;
 }
 
-unsigned long take_option(std::vector<std::string>& arguments, std::string const& name, unsigned long fallback) {
-    auto const found = std::find(arguments.begin(), arguments.end(), name);
-    if (found == arguments.end()) {
-        return fallback;
-    }
-    if (found + 1 == arguments.end()) {
-        throw std::invalid_argument(name + " needs a number");
-    }
-    unsigned long const value = std::stoul(*(found + 1));
-    arguments.erase(found, found + 2);
-    return value;
-}
-
 }  // namespace proof

@@ -28,8 +28,4 @@ std::vector<Outcome> run_all(std::vector<Command> const& commands, Limits const&
 // The words that start `program`, one of this build's.
 Command command_of(std::string const& program);
 
-// The value behind the option `name`, which is taken out of `arguments` with it; `fallback` where it is not given.
-// Throws std::invalid_argument where it is no number.
-unsigned long take_option(std::vector<std::string>& arguments, std::string const& name, unsigned long fallback);
-
 }  // namespace proof

@@ -122,14 +122,14 @@ void abandon(std::size_t kept) {
     }
 }
 
-void born(void const* object) {
+void born(Call const& constructor) {
     settle();
-    library().objects.push_back({object, nullptr});
+    library().objects.push_back({constructor.object, nullptr});
 }
 
-void dies(void const* object) {
-    silence(object);
-    auto const found = find(object);
+void dies(Call const& destructor) {
+    silence(destructor.object);
+    auto const found = find(destructor.object);
     require(found != library().objects.end(), "an object is destroyed once");
     library().objects.erase(found);
 }
@@ -155,9 +155,9 @@ void silence(void const* object) {
         sources.end());
 }
 
-void called(void const* object) {
+void called(Call const& call) {
     settle();
-    require(find(object) != library().objects.end(), "only living objects are called");
+    require(find(call.object) != library().objects.end(), "only living objects are called");
 }
 
 // Seven of eight calls succeed.
@@ -218,11 +218,11 @@ long long take_number() {
     return number;
 }
 
-int answer_hold(void const* object, bool hold) {
-    called(object);
+int answer_hold(Call const& call, bool hold) {
+    called(call);
     int const status = take_status();
     for (Source& source : library().sources) {
-        if (status == 0 && (source.object == object || source.gyro == object)) {
+        if (status == 0 && (source.object == call.object || source.gyro == call.object)) {
             source.held = hold;
             source.asked = true;
         }

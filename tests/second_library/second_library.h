@@ -35,6 +35,14 @@ void abandon(std::size_t kept);
 
 // For the classes.
 
+// A call of an object's operation. An object becomes one in the operation itself, which so gives it its name.
+struct Call {
+    Call(void const* called, char const* by = __builtin_FUNCTION()) : object(called), operation(by) {}
+
+    void const* object;
+    char const* operation;
+};
+
 using Callback = std::function<void()>;
 
 // What an object has to call, and whether it may now.
@@ -47,8 +55,8 @@ struct Source {
 };
 
 // Begin and end of an object, at any time but in a callback of its own.
-void born(void const* object);
-void dies(void const* object);
+void born(Call const& constructor);
+void dies(Call const& destructor);
 // Says that the object last born is an image sensor.
 void mark_image_sensor(hal::base_t& sensor);
 
@@ -58,7 +66,7 @@ Source const& source_of(void const* object);
 void silence(void const* object);
 
 // Checks that the object lives, and waits for the callback that runs beside the caller.
-void called(void const* object);
+void called(Call const& call);
 int take_status();
 void let_callbacks_come();
 
@@ -86,8 +94,8 @@ inline bool taken() {
 
 // What an operation answers. One that fails with a positive status has results as well: some count as success.
 template <typename... Results>
-int answer(void const* object, Results&... results) {
-    called(object);
+int answer(Call const& call, Results&... results) {
+    called(call);
     int const status = take_status();
     if (status >= 0) {
         ((results = taken<Results>()), ...);
@@ -97,7 +105,7 @@ int answer(void const* object, Results&... results) {
 }
 
 // As answer, for what holds and releases the callbacks of the object and of what watches it.
-int answer_hold(void const* object, bool hold);
+int answer_hold(Call const& call, bool hold);
 
 using SampleFunction = std::function<void(unsigned char, hal::cb_struct_te, void*)>;
 
