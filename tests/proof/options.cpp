@@ -19,7 +19,7 @@ std::string take_word(std::vector<std::string>& arguments, std::string const& na
     if (found + 1 == arguments.end()) {
         throw std::invalid_argument(name + " needs a value");
     }
-    std::string const value = *(found + 1);
+    std::string value = *(found + 1);
     arguments.erase(found, found + 2);
     return value;
 }

@@ -41,9 +41,7 @@ void operate(Visit const& visit, Random random) {
     if (visit.way == Way::client) {
         if (works) {
             wait_for_output(menu.prompt());
-            if (visit.callbacks_print) {
-                wait_for_question();
-            }
+            wait_for_question();
             type(visit.keys + "x");
         }
         wait_for_the_menus_end();
@@ -108,12 +106,12 @@ void enter_console(Visit const& visit) {
 std::vector<Visit> every_visit() {
     std::vector<Visit> visits;
     for (Way const way : {Way::terminal, Way::client, Way::client_goes, Way::operator_leaves}) {
-        visits.push_back({menus::kAlarm, "ta7.5\ntb1\n", false, way});
-        visits.push_back({menus::kDelegate, "tttt", true, way});
-        visits.push_back({menus::kDelegateAndAlarm, "tttt", true, way});
-        visits.push_back({menus::kButton, "rrr", true, way});
+        visits.push_back({menus::kAlarm, "ta7.5\ntb1\n", way});
+        visits.push_back({menus::kDelegate, "tttt", way});
+        visits.push_back({menus::kDelegateAndAlarm, "tttt", way});
+        visits.push_back({menus::kButton, "rrr", way});
     }
-    visits.push_back({menus::kLegacyAlarm, "sitts", true, Way::terminal});
+    visits.push_back({menus::kLegacyAlarm, "sitts", Way::terminal});
     return visits;
 }
 

@@ -20,8 +20,7 @@ constexpr char const* kWays[] = {"terminal", "client", "client-goes", "operator-
 
 struct Visit {
     menus::Menu const& menu;
-    std::string keys;      // what is done in the menu, without its exit key
-    bool callbacks_print;  // and so may show a prompt before the menu asks for its answer
+    std::string keys;  // what is done in the menu, without its exit key
     Way way;
 
     // "GyroAlarm client-goes"

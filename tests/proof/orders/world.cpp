@@ -360,7 +360,8 @@ int pthread_create(pthread_t* thread, pthread_attr_t const* attributes, void* (*
         return real(thread, attributes, run, argument);
     }
     std::size_t const number = admit(next_name != nullptr ? *next_name : kMenuThread);
-    int const status = real(thread, attributes, run_in_turns, new Start{number, run, argument});
+    auto start = std::make_unique<Start>(Start{number, run, argument});
+    int const status = real(thread, attributes, run_in_turns, start.release());
     {
         Unseen const unseen;
         handles[number] = *thread;

@@ -15,7 +15,8 @@ void make_world();
 void type(std::string const& text);
 // Waits until the console has shown the text in one piece, behind where the caller's last wait found its own.
 void wait_for_output(std::string const& text);
-// Waits until the client's menu waits for what is typed.
+// Waits until the client's menu waits for what is typed. Its prompt may be seen a moment before, where another thread
+// flushes the output; what is typed then is the local menu's.
 void wait_for_question();
 // Ends the line, types x and waits for what comes of it: whether the console now only waits for its client's menu to
 // end.
