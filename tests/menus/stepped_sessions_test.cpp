@@ -24,10 +24,9 @@ static void PrintTo(Session const& session, std::ostream* out) {
 namespace {
 
 using proof::Session;
-using proof::Step;
 
 bool is_stepped_terminal(Session const& session) {
-    return session.options.clock == "stepped" && session.exit != proof::Exit::client_first;
+    return session.options.clock == "stepped" && !proof::has_client(session);
 }
 
 std::vector<Session> stepped_sessions() {
@@ -46,24 +45,7 @@ std::set<std::string> const kCalledBack{"alarm", "delegate", "delegate+alarm", "
 // All of the journal behind a run of the session.
 std::string journal_of(Session const& session) {
     support::ConsoleSession console(session.options);
-    for (Step const& step : session.steps) {
-        switch (step.kind) {
-            case Step::Kind::type:
-                console.type(step.text);
-                break;
-            case Step::Kind::wait:
-                console.wait_for(step.text);
-                break;
-            case Step::Kind::control:
-                console.control(step.text);
-                break;
-            case Step::Kind::connect:
-            case Step::Kind::send:
-                ADD_FAILURE() << "a client in a session of the terminal";
-        }
-    }
-    console.type(session.exit == proof::Exit::operator_0 ? "0\n" : "x\n");
-    EXPECT_EQ(console.wait_for_exit(), 0);
+    EXPECT_EQ(proof::Player(session, console).play(), 0);
     std::ifstream file(console.directory() + "/journal");
     return {std::istreambuf_iterator<char>(file), {}};
 }

@@ -1,6 +1,7 @@
 // The sessions of the fault sweep, which together visit every key of every menu.
 #include "tests/proof/sweep_sessions.h"
 
+#include <algorithm>
 #include <sstream>
 
 #include "tests/support/menus.h"
@@ -69,6 +70,13 @@ support::SessionOptions word(support::SessionOptions options, std::string const&
     return options;
 }
 
+// A function that no menu reaches.
+support::SessionOptions entry(std::string const& name) {
+    support::SessionOptions options = stepped();
+    options.entry_point = name;
+    return options;
+}
+
 support::SessionOptions without(std::vector<std::string> const& nodes) {
     support::SessionOptions options = stepped();
     options.without = nodes;
@@ -93,18 +101,20 @@ std::vector<Session> terminal_sessions() {
     return {
         {"system",
          stepped(),
-         {typed_in(kSystem, "f3 F h")}},  // the slow ones first: this one and the legacy test wait a lot
+         {typed_in(kSystem, "f3 F F h")}},  // the slow ones first: this one and the legacy test wait a lot
         {"legacy alarm", options_for(kLegacyAlarm, stepped()),
          Steps{shown(kLegacyAlarm)} + kTiltAndTeach +
              Steps{typed("s"), seen("Your Option = s"), shown(kLegacyAlarm), device("step 2s"), typed("t t i D")}},
         {"main", stepped(), {typed("sDAO")}},
         {"main 0", stepped(), {typed("A")}, Exit::operator_0},
-        {"dio", stepped(), {typed_in(kDio, "123 f0 0 0 0 0 1 5 1 5 1 5 F0 h0 1 H0 p o O G j k l m n D x a p x")}},
+        {"dio", stepped(), {typed_in(kDio, "123 f0 0 0 0 0 1 5 1 5 1 5 F0 h0 1 H0 p o O G j k l m n D F0 H0 x a p x")}},
         {"dio 0", stepped(), {typed_in(kDio, "p")}, Exit::operator_0},
-        {"rtu", stepped(), {typed_in(kRtu, "123 a1 A b100 B c5 C e5000 E m t10 T p D x")}},
+        {"rtu", stepped(), {typed_in(kRtu, "123 a1 A b100 B c5 C e5000 E m t10 T p D 12 A B C E p x")}},
         {"rtu 0", stepped(), {typed_in(kRtu, "B")}, Exit::operator_0},
-        {"camera", stepped(), {typed_in(kCamera, "m t T W u25 U L v V e E100 f F5000 w i j8 16 J k s S1 z Z D x")}},
-        {"imx296", stepped(), {typed_in(kImx296, kImageSensorKeys + " x")}},
+        {"camera",
+         stepped(),
+         {typed_in(kCamera, "m t T W u25 U L v V e E100 f F5000 w i j8 16 J k s S1 z Z D W U L e f w i J k s z x")}},
+        {"imx296", stepped(), {typed_in(kImx296, kImageSensorKeys + " 12 c e h i J x")}},
         {"imx567", without({"/dev/imx296"}), {typed_in(kImx567, kImageSensorKeys + " x")}},
         {"imx 0", stepped(), {typed_in(kImx567, "c")}, Exit::operator_0},
         {"no sensor", without({"/dev/imx296", "/dev/imx567"}), {typed_in(kImx296, "E k k m e x")}},
@@ -112,9 +122,11 @@ std::vector<Session> terminal_sessions() {
          stepped(),
          {typed_in(kIllumination,
                    "123 h a A1 i a A1 b B15 c C10 d e f g j J0 J1 J2 500 k K1 l L50 m M50 n N1 o O p P80 q Q1 1 1 1 "
-                   "r70 s10 S t10 T u10 U v z Z1 y Y1 D x")}},
+                   "r70 s10 S t10 T u10 U v z Z1 y Y1 D 12 a b c d e f g j k l m n o O p q S T U v z y x")}},
         {"illumination 0", stepped(), {typed_in(kIllumination, "v")}, Exit::operator_0},
-        {"autofocus", stepped(), {typed_in(kAutofocus, "123 a A500 b c d e f g h1 i1 l R47XXXX2 m M200 n1 D x")}},
+        {"autofocus",
+         stepped(),
+         {typed_in(kAutofocus, "123 a A500 b c d e f g h1 i1 l R47XXXX2 m M200 n1 D 12 a d e f g m x")}},
         {"autofocus 0", stepped(), {typed_in(kAutofocus, "f")}, Exit::operator_0},
         {"gyro",
          stepped(),
@@ -133,7 +145,8 @@ std::vector<Session> terminal_sessions() {
         {"button",
          stepped(),
          {typed_in(kButton), shown(kButton), device("press 2500ms"), device("step 3s"), device("press 4500ms"),
-          device("step 5s"), typed("r D x")}},
+          device("step 5s"), typed("r D r x")}},
+        {"delegate of the unit", entry("rtu_delegate"), {}, Exit::by_itself},
         {"ranging", stepped(), {typed_in(kTof, "a64 b10 c3 d20 e5 4 700 f g3 h i j0 h j1 h D x")}},
     };
 }
@@ -161,6 +174,8 @@ std::vector<Session> client_sessions() {
         {"client: illumination", real,
          kConnected + Steps{sent_to(kIllumination), shown(kIllumination), typed("a A1 v D x"), sent("A")},
          Exit::client_first},
+        {"client: illumination functions", entry("illumination_client"), Steps{{Step::Kind::connect, ""}, sent("9 3")},
+         Exit::by_itself},
         {"client: others", word(stepped(), "socket"),
          kConnected + visit(kImx296, "cx") + visit(kImx567, "cx") + visit(kAutofocus, "ax") + visit(kGyro, "Fx") +
              visit(kAlarm, "tx") + visit(kDelegate, "tx") + visit(kDelegateAndAlarm, "tx") + visit(kTof, "hx") +
@@ -181,6 +196,72 @@ std::vector<Session> const& sweep_sessions() {
         return all;
     }();
     return sessions;
+}
+
+bool has_client(Session const& session) {
+    return std::any_of(session.steps.begin(), session.steps.end(),
+                       [](Step const& step) { return step.kind == Step::Kind::connect; });
+}
+
+int Player::play() {
+    for (Step const& step : session_.steps) {
+        play(step);
+    }
+    leave();
+    return console_.wait_for_exit();
+}
+
+void Player::play(Step const& step) {
+    switch (step.kind) {
+        case Step::Kind::type:
+            type(step.text);
+            break;
+        case Step::Kind::connect:
+            client_ = std::make_unique<support::StationClient>();
+            break;
+        case Step::Kind::send:
+            send(step.text);
+            break;
+        case Step::Kind::wait:
+            console_.wait_for(step.text);
+            break;
+        case Step::Kind::control:
+            console_.control(step.text);
+            break;
+    }
+}
+
+void Player::leave() {
+    switch (session_.exit) {
+        case Exit::by_itself:
+            break;
+        case Exit::operator_x:
+            type("x\n");
+            break;
+        case Exit::operator_0:
+            type("0\n");
+            break;
+        case Exit::client_first:
+            send("x\n");
+            console_.wait_for("Entered Option = x\n");
+            type("x\n");
+            break;
+    }
+}
+
+void Player::type(std::string const& text) {
+    typed_ += text;
+    console_.type(text);
+}
+
+void Player::send(std::string const& text) {
+    sent_ += text;
+    client_->send(text);
+}
+
+std::string Player::received() {
+    constexpr std::size_t kMoreThanThereIs = 1 << 20;
+    return client_ ? client_->receive(kMoreThanThereIs) : "";
 }
 
 }  // namespace proof

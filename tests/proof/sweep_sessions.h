@@ -1,6 +1,7 @@
 // The sessions of the fault sweep, which together visit every key of every menu.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,7 @@ struct Step {
 enum class Exit {
     operator_x,    // the operator, by 'x'
     operator_0,    // the operator, by '0'
+    by_itself,     // nobody, it ends when the steps are done
     client_first,  // the client leaves the main menu by 'x', then the operator ends socket mode by 'x'
 };
 
@@ -36,5 +38,34 @@ struct Session {
 };
 
 std::vector<Session> const& sweep_sessions();
+
+bool has_client(Session const& session);
+
+// Plays a session with its console, once.
+class Player {
+public:
+    Player(Session const& session, support::ConsoleSession& console) : session_(session), console_(console) {}
+
+    // Plays the steps, leaves the console and waits for its end; its exit status. Throws as ConsoleSession does.
+    int play();
+
+    // All that either side said.
+    std::string const& typed() const { return typed_; }
+    std::string const& sent() const { return sent_; }
+    // All that the client got; to be asked once, after play().
+    std::string received();
+
+private:
+    void play(Step const& step);
+    void leave();
+    void type(std::string const& text);
+    void send(std::string const& text);
+
+    Session const& session_;
+    support::ConsoleSession& console_;
+    std::unique_ptr<support::StationClient> client_;
+    std::string typed_;
+    std::string sent_;
+};
 
 }  // namespace proof
