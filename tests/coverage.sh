@@ -8,7 +8,8 @@ set -eu
 cd "$(dirname "$0")/.."
 here=$(pwd)
 
-packaging/install_packages.sh g++ cmake ninja-build bubblewrap libgtest-dev python3 gcovr >&2
+# shellcheck disable=SC2046
+packaging/install_packages.sh $(cat packaging/build_packages) bubblewrap libgtest-dev python3 gcovr >&2
 cmake --preset coverage >/dev/null
 find build-coverage -name '*.gcda' -delete # of older objects
 cmake --build --preset coverage -- --quiet >&2

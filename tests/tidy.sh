@@ -6,7 +6,8 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-packaging/install_packages.sh clang libclang-rt-dev clang-tidy cmake ninja-build libgtest-dev >&2
+# shellcheck disable=SC2046
+packaging/install_packages.sh $(cat packaging/build_packages) clang libclang-rt-dev clang-tidy libgtest-dev >&2
 # Compile commands without precompiled headers, which nobody builds here.
 cmake --preset clang-debug -B build-tidy -DR47_BENCH=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null
 cmake --preset fuzz -B build-tidy/fuzz >/dev/null

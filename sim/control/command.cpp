@@ -121,7 +121,7 @@ Reply usage_error(std::string const& usage) {
 }
 
 Reply duration_error(std::string const& word) {
-    return Reply::error("bad duration " + word + ": as 3s, 250ms or 10us, at most one day");
+    return Reply::error("bad duration " + word + ": as 3s, 250ms, 10us, 5min or 2h, at most one day");
 }
 
 bool split_words(std::string_view line, Words& words) {

@@ -64,14 +64,8 @@ struct Parser {
         Words words;
         return split_words(word, words) ? as_value(parse_scene(words)) : std::nullopt;
     }
+    std::optional<Value> operator()(Pixel const&) const { return as_value(parse_pixel(word)); }
 };
-
-Error bad_value(std::string const& word, Value const& like) {
-    if (std::holds_alternative<Supply>(like)) {
-        return supply_error();
-    }
-    return (std::holds_alternative<Scene>(like) ? "not a scene: " : "not a value of this property: ") + word;
-}
 
 }  // namespace
 
@@ -84,10 +78,6 @@ std::optional<Supply> parse_supply(std::string const& word) {
     return std::nullopt;
 }
 
-Error supply_error() {
-    return "a power source is 24v or poe";
-}
-
 std::optional<Scene> parse_scene(Words const& words) {
     if (words == Words{"none"}) {
         return Scene::nothing();
@@ -98,18 +88,34 @@ std::optional<Scene> parse_scene(Words const& words) {
     return numbers && reflectance ? make_scene(words.front(), *numbers, *reflectance) : std::nullopt;
 }
 
+std::optional<Pixel> parse_pixel(std::string const& word) {
+    std::size_t const comma = std::min(word.find(','), word.size());
+    auto const x = parse_integer_as<unsigned int>(word.substr(0, comma));
+    auto const y = comma < word.size() ? parse_integer_as<unsigned int>(word.substr(comma + 1)) : std::nullopt;
+    return x && y ? std::optional<Pixel>({*x, *y}) : std::nullopt;
+}
+
 std::optional<Value> parse_value(std::string const& word, Value const& like) {
     return std::visit(Parser{word}, like);
 }
 
-Error set_property(Properties const& properties, std::string const& name, std::string const& word) {
-    Property const* const property = properties.find(name);
-    if (property == nullptr || !property->set) {
-        return properties.set(name, word);  // which says why not
+std::optional<Value> parse_value(std::string const& word, Property const& property) {
+    for (Choice const& choice : property.about.choices) {
+        if (word == choice.name) {
+            return choice.value;
+        }
     }
-    Value const like = property->get();
-    auto const value = parse_value(word, like);
-    return value ? properties.set(name, *value) : name + ": " + bad_value(word, like);
+    return parse_value(word, property.get());
+}
+
+Error set_property(Properties const& properties, std::string const& name, std::string const& word) {
+    Error error = properties.why_not_settable(name);
+    if (!error.empty()) {
+        return error;
+    }
+    Property const& property = *properties.find(name);
+    auto const value = parse_value(word, property);
+    return value ? properties.set(name, *value) : not_legal(name, property, word);
 }
 
 }  // namespace sim

@@ -4,14 +4,16 @@
 #include <algorithm>
 
 #include "sim/control/fault_words.h"
+#include "sim/control/property_table.h"
 #include "sim/control/value_words.h"
 #include "sim/core/numbers.h"
+#include "sim/device/schema.h"
 
 namespace sim {
 
 namespace {
 
-char const* const kShowUsage = "show [--json] [PREFIX]";
+char const* const kShowUsage = "show [--json | --schema] [PREFIX...]";
 char const* const kSetUsage = "set NAME VALUE";
 char const* const kFaultUsage =
     "fault add OPERATION [arg N VALUE] [object N] [from TIME] [to TIME] [skip N] [every N] [probability P [seed N]] "
@@ -29,18 +31,17 @@ constexpr double kSmallestFactor = 1e-3;
 constexpr double kLargestFactor = 1e3;  // a device that triggers and samples all the while keeps up
 
 Reply show(Device::Access& device, Words const& words) {
-    bool const json = !words.empty() && words.front() == "--json";
-    std::size_t const options = json ? 1 : 0;
-    if (words.size() > options + 1) {
-        return usage_error(kShowUsage);
+    std::string const form = words.empty() ? "" : words.front();
+    bool const json = form == "--json";
+    bool const schema = form == "--schema";
+    Words const prefixes(words.begin() + (json || schema ? 1 : 0), words.end());
+    for (std::string const& prefix : prefixes) {
+        if (device->properties.select({prefix}).empty()) {
+            return Reply::error("unknown property " + prefix);
+        }
     }
-    std::string const prefix = words.size() > options ? words.back() : "";
-    Properties const& properties = device->properties;
-    std::string const table = properties.table(prefix);
-    if (table.empty()) {
-        return Reply::error("unknown property " + prefix);
-    }
-    return Reply::done(json ? properties.json(prefix) : table);
+    std::string const shown = properties_json(device->properties, prefixes, !schema);
+    return Reply::done(json || schema ? shown : property_table(shown));
 }
 
 Reply set(Device::Access& device, Words const& words) {
@@ -167,8 +168,14 @@ Reply journal(Caller const& caller, Words const& words) {
 }  // namespace
 
 void add_state_verbs(Commands& commands) {
-    commands.add({"show", kShowUsage, "the device's state: all of it, or what begins with PREFIX", show, {}, true});
-    commands.add({"set", kSetUsage, "sets one property of the state", set});
+    commands.add(
+        {"show",
+         kShowUsage,
+         "the device's state, all of it or what begins with a PREFIX; what each property is; --schema: without values",
+         show,
+         {},
+         true});
+    commands.add({"set", kSetUsage, "sets one property of the state, to a value or what it is called", set});
 }
 
 void add_fault_verbs(Commands& commands) {

@@ -17,7 +17,7 @@ struct Unit {
 };
 
 // "ms" and "us" before "s", their last letter.
-constexpr std::array<Unit, 3> kUnits{{{"ms", 1e3}, {"us", 1.0}, {"s", 1e6}}};
+constexpr std::array<Unit, 5> kUnits{{{"ms", 1e3}, {"us", 1.0}, {"s", 1e6}, {"min", 60e6}, {"h", 3600e6}}};
 
 bool ends_with(std::string_view text, std::string_view end) {
     return text.size() > end.size() && text.substr(text.size() - end.size()) == end;

@@ -48,8 +48,8 @@ private:
 // So that a device that triggers all the while keeps up, and no sum of times overflows.
 constexpr Duration kLongestDuration = std::chrono::hours(24);
 
-// "3s", "250ms", "10us", also with decimals as in "1.5s"; nothing for any other text, for one with a sign, or beyond
-// kLongestDuration.
+// "3s", "250ms", "10us", "5min", "2h", also with decimals as in "1.5s"; nothing for any other text, for one with a
+// sign, or beyond kLongestDuration.
 std::optional<Duration> parse_duration(std::string_view text);
 // Seconds with six decimals, as the journal writes them.
 std::string seconds(Time time);

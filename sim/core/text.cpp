@@ -71,6 +71,16 @@ std::string printable(std::string_view text) {
     return printable;
 }
 
+std::string utf8_text(std::string_view text) {
+    std::string utf8;
+    while (!text.empty()) {
+        std::size_t const size = utf8_character(text);
+        utf8 += size > 0 ? std::string(text.substr(0, size)) : code_of(static_cast<unsigned char>(text.front()));
+        text.remove_prefix(size > 0 ? size : 1);
+    }
+    return utf8;
+}
+
 std::string json_text(std::string_view text) {
     std::string json = "\"";
     while (!text.empty()) {

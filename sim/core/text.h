@@ -12,7 +12,10 @@ std::string quoted(std::string_view text);
 // For a person's terminal: UTF-8 as it is, but \xHH for what controls terminals and for what is none.
 std::string printable(std::string_view text);
 
-// As a JSON string; bytes that are no UTF-8 become the text \xHH.
+// UTF-8 as it is; bytes that are none become the text \xHH.
+std::string utf8_text(std::string_view text);
+
+// As a JSON string; bytes that are no UTF-8 as utf8_text has them.
 std::string json_text(std::string_view text);
 
 // As a word of the control grammar: in double quotes where it would not be one word otherwise.

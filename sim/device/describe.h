@@ -15,6 +15,14 @@
 
 namespace sim {
 
+template <typename Enum>
+Choice choice(Enum value, char const* name) {
+    return {static_cast<long long>(value), name};
+}
+
+// Of hal::imx_te.
+std::vector<Choice> imager_choices();
+
 // Each adds the properties of a component, which must outlive the table. `now` answers the device's time.
 void describe(Properties& properties, SystemState& system, std::function<Time()> const& now);
 void describe(Properties& properties, ModuleInfo& modules);

@@ -13,21 +13,21 @@ constexpr double kDegreeParts = 1000;  // the sensors' own degree is a whole one
 constexpr double kStepParts = 1000;    // the motor moves so much of a step in a microsecond
 
 void add_settings(Properties& properties, Illumination& light) {
-    auto const add = [&](char const* name, char const* help, Setting setting) {
+    auto const add = [&](char const* name, About const& about, Setting setting) {
         Limits const& limits = Illumination::limits_of(setting);
         properties.add(
-            name, help, [&light, setting] { return light.setting(setting); },
-            [&light, setting](unsigned int value) { return light.put(setting, value); }, limits.min, limits.max);
+            name, about.within(limits.min, limits.max), [&light, setting] { return light.setting(setting); },
+            [&light, setting](unsigned int value) { return light.put(setting, value); });
     };
-    add("illumination.segments", "mask, one bit per segment, 0-15", Setting::segments);
-    add("illumination.brightness.total", "0-14", Setting::brightness);
-    add("illumination.brightness.red", "percent", Setting::red);
-    add("illumination.brightness.green", "percent", Setting::green);
-    add("illumination.brightness.blue", "percent", Setting::blue);
-    add("illumination.limit.dc", "highest brightness of steady light, 0-14", Setting::dc_limit);
-    add("illumination.limit.flash", "highest brightness of a flash, 0-14", Setting::flash_limit);
-    add("illumination.limit.ot_off", "C, at which the guard switches the light off, 40-100", Setting::ot_off_limit);
-    add("illumination.limit.ot_decrease", "K below that limit, at which the light comes back, 1-30",
+    add("illumination.segments", "segments that give light, one bit each", Setting::segments);
+    add("illumination.brightness.total", "brightness of the white light", Setting::brightness);
+    add("illumination.brightness.red", About("share of red", "percent"), Setting::red);
+    add("illumination.brightness.green", About("share of green", "percent"), Setting::green);
+    add("illumination.brightness.blue", About("share of blue", "percent"), Setting::blue);
+    add("illumination.limit.dc", "highest brightness of steady light", Setting::dc_limit);
+    add("illumination.limit.flash", "highest brightness of a flash", Setting::flash_limit);
+    add("illumination.limit.ot_off", About("at which the guard switches the light off", "C"), Setting::ot_off_limit);
+    add("illumination.limit.ot_decrease", About("below that limit, at which the light comes back", "K"),
         Setting::ot_decrease);
 }
 
@@ -59,28 +59,30 @@ void add_switches(Properties& properties, Illumination& light) {
 }
 
 void add_temperatures(Properties& properties, Illumination& light) {
-    properties.add(
-        "illumination.temperature.internal", "C, inside, -40 to 125; set: goes on from there",
+    auto const add = [&](char const* name, char const* help, auto get, auto set) {
+        properties.add(name, About(help, "C").within(Illumination::kColdest, Illumination::kHottest), get, set);
+    };
+    add(
+        "illumination.temperature.internal", "inside; set: goes on from there",
         [&light] { return to_nearest_part(light.internal_temperature(), kDegreeParts); },
-        [&light](double temperature) { return light.set_internal_temperature(temperature); }, "out of range");
-    properties.add(
-        "illumination.temperature.external", "C, outside, -40 to 125; set: goes on from there",
+        [&light](double temperature) { return light.set_internal_temperature(temperature); });
+    add(
+        "illumination.temperature.external", "outside; set: goes on from there",
         [&light] { return to_nearest_part(light.external_temperature(), kDegreeParts); },
-        [&light](double temperature) { return light.set_external_temperature(temperature); }, "out of range");
-    properties.add(
-        "illumination.temperature.ambient", "C, of the surroundings, -40 to 125",
-        [&light] { return light.ambient_temperature(); },
-        [&light](double temperature) { return light.set_ambient_temperature(temperature); }, Illumination::kColdest,
-        Illumination::kHottest);
+        [&light](double temperature) { return light.set_external_temperature(temperature); });
+    add(
+        "illumination.temperature.ambient", "of the surroundings", [&light] { return light.ambient_temperature(); },
+        [&light](double temperature) { return light.set_ambient_temperature(temperature); });
 }
 
 void add_flags(Properties& properties, Illumination& light) {
     Illumination::Disturbances& disturbances = light.disturbances;
-    properties.add_variable("illumination.flags.low_power", "set by hand", disturbances.low_power);
-    properties.add_variable("illumination.flags.driver_error", "set by hand", disturbances.driver_error);
-    properties.add_variable("illumination.flags.calibration_error", "set by hand", disturbances.calibration_error);
-    properties.add_variable("illumination.flags.dvsc", "set by hand", disturbances.dvsc);
-    properties.add_variable("illumination.flags.bc", "set by hand", disturbances.bc);
+    properties.add_variable("illumination.flags.low_power", "set by hand alone", disturbances.low_power);
+    properties.add_variable("illumination.flags.driver_error", "set by hand alone", disturbances.driver_error);
+    properties.add_variable("illumination.flags.calibration_error", "set by hand alone",
+                            disturbances.calibration_error);
+    properties.add_variable("illumination.flags.dvsc", "set by hand alone", disturbances.dvsc);
+    properties.add_variable("illumination.flags.bc", "set by hand alone", disturbances.bc);
     properties.add("illumination.flags.trigger_overflow", "the flash is longer than the triggers are apart",
                    [&light] { return light.flags().trigger_overflow != 0; });
     properties.add("illumination.flags.over_temperature", "from the off limit until it has cooled by the decrease",
@@ -110,6 +112,13 @@ void add_errors(Properties& properties, Autofocus const& focus) {
         [](Errors const& errors) { return errors.empty_calibration_table; });
 }
 
+ValueRange position_range(Autofocus const& focus) {
+    unsigned short min = 0;
+    unsigned short max = 0;
+    focus.get_position_limits(min, max);
+    return {static_cast<double>(min), static_cast<double>(max)};
+}
+
 }  // namespace
 
 void describe(Properties& properties, Illumination& light) {
@@ -122,16 +131,26 @@ void describe(Properties& properties, Illumination& light) {
     properties.add("illumination.lit", "whether it gives light", [&light] { return light.lit(); });
     properties.add("illumination.load", "heat that it makes; 1: that of full steady light",
                    [&light] { return light.load(); });
-    properties.add("illumination.exposure.mode", "0 continuous, 65534 flash, 65535 switch",
-                   [&light] { return light.exposure_mode(); });
-    properties.add("illumination.exposure.time", "us, of the flash", [&light] { return light.flash_time(); });
     properties.add(
-        "illumination.pattern", "0 continuous, 65535 strobe", [&light] { return light.pattern(); },
-        [&light](hal::light_pattern_te pattern) { return light.set_pattern(pattern); }, "not a pattern");
+        "illumination.exposure.mode",
+        About("when it gives light")
+            .among({choice(hal::exposure_mode::continuous, "continuous"), choice(hal::exposure_mode::flash, "flash"),
+                    choice(hal::exposure_mode::switched, "switched")}),
+        [&light] { return light.exposure_mode(); });
+    properties.add("illumination.exposure.time", About("of the flash", "us"), [&light] { return light.flash_time(); });
     properties.add(
-        "illumination.mode", "0 inactive, 1 active", [&light] { return light.mode(); },
-        [&light](hal::illumination_mode_te mode) { return light.set_mode(mode); }, hal::illumination_mode_te::inactive,
-        hal::illumination_mode_te::active);
+        "illumination.pattern",
+        About("whether it follows the exposures")
+            .among({choice(hal::light_pattern_te::continuous, "continuous"),
+                    choice(hal::light_pattern_te::strobe, "strobe")}),
+        [&light] { return light.pattern(); },
+        [&light](hal::light_pattern_te pattern) { return light.set_pattern(pattern); });
+    properties.add(
+        "illumination.mode",
+        About("whether the module works")
+            .among({choice(hal::illumination_mode_te::inactive, "inactive"),
+                    choice(hal::illumination_mode_te::active, "active")}),
+        [&light] { return light.mode(); }, [&light](hal::illumination_mode_te mode) { return light.set_mode(mode); });
     add_settings(properties, light);
     add_switches(properties, light);
 }
@@ -141,9 +160,12 @@ void describe(Properties& properties, Autofocus& focus) {
         "autofocus.present", "whether the module is fitted; it comes back as after power-on",
         [&focus] { return focus.present(); }, [&focus](bool present) { focus.set_present(present); });
     properties.add(
-        "autofocus.device_type", "R47XXXX1, R47XXXX2 or R47XXXX3, or its last digit: whose table holds",
+        "autofocus.device_type",
+        About("whose table holds; its last digit will do")
+            .among({{"R47XXXX1", "R47XXXX1"}, {"R47XXXX2", "R47XXXX2"}, {"R47XXXX3", "R47XXXX3"}})
+            .unless("not a device type"),
         [&focus] { return focus.device_type(); },
-        [&focus](std::string const& name) { return focus.set_device_type(name); }, "not a device type");
+        [&focus](std::string const& name) { return focus.set_device_type(name); });
     properties.add_variable("autofocus.link", "whether the module can be talked to", focus.module.link_up);
     properties.add_variable("autofocus.motor.free", "whether the motor can move; otherwise it is stuck",
                             focus.module.motor_free);
@@ -151,18 +173,24 @@ void describe(Properties& properties, Autofocus& focus) {
     properties.add_variable("autofocus.mirror.healthy", "whether the mirror swings", focus.module.mirror_healthy);
     properties.add_variable("autofocus.table.filled", "whether there is a calibration table",
                             focus.module.table_filled);
-    properties.add("autofocus.position", "steps", [&focus] { return to_nearest_part(focus.position(), kStepParts); });
+    properties.add("autofocus.position", About("where the motor is", "steps"),
+                   [&focus] { return to_nearest_part(focus.position(), kStepParts); });
     properties.add(
-        "autofocus.target", "steps, where the motor goes", [&focus] { return focus.target(); },
-        [&focus](unsigned int target) { return focus.put_position(target); }, "the motor cannot go there now");
+        "autofocus.target",
+        About("where the motor goes", "steps")
+            .within([&focus] { return position_range(focus); })
+            .unless("the motor cannot go there now"),
+        [&focus] { return focus.target(); }, [&focus](unsigned int target) { return focus.put_position(target); });
     properties.add("autofocus.moving", "whether the motor is on its way", [&focus] { return focus.moving(); });
     properties.add("autofocus.calibrating", "whether the calibration runs", [&focus] { return focus.calibrating(); });
-    properties.add("autofocus.frequency", "Hz, that the calibration found; 0: none",
+    properties.add("autofocus.frequency", About("that the calibration found; 0: none", "Hz"),
                    [&focus] { return focus.calibration_frequency().value_or(0); });
     properties.add(
-        "autofocus.doe.mode", "0 disabled, 1 enabled and off by the trigger", [&focus] { return focus.doe_mode(); },
-        [&focus](hal::doe_mode_te mode) { return focus.set_doe_mode(mode); }, hal::doe_mode_te::disabled,
-        hal::doe_mode_te::off_by_trigger);
+        "autofocus.doe.mode",
+        About("whether the DOE shines but while a trigger exposes")
+            .among({choice(hal::doe_mode_te::disabled, "disabled"),
+                    choice(hal::doe_mode_te::off_by_trigger, "off_by_trigger")}),
+        [&focus] { return focus.doe_mode(); }, [&focus](hal::doe_mode_te mode) { return focus.set_doe_mode(mode); });
     properties.add(
         "autofocus.doe.forced", "active whatever its mode", [&focus] { return focus.doe_forced(); },
         [&focus](bool forced) { focus.set_doe_force_active(forced); });

@@ -33,24 +33,24 @@ void describe(Properties& properties, SensorHub& hub, std::function<Time()> cons
                    [&hub] { return text_of(hub.active_sensors()); });
     properties.add("hub.samples", "samples delivered to the library since the start", [&hub] { return hub.samples(); });
     properties.add(
-        "hub.upload_time", "ms that the upload of a firmware takes", [&hub] { return hub.upload_time_ms(); },
-        [&hub](unsigned int ms) { return hub.set_upload_time(ms); }, 0U, SensorHub::kLongestUpload);
-    auto const add_angle = [&](char const* name, double Angles::*angle) {
-        properties.add(name, "degrees", [&hub, now, angle] {
+        "hub.upload_time", About("that the upload of a firmware takes", "ms").within(0, SensorHub::kLongestUpload),
+        [&hub] { return hub.upload_time_ms(); }, [&hub](unsigned int ms) { return hub.set_upload_time(ms); });
+    auto const add_angle = [&](char const* name, char const* help, double Angles::*angle) {
+        properties.add(name, About(help, "degrees"), [&hub, now, angle] {
             return to_nearest_part(angles_of(hub.orientation().at(now())).*angle, kAngleParts);
         });
     };
-    add_angle("orientation.yaw", &Angles::yaw);
-    add_angle("orientation.pitch", &Angles::pitch);
-    add_angle("orientation.roll", &Angles::roll);
+    add_angle("orientation.yaw", "how the device is turned around the vertical", &Angles::yaw);
+    add_angle("orientation.pitch", "how it is tilted forwards", &Angles::pitch);
+    add_angle("orientation.roll", "how it is tilted to its side", &Angles::roll);
     properties.add(
-        "orientation.noise", "standard deviation of the measured orientation, degrees, 0 to 10",
-        [&hub] { return hub.orientation().noise(); }, [&hub](double degrees) { return hub.set_noise(degrees); }, 0.0,
-        Orientation::kMostNoise);
+        "orientation.noise",
+        About("standard deviation of the measured orientation", "degrees").within(0, Orientation::kMostNoise),
+        [&hub] { return hub.orientation().noise(); }, [&hub](double degrees) { return hub.set_noise(degrees); });
     properties.add(
-        "orientation.drift", "degrees a minute by which the measured heading runs away, 0 to 10",
-        [&hub] { return hub.orientation().drift(); }, [&hub](double drift) { return hub.set_drift(drift); }, 0.0,
-        Orientation::kMostDrift);
+        "orientation.drift",
+        About("by which the measured heading runs away", "degrees/min").within(0, Orientation::kMostDrift),
+        [&hub] { return hub.orientation().drift(); }, [&hub](double drift) { return hub.set_drift(drift); });
     properties.add(
         "orientation.seed", "seed of that noise", [&hub] { return static_cast<long long>(hub.orientation().seed()); },
         [&hub](long long seed) { hub.set_seed(static_cast<std::uint64_t>(seed)); });

@@ -18,14 +18,20 @@ NamedModule const kNamedModules[kModules] = {
 }  // namespace
 
 void describe(Properties& properties, SystemState& system, std::function<Time()> const& now) {
+    using State = hal::device_state_te;
     properties.add(
-        "system.state", "state shown to the user: 1-6, 9, 10", [&system] { return system.state(); },
-        [&system](hal::device_state_te state) { return system.set_state(state); }, "not a device state");
+        "system.state",
+        About("state shown to the user")
+            .among({choice(State::boot, "boot"), choice(State::confirm, "confirm"), choice(State::running, "running"),
+                    choice(State::find_me, "find_me"), choice(State::warning, "warning"), choice(State::error, "error"),
+                    choice(State::preview_network_reset, "preview_network_reset"),
+                    choice(State::preview_localize, "preview_localize")}),
+        [&system] { return system.state(); }, [&system](State state) { return system.set_state(state); });
     properties.add("system.heartbeat.count", "heartbeats since the start", [&system] { return system.heartbeats(); });
-    properties.add("system.heartbeat.last", "time of the last heartbeat, s; 0: none yet",
+    properties.add("system.heartbeat.last", About("time of the last heartbeat; 0: none yet", "s"),
                    [&system] { return static_cast<double>(system.last_heartbeat().count()) / 1e6; });
     properties.add(
-        "system.heartbeat.timeout", "ms after the last heartbeat until the software counts as dead",
+        "system.heartbeat.timeout", About("after the last heartbeat, until the software counts as dead", "ms"),
         [&system] { return system.heartbeat_timeout(); },
         [&system](unsigned int timeout_ms) { system.set_heartbeat_timeout(timeout_ms); });
     properties.add("system.alive", "whether there was a heartbeat within the timeout",

@@ -48,10 +48,11 @@ void Components::set_power(bool on) {
 
 void Components::describe(Properties& all) {
     auto const time = [this] { return now; };
-    all.add("clock.time", "time since the start, s", [this] { return static_cast<double>(now.count()) / 1e6; });
+    all.add("clock.time", About("time since the start", "s"),
+            [this] { return static_cast<double>(now.count()) / 1e6; });
     all.add("clock.mode", "how the time passes", [this] { return timeline.clock_setting(); });
     all.add("power", "whether the device has power", [this] { return powered_; });
-    all.add("camera.fitted", "fitted image sensor: 0 none, 1 IMX296, 2 IMX567",
+    all.add("camera.fitted", About("fitted image sensor").among(imager_choices()),
             [this] { return nodes.fitted_sensor(); });
     sim::describe(all, system, time);
     sim::describe(all, modules);
@@ -64,7 +65,7 @@ void Components::describe(Properties& all) {
     sim::describe(all, ranging);
     sim::describe(all, hub, time);
     all.add("button.pressed", "whether the button is pressed", [this] { return presses.button().pressed(); });
-    all.add("button.held", "how long it has been held, s; 0: not pressed",
+    all.add("button.held", About("how long it has been held; 0: not pressed", "s"),
             [this] { return static_cast<double>(presses.button().held(now).count()) / 1e6; });
     all.add("button.line", "interrupt line that it is wired to", [this] { return button_line(nodes); });
 }

@@ -93,7 +93,7 @@ unsigned char Ranging::highest_frequency() const {
 }
 
 int Ranging::set_frequency(unsigned char hz) {
-    return set(frequency_hz_, hz, hz >= 1 && hz <= highest_frequency());
+    return set(frequency_hz_, hz, hz >= kLeastFrequency && hz <= highest_frequency());
 }
 
 int Ranging::set_ranging_mode(RangingMode mode) {
@@ -101,7 +101,7 @@ int Ranging::set_ranging_mode(RangingMode mode) {
 }
 
 int Ranging::set_integration_time(unsigned int ms) {
-    return set(integration_ms_, ms, ms >= 2 && ms <= 1000);
+    return set(integration_ms_, ms, ms >= kLeastIntegration && ms <= kMostIntegration);
 }
 
 int Ranging::set_power_mode(PowerMode mode) {

@@ -32,10 +32,14 @@ public:
     // it. A frequency that the new resolution does not allow falls to the highest that it does.
     int set_resolution(Resolution resolution);
     Resolution resolution() const { return resolution_; }
+    static constexpr unsigned char kLeastFrequency = 1;
+    unsigned char highest_frequency() const;  // by the resolution
     int set_frequency(unsigned char hz);
     unsigned char frequency() const { return frequency_hz_; }
     int set_ranging_mode(RangingMode mode);
     RangingMode ranging_mode() const { return mode_; }
+    static constexpr unsigned int kLeastIntegration = 2;
+    static constexpr unsigned int kMostIntegration = 1000;
     int set_integration_time(unsigned int ms);
     unsigned int integration_time() const { return integration_ms_; }
     int set_power_mode(PowerMode mode);
@@ -103,7 +107,6 @@ private:
     Duration period() const;
     Duration frame_time() const;
     Duration exposure() const;
-    unsigned char highest_frequency() const;
     double next_deviate();
     void measure(double right, double down, unsigned int measurements, unsigned int zone,
                  VL53L5CX_ResultsData& results);

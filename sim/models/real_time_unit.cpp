@@ -336,6 +336,10 @@ int RealTimeUnit::get_imager_type(hal::imx_te& type) const {
     return 0;
 }
 
+ExposureLimits const& RealTimeUnit::limits() const {
+    return limits_of(find_image_sensor(imager_type_));
+}
+
 int RealTimeUnit::set_prohibited_time(unsigned int time_us) {
     prohibited_time_us_ = time_us;
     return 0;
@@ -357,7 +361,7 @@ int RealTimeUnit::get_exposure_offset(unsigned int& offset_us) const {
 }
 
 int RealTimeUnit::set_exposure(unsigned int exposure_us) {
-    return set_exposure(exposure_us, limits_of(find_image_sensor(imager_type_)));
+    return set_exposure(exposure_us, limits());
 }
 
 int RealTimeUnit::set_exposure(unsigned int exposure_us, ExposureLimits const& limits) {
@@ -389,7 +393,7 @@ int RealTimeUnit::set_continuous(bool continuous) {
 }
 
 int RealTimeUnit::set_rate(unsigned int fps) {
-    return set_rate(fps, limits_of(find_image_sensor(imager_type_)));
+    return set_rate(fps, limits());
 }
 
 int RealTimeUnit::set_rate(unsigned int fps, ExposureLimits const& limits) {

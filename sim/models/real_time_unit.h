@@ -42,6 +42,8 @@ public:
     int set_imager_type(hal::imx_te type);
     int get_imager_type(hal::imx_te& type) const;
     hal::imx_te imager_type() const { return imager_type_; }
+    // Of rate and exposure, by that type.
+    ExposureLimits const& limits() const;
     int set_prohibited_time(unsigned int time_us);
     int get_prohibited_time(unsigned int& time_us) const;
     unsigned int prohibited_time() const { return prohibited_time_us_; }

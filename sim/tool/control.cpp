@@ -3,6 +3,7 @@
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -11,15 +12,18 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <string_view>
 
 #include "sim/control/command.h"
 #include "sim/control/device_directory.h"
+#include "sim/control/property_table.h"
 #include "sim/core/text.h"
 #include "sim/core/unix_socket.h"
 #include "sim/tool/exit_status.h"
+#include "sim/tool/terminal.h"
 
 namespace sim {
 
@@ -86,8 +90,15 @@ int no_reply(ControlConnection const& connection) {
                                   : fail("the device ended");
 }
 
+using LinePrinter = std::function<void(std::string const& line)>;
+
+void print_line(std::string const& line) {
+    std::printf("%s\n", printable(line).c_str());
+    std::fflush(stdout);
+}
+
 // Prints the reply to one command.
-int print_reply(ControlConnection& connection) {
+int print_reply(ControlConnection& connection, LinePrinter const& print = print_line) {
     for (std::string line; connection.read_line(line);) {
         if (line == "ok") {
             return 0;
@@ -95,19 +106,29 @@ int print_reply(ControlConnection& connection) {
         if (line.compare(0, kErrorMark.size(), kErrorMark) == 0) {
             return fail(printable(line.substr(kErrorMark.size())));
         }
-        std::printf("%s\n", printable(line).c_str());
-        std::fflush(stdout);
+        print(line);
     }
     return no_reply(connection);
 }
 
-int give(ControlConnection& connection, std::string const& command) {
+int give(ControlConnection& connection, std::string const& command, LinePrinter const& print = print_line) {
     // Nothing is asked of the device by an empty line, and a line end inside a word would be two commands.
     if (command.find('\n') != std::string::npos) {
         return fail("a command is one line");
     }
     connection.send(command + "\n");  // where it is refused already, the reply says why
-    return print_reply(connection);
+    return print_reply(connection, print);
+}
+
+// The device's state as a table that suits this terminal.
+int show_on_terminal(ControlConnection& connection, Words words) {
+    words.insert(words.begin() + 1, "--json");
+    std::string json;
+    int const status = give(connection, join_words(words), [&](std::string const& line) { json += line + "\n"; });
+    if (status == 0) {
+        std::fputs(property_table(json, {terminal_width(), terminal_has_colours()}).c_str(), stdout);
+    }
+    return status;
 }
 
 // Each command has the time; one that is not answered in it is the last.
@@ -131,6 +152,10 @@ void print_journal(ControlConnection& connection) {
         std::printf("%s\n", printable(line).c_str());
         std::fflush(stdout);
     }
+}
+
+bool is_table(Words const& words) {
+    return words.front() == "show" && (words.size() == 1 || words[1].compare(0, 2, "--") != 0);
 }
 
 struct ControlOptions {
@@ -182,6 +207,9 @@ int control(std::vector<std::string> const& words) {
     }
     if (options.timeout) {
         connection.limit(*options.timeout);
+    }
+    if (is_table(options.command) && ::isatty(STDOUT_FILENO) != 0) {
+        return show_on_terminal(connection, options.command);
     }
     int const status = give(connection, join_words(options.command));
     if (status == 0 && options.command.front() == "journal") {

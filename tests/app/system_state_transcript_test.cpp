@@ -65,7 +65,7 @@ TEST(SystemStateTest, HeartbeatKeepsTheDeviceAliveForItsTimeout) {
     options.clock = "stepped";
     support::ConsoleSession session(options);
     auto const expect_shown = [&session](std::string const& name, std::string const& value) {
-        EXPECT_EQ(session.control("show --json " + name), "{\n  \"" + name + "\": " + value + "\n}\n");
+        EXPECT_NE(session.control("show --json " + name).find("{\"value\":" + value + ","), std::string::npos);
     };
     session.type("l");
     session.wait_for(kSystemMenu);

@@ -38,7 +38,8 @@ esac
 seconds=$1
 shift
 
-packaging/install_packages.sh clang libclang-rt-dev cmake ninja-build >&2
+# shellcheck disable=SC2046
+packaging/install_packages.sh $(cat packaging/build_packages) clang libclang-rt-dev >&2
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz --target "${@:-fuzzers}" -- --quiet >&2
 [ $# -gt 0 ] || set -- $(ls tests/fuzz/seeds)

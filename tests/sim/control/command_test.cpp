@@ -8,6 +8,8 @@
 #include <optional>
 #include <vector>
 
+#include "sim/control/value_words.h"
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -37,10 +39,89 @@ protected:
 
 TEST_F(CommandTest, SetChangesWhatShowShows) {
     EXPECT_EQ(done("set system.state 4"), "");
-    EXPECT_EQ(done("show system.state"), "system.state  4  state shown to the user: 1-6, 9, 10\n");
-    EXPECT_EQ(done("show --json system.state"), "{\n  \"system.state\": 4\n}\n");
+    EXPECT_EQ(
+        done("show system.state").find("system.state  4 find_me  set  choice  state shown to the user: 1 boot, 2"), 0U);
+    EXPECT_NE(done("show --json system.state").find("{\"value\":4,\"name\":\"find_me\","), std::string::npos);
+    EXPECT_EQ(done("set system.state warning"), "");
+    EXPECT_NE(done("show system.state").find("  5 warning  "), std::string::npos);
     EXPECT_NE(done("show").find("\nimx567.revision.year "), std::string::npos);
-    EXPECT_NE(done("show --json").find("\"camera.fitted\": 1"), std::string::npos);
+    EXPECT_NE(done("show --json").find("\"camera.fitted\": {\"value\":1,"), std::string::npos);
+}
+
+TEST_F(CommandTest, ShowTakesSeveralPrefixes) {
+    std::string const shown = done("show imx296.roi clock.mode");
+    EXPECT_EQ(shown.find("clock.mode "), 0U);
+    EXPECT_NE(shown.find("\nimx296.roi "), std::string::npos);
+    EXPECT_NE(shown.find("\nimx296.roi.x "), std::string::npos);
+    EXPECT_EQ(refused("show clock nothing"), "unknown property nothing");
+}
+
+TEST_F(CommandTest, TheSchemaHasNoValues) {
+    EXPECT_EQ(done("show --schema hub.upload_time"),
+              "{\n"
+              "  \"hub.upload_time\": {\"type\":\"integer\",\"unit\":\"ms\",\"range\":{\"min\":0,\"max\":60000},"
+              "\"settable\":true,\"meaning\":\"that the upload of a firmware takes\"}\n"
+              "}\n");
+}
+
+TEST_F(CommandTest, ARegionIsSetAtOnceOrByItsEdges) {
+    EXPECT_EQ(done("set imx567.roi 16,8"), "");
+    EXPECT_EQ(done("set imx567.roi.x 24"), "");
+    EXPECT_NE(done("show imx567.roi").find("  24,8 pixels  "), std::string::npos);
+    EXPECT_EQ(refused("set imx567.roi 20,8"),
+              "imx567.roi: beyond the sensor; it takes X,Y, each as its own property takes it");
+    EXPECT_EQ(refused("set imx567.roi 20"), "imx567.roi: 20 is not X,Y, each as its own property takes it");
+    EXPECT_EQ(refused("set imx567.roi.y 20"), "imx567.roi.y: 20 is not a multiple of 8 from 0 to 2056 pixels");
+}
+
+TEST_F(CommandTest, ARefusedValueIsToldTheRangeOfTheMoment) {
+    EXPECT_EQ(done("set rtu.trigger.rate 97"), "");
+    EXPECT_EQ(done("set rtu.imager_type imx567"), "");
+    EXPECT_EQ(refused("set rtu.trigger.rate 97"), "rtu.trigger.rate: 97 is not an integer from 1 to 96 fps");
+    EXPECT_EQ(done("set autofocus.maintenance on"), "");
+    EXPECT_EQ(refused("set autofocus.target 3001"), "autofocus.target: 3001 is not an integer from 0 to 3000 steps");
+    EXPECT_EQ(done("set ranging.power sleep"), "");
+    EXPECT_EQ(refused("set ranging.frequency 2"),
+              "ranging.frequency: the sensor sleeps; it takes an integer from 1 to 60 Hz");
+}
+
+// Whatever has a range takes its ends, and not what lies beyond.
+TEST_F(CommandTest, EveryRangeIsTheOneThatTheDeviceKeeps) {
+    auto const device = device_.access();
+    int ranges = 0;
+    for (auto const& [name, property] : device->properties.all()) {
+        if (!property.set || !property.about.range || !std::holds_alternative<long long>(property.get())) {
+            continue;
+        }
+        ++ranges;
+        SCOPED_TRACE(name);
+        sim::Value const before = property.get();
+        sim::ValueRange const range = property.about.range();
+        for (double const end : {range.min, range.max}) {
+            EXPECT_EQ(property.set(static_cast<long long>(end)), "") << end;
+            EXPECT_EQ(property.get(), sim::Value(static_cast<long long>(end)));
+        }
+        property.set(before);
+        EXPECT_NE(device->properties.set(name, static_cast<long long>(range.max) + 1), "");
+        EXPECT_NE(device->properties.set(name, static_cast<long long>(range.min) - 1), "");
+        EXPECT_EQ(property.get(), before);
+    }
+    EXPECT_GT(ranges, 30);
+}
+
+TEST_F(CommandTest, EveryChoiceCanBeSetByValueAndName) {
+    auto const device = device_.access();
+    for (auto const& [name, property] : device->properties.all()) {
+        for (sim::Choice const& choice : property.about.choices) {
+            if (property.set) {
+                SCOPED_TRACE(name + " " + choice.name);
+                EXPECT_EQ(sim::set_property(device->properties, name, choice.name), "");
+                EXPECT_EQ(property.get(), choice.value);
+                EXPECT_EQ(sim::set_property(device->properties, name, sim::value_text(choice.value)), "");
+                EXPECT_EQ(property.get(), choice.value);
+            }
+        }
+    }
 }
 
 TEST_F(CommandTest, FaultsAreAddedListedAndCleared) {
@@ -55,7 +136,7 @@ TEST_F(CommandTest, FaultsAreAddedListedAndCleared) {
 
 TEST_F(CommandTest, NodesAreRemovedAndRestored) {
     EXPECT_EQ(done("node remove /dev/imx296"), "");
-    EXPECT_EQ(done("show --json camera.fitted"), "{\n  \"camera.fitted\": 2\n}\n");
+    EXPECT_NE(done("show --json camera.fitted").find("{\"value\":2,"), std::string::npos);
     EXPECT_NE(done("node list").find("missing  /dev/imx296\n"), std::string::npos);
     EXPECT_EQ(done("node restore /dev/imx296"), "");
     EXPECT_NE(done("node list").find("present  /dev/imx296\n"), std::string::npos);
@@ -137,14 +218,14 @@ TEST_F(CommandTest, EmptyLinesAndCommentsDoNothing) {
 
 TEST_F(CommandTest, BlanksAroundWordsDoNotCount) {
     EXPECT_EQ(done("  set\tsystem.state   \"5\" \r"), "");
-    EXPECT_NE(done("show system.state").find("  5  "), std::string::npos);
+    EXPECT_NE(done("show system.state").find("  5 warning  "), std::string::npos);
 }
 
 TEST_F(CommandTest, HelpNamesEveryVerb) {
     std::string const help = done("help");
     for (char const* usage :
-         {"show [--json] [PREFIX]", "set NAME VALUE", "fault add OPERATION", "fault list", "fault clear [ID]",
-          "node remove PATH", "node restore PATH", "node list", "journal follow", "programs",
+         {"show [--json | --schema] [PREFIX...]", "set NAME VALUE", "fault add OPERATION", "fault list",
+          "fault clear [ID]", "node remove PATH", "node restore PATH", "node list", "journal follow", "programs",
           "clock [real | scaled FACTOR | stepped]", "step DURATION", "help"}) {
         EXPECT_NE(help.find(usage), std::string::npos) << usage;
     }
@@ -156,7 +237,8 @@ TEST_F(CommandTest, BadCommandsAreRefusedAndChangeNothing) {
                              "SHOW",
                              "show nothing",
                              "show --yaml",
-                             "show a b",
+                             "show system a",
+                             "show --json --schema",
                              "show --json a b",
                              "set",
                              "set system.state",

@@ -36,7 +36,7 @@ TEST_F(MotionVerbsTest, BadTiltChangesNothing) {
         expect_error(line, usage);
     }
     expect_error("tilt 1 two 3", "bad angle: degrees as 20 or -7.5");
-    expect_error("tilt 1 2 3 over 4", "bad duration 4: as 3s, 250ms or 10us, at most one day");
+    expect_error("tilt 1 2 3 over 4", "bad duration 4: as 3s, 250ms, 10us, 5min or 2h, at most one day");
     expect_error("tilt 0 91 0", "angle out of range: yaw and roll -360 to 360, pitch -90 to 90");
     expect_error("tilt 361 0 0", "angle out of range: yaw and roll -360 to 360, pitch -90 to 90");
     EXPECT_EQ(angle("yaw"), 0);
@@ -77,9 +77,9 @@ TEST_F(MotionVerbsTest, BadPressesAreRefused) {
          {"press", "press 1s 2s", "press 1s bounce", "press 1s pounce 1ms", "press 1s bounce 1ms 2"}) {
         expect_error(line, "usage: press DURATION [bounce DURATION]");
     }
-    expect_error("press 1s bounce 2", "bad duration 2: as 3s, 250ms or 10us, at most one day");
+    expect_error("press 1s bounce 2", "bad duration 2: as 3s, 250ms, 10us, 5min or 2h, at most one day");
     expect_error("press 4ms bounce 2ms", "the press is too short for that bounce: more than twice it");
-    expect_error("press long", "bad duration long: as 3s, 250ms or 10us, at most one day");
+    expect_error("press long", "bad duration long: as 3s, 250ms, 10us, 5min or 2h, at most one day");
     expect_error("button", "usage: button down | button up");
     expect_error("button sideways", "usage: button down | button up");
     expect_error("button up", "the button is not pressed");
@@ -92,16 +92,16 @@ TEST_F(MotionVerbsTest, BadPressesAreRefused) {
 
 TEST_F(MotionVerbsTest, NoiseAndUploadTimeHaveTheirRanges) {
     expect_done("set orientation.noise 0.5");
-    expect_error("set orientation.noise -1", "orientation.noise: out of range 0 to 10");
-    expect_error("set orientation.noise 11", "orientation.noise: out of range 0 to 10");
+    expect_error("set orientation.noise -1", "orientation.noise: -1 is not a number from 0 to 10 degrees");
+    expect_error("set orientation.noise 11", "orientation.noise: 11 is not a number from 0 to 10 degrees");
     EXPECT_EQ(value("orientation.noise"), "0.5");
     expect_done("set orientation.drift 0.5");
-    expect_error("set orientation.drift -0.1", "orientation.drift: out of range 0 to 10");
-    expect_error("set orientation.drift 10.1", "orientation.drift: out of range 0 to 10");
+    expect_error("set orientation.drift -0.1", "orientation.drift: -0.1 is not a number from 0 to 10 degrees/min");
+    expect_error("set orientation.drift 10.1", "orientation.drift: 10.1 is not a number from 0 to 10 degrees/min");
     EXPECT_EQ(value("orientation.drift"), "0.5");
     expect_done("set orientation.seed 7");
     EXPECT_EQ(value("orientation.seed"), "7");
-    expect_error("set hub.upload_time 60001", "hub.upload_time: out of range 0 to 60000");
+    expect_error("set hub.upload_time 60001", "hub.upload_time: 60001 is not an integer from 0 to 60000 ms");
 }
 
 }  // namespace

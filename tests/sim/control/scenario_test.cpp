@@ -99,8 +99,8 @@ TEST_F(ScenarioTest, AnEmptyFileIsAScenario) {
 
 TEST_F(ScenarioTest, ABadLineIsNamed) {
     Scenario scenario;
-    EXPECT_EQ(load("set system.state 3\n\n1s set system.state 7\n", scenario),
-              "scenario " + path_ + ", line 3: system.state: not a device state");
+    EXPECT_EQ(load("set system.state 3\n\n1s set system.alive true\n", scenario),
+              "scenario " + path_ + ", line 3: system.alive is read only");
     EXPECT_EQ(load("1 set system.state 3\n", scenario),
               "scenario " + path_ + ", line 1: unknown command \"1\": try help");
     EXPECT_EQ(load("5s\n6s nonsense", scenario),

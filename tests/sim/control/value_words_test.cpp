@@ -69,6 +69,10 @@ TEST(ValueWordsTest, AWordIsReadAsTheTypeOfTheOtherValue) {
     EXPECT_EQ(sim::parse_value("0.1", std::string()), Value(std::string("0.1")));
     EXPECT_EQ(sim::parse_value("poe", sim::Supply::dc_24v), Value(sim::Supply::poe));
     EXPECT_EQ(sim::parse_value("plane 333", Scene()), Value(*Scene::plane(333)));
+    EXPECT_EQ(sim::parse_value("8,0x10", sim::Pixel()), Value(sim::Pixel{8, 16}));
+    for (char const* word : {"8", "8,", ",8", "8,8,8", "-8,8", "8 8"}) {
+        EXPECT_FALSE(sim::parse_value(word, sim::Pixel())) << word;
+    }
     EXPECT_FALSE(sim::parse_value("1.5", 0LL));
     EXPECT_FALSE(sim::parse_value("2", false));
     EXPECT_FALSE(sim::parse_value("plane \"333", Scene()));

@@ -69,6 +69,9 @@ TEST(ClockTest, DurationsAreReadInAllUnits) {
     EXPECT_EQ(parse_duration("1.5s"), 1500ms);
     EXPECT_EQ(parse_duration("0s"), 0s);
     EXPECT_EQ(parse_duration("86400s"), 24h);
+    EXPECT_EQ(parse_duration("2min"), 2min);
+    EXPECT_EQ(parse_duration("0.5h"), 30min);
+    EXPECT_EQ(parse_duration("24h"), 24h);
 }
 
 TEST(ClockTest, OtherTextsAreNoDurations) {

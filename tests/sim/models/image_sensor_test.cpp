@@ -134,7 +134,8 @@ TEST(ImageSensorTest, GainAndVariantAreProperties) {
     unsigned int variant = 0;
     EXPECT_EQ(sensor.get_variant(variant), 0);
     EXPECT_EQ(variant, 1U);
-    EXPECT_EQ(sim::set_property(properties, "imx296.colour", "2"), "imx296.colour: out of range 0 to 1");
+    EXPECT_EQ(sim::set_property(properties, "imx296.colour", "2"),
+              "imx296.colour: 2 is not one of 0 monochrome, 1 colour");
     EXPECT_EQ(sensor.variant(), 1U);
     EXPECT_EQ(sim::set_property(properties, "imx296.gain", "300"), "");
     EXPECT_NE(sim::set_property(properties, "imx296.gain", "481"), "");

@@ -439,7 +439,7 @@ TEST(RangingTest, AsleepItRefusesSettingsAndWakesUpWithTheOldOnes) {
     sim::Properties properties;
     sim::describe(properties, ranging);
     EXPECT_EQ(sim::set_property(properties, "ranging.frequency", "10"),
-              "ranging.frequency: not a legal value, or the sensor sleeps");
+              "ranging.frequency: the sensor sleeps; it takes an integer from 1 to 60 Hz");
     EXPECT_EQ(ranging.set_power_mode(Ranging::PowerMode::wakeup), 0);
     EXPECT_EQ(ranging.resolution(), Ranging::Resolution::zones_4x4);
     EXPECT_EQ(ranging.frequency(), 1);
@@ -582,18 +582,22 @@ TEST(RangingTest, WhatIsSetByHandHasItsRange) {
         char const* best;
         char const* beyond;
         char const* range;
-    } const cases[] = {
-        {"ranging.crosstalk.pull", "50", "50.1", "0 to 50"}, {"ranging.noise", "100", "-0.1", "0 to 100"},
-        {"ranging.ambient", "10000", "10001", "0 to 10000"}, {"ranging.temperature", "-40", "-40.5", "-40 to 125"},
-        {"ranging.crosstalk.pull", "0", "-0.1", "0 to 50"},  {"ranging.noise", "0", "100.1", "0 to 100"},
-        {"ranging.ambient", "0", "-0.1", "0 to 10000"},      {"ranging.temperature", "125", "125.1", "-40 to 125"}};
+    } const cases[] = {{"ranging.crosstalk.pull", "50", "50.1", "0 to 50 percent"},
+                       {"ranging.noise", "100", "-0.1", "0 to 100"},
+                       {"ranging.ambient", "10000", "10001", "0 to 10000 kcps/SPAD"},
+                       {"ranging.temperature", "-40", "-40.5", "-40 to 125 C"},
+                       {"ranging.crosstalk.pull", "0", "-0.1", "0 to 50 percent"},
+                       {"ranging.noise", "0", "100.1", "0 to 100"},
+                       {"ranging.ambient", "0", "-0.1", "0 to 10000 kcps/SPAD"},
+                       {"ranging.temperature", "125", "125.1", "-40 to 125 C"}};
     Ranging ranging;
     sim::Properties properties;
     sim::describe(properties, ranging);
     for (auto const& expected : cases) {
         std::string const name = expected.name;
         EXPECT_EQ(sim::set_property(properties, name, expected.best), "");
-        EXPECT_EQ(sim::set_property(properties, name, expected.beyond), name + ": out of range " + expected.range);
+        EXPECT_EQ(sim::set_property(properties, name, expected.beyond),
+                  name + ": " + expected.beyond + " is not a number from " + expected.range);
         EXPECT_EQ(sim::value_text(properties.all().at(name).get()), expected.best);
     }
 }

@@ -579,7 +579,9 @@ TEST_F(RealTimeUnitTest, PropertiesOfAPinShowAndSetItsWholeRecord) {
     EXPECT_EQ(std::tie(config.on_delay_time, config.off_delay_time, config.pulse_time), std::make_tuple(1, 2, 3));
     EXPECT_EQ(config.pin_lines.at(4), 99);
     EXPECT_EQ(config.pin_lines.at(5), 20);
-    EXPECT_EQ(sim::set_property(properties, "dio.4.func", "6"), "dio.4.func: out of range");
+    EXPECT_EQ(sim::set_property(properties, "dio.4.func", "6"),
+              "dio.4.func: 6 is not one of 0 output, 1 illumination_output, 2 input, 3 trigger_input, 4 encoder_a, "
+              "5 encoder_b");
     EXPECT_EQ(sim::set_property(properties, "dio.4.command", "true"), "dio.4.command: the pin is no output");
     EXPECT_EQ(sim::set_property(properties, "dio.0.command", "true"), "");
     EXPECT_EQ(sim::value_text(properties.all().at("dio.0.value").get()), "true");

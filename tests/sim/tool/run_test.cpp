@@ -287,14 +287,14 @@ TEST_F(RunTest, ARunningDeviceIsControlled) {
     Process program(sim_ + " run --clock stepped -- " + probe_ + " wait");
     EXPECT_EQ(program.line(), "ready");
     EXPECT_EQ(control("set system.state 9").output, "");
-    EXPECT_EQ(control("show --json system.state").output, "{\n  \"system.state\": 9\n}\n");
+    EXPECT_EQ(value("system.state"), "9");
     EXPECT_EQ(control("node remove /dev/r47-rtu-driver").status, 0);
     EXPECT_EQ(control("node restore /dev/r47-rtu-driver").status, 0);
     EXPECT_EQ(control("step 1s").status, 0);
     EXPECT_EQ(control("clock").output, "stepped\n");
     EXPECT_EQ(shell("echo clock | " + sim_ + " -").output, "stepped\n");
     Result const refused = control("set system.state 7");
-    EXPECT_EQ(refused.output, "r47-sim: system.state: not a device state\n");
+    EXPECT_EQ(refused.output.find("r47-sim: system.state: 7 is not one of 1 boot, "), 0U);
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(shell("printf 'set system.state 7\\nclock\\n' | " + sim_ + " -").status, 1) << "the worst of them";
     program.send("\n");
@@ -368,8 +368,8 @@ TEST_F(RunTest, OneOfSeveralDevicesMustBeChosen) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "r47-sim: several devices are running, choose one with --device: bench other\n");
     EXPECT_EQ(control("--device bench set system.state 4").status, 0);
-    EXPECT_EQ(control("--device bench show --json system.state").output, "{\n  \"system.state\": 4\n}\n");
-    EXPECT_EQ(control("--device other show --json system.state").output, "{\n  \"system.state\": 1\n}\n");
+    EXPECT_NE(control("--device bench show --json system.state").output.find("{\"value\":4,"), std::string::npos);
+    EXPECT_NE(control("--device other show --json system.state").output.find("{\"value\":1,"), std::string::npos);
 }
 
 TEST_F(RunTest, ADirectoryHasOneDevice) {
@@ -484,7 +484,7 @@ TEST_F(RunTest, AProgramThatHangsInACallbackDelaysItselfAlone) {
     std::string const waiting = step.line();
     EXPECT_EQ(waiting.substr(0, waiting.find(", pid")), "waiting: sim_probe.1");
     EXPECT_EQ(waiting.substr(waiting.find(" is in")), " is in gyro_delegate_t(37) of object 2");
-    EXPECT_EQ(control("show --json power").output, "{\n  \"power\": true\n}\n");
+    EXPECT_EQ(value("power"), "true");
     EXPECT_EQ(run("--device bench", probe_).output, "revision 0: 1.6 state 0: 1\n");
     std::string const pid = waiting.substr(waiting.find("pid ") + 4, waiting.find(" is in") - waiting.find("pid ") - 5);
     EXPECT_EQ(shell("kill -KILL " + pid).output, "");

@@ -105,7 +105,7 @@ protected:
 TEST_F(ServerTest, AConnectionTakesSeveralCommands) {
     Client client(path_);
     EXPECT_EQ(client.ask("set system.state 3"), "ok\n");
-    EXPECT_EQ(client.ask("show --json system.state"), "{\n  \"system.state\": 3\n}\nok\n");
+    EXPECT_NE(client.ask("show --json system.state").find("{\"value\":3,"), std::string::npos);
     EXPECT_EQ(client.ask("nonsense"), "error: unknown command \"nonsense\": try help\n");
     EXPECT_EQ(client.ask("clock"), "stepped\nok\n");
 }
@@ -125,7 +125,7 @@ TEST_F(ServerTest, ManyClientsAreServedSideBySide) {
     first.send("set system.sta");
     EXPECT_EQ(second.ask("set system.state 2"), "ok\n");
     EXPECT_EQ(first.ask("te 6"), "ok\n");
-    EXPECT_EQ(second.ask("show --json system.state"), "{\n  \"system.state\": 6\n}\nok\n");
+    EXPECT_NE(second.ask("show --json system.state").find("{\"value\":6,"), std::string::npos);
 }
 
 TEST_F(ServerTest, RepliesArriveAfterTheClientHasEndedItsInput) {
@@ -236,7 +236,7 @@ TEST_F(ServerTest, CommandsThatOnlyLookAreNotInTheJournal) {
     for (char const* const look : {"show system.state", "clock", "fault list", "node list", "programs", "help"}) {
         EXPECT_NE(other.ask(look), "") << look;
     }
-    EXPECT_EQ(other.ask("set system.state 99"), "error: system.state: not a device state\n");
+    EXPECT_EQ(other.ask("set system.state 99").find("error: system.state: 99 is not one of 1 boot, "), 0U);
     EXPECT_EQ(other.ask("step 1s"), "ok\n");
     EXPECT_EQ(client.line(), "0.000000 1.000000 1 command - - - - - step 1s\n");
 }
@@ -306,7 +306,7 @@ TEST_F(ServerTest, AStepDelaysNobodyElse) {
     Client stepping(path_);
     EXPECT_TRUE(stepping.send("step 2s\n"));
     begun.get_future().wait();
-    EXPECT_EQ(Client(path_).ask("show --json clock.time"), "{\n  \"clock.time\": 1\n}\nok\n");
+    EXPECT_NE(Client(path_).ask("show --json clock.time").find("{\"value\":1,"), std::string::npos);
     release.set_value();
     EXPECT_EQ(stepping.line(), "ok\n");
 }

@@ -1,0 +1,77 @@
+#!/usr/bin/env python3
+"""Holds the tables of properties in docs/virtual-device.md against the schema that the device tells.
+
+    tests/property_tables.py R47-SIM [--write]
+
+A table stands between the two marks
+
+    <!-- properties: PREFIX[=NAME]... -->
+    <!-- end of properties -->
+
+and has the properties that begin with a PREFIX, or with NAME in its place where one stands for several. What every module has is in
+the table of MODULE alone. --write makes the tables anew."""
+
+import json
+import pathlib
+import re
+import subprocess
+import sys
+
+DOCUMENT = pathlib.Path(__file__).resolve().parent.parent / "docs" / "virtual-device.md"
+TABLE = re.compile(r"(<!-- properties: (.*?) -->\n).*?(<!-- end of properties -->)", re.S)
+OF_EVERY_MODULE = re.compile(r"\.(status|serial_number|revision\.\w+)$")
+EVERY_MODULE = "MODULE"
+PINS = re.compile(r"dio\.[1-5]\.")  # as pin 0
+
+
+def schema_of(sim):
+    shown = subprocess.run([sim, "run", "--clock", "stepped", "--", sim, "show", "--schema"], check=True,
+                           stdout=subprocess.PIPE, stdin=subprocess.DEVNULL, encoding="utf-8")
+    return json.loads(shown.stdout)
+
+
+def number(value):
+    return f"{value:g}" if abs(value) < 1e6 else str(value)
+
+
+def values(about):
+    if about["type"] == "choice":
+        return ", ".join(c["name"] if c["value"] == c["name"] else f"{c['value']} {c['name']}"
+                         for c in about["choices"])
+    text = about["type"]
+    if "range" in about:
+        limits = about["range"]
+        text = f"{number(limits['min'])} to {number(limits['max'])}"
+        text += f" by {number(limits['step'])}" if "step" in limits else ""
+    return f"{text}, {about['unit']}" if "unit" in about else text
+
+
+def rows(schema, words, told):
+    for word in words.split():
+        prefix, _, alias = word.partition("=")
+        for name, about in schema.items():
+            wanted = name == prefix or name.startswith(prefix + ".")
+            if wanted and bool(OF_EVERY_MODULE.search(name)) == (alias == EVERY_MODULE):
+                told.add(name)
+                shown = (alias or prefix) + name[len(prefix):]
+                yield f"| `{shown}` | {values(about)} | {'set' if about['settable'] else ''} | {about['meaning']} |\n"
+
+
+def main():
+    sim, write = sys.argv[1], "--write" in sys.argv[2:]
+    schema, told = schema_of(sim), set()
+    head = "| property | values | | |\n|---|---|---|---|\n"
+    before = DOCUMENT.read_text()
+    after = TABLE.sub(lambda mark: mark[1] + head + "".join(rows(schema, mark[2], told)) + mark[3], before)
+    untold = [name for name in schema
+              if name not in told and not PINS.match(name) and not OF_EVERY_MODULE.search(name)]
+    if untold:
+        sys.exit(f"{DOCUMENT}: no table has " + ", ".join(untold))
+    if write:
+        DOCUMENT.write_text(after)
+    elif after != before:
+        sys.exit(f"{DOCUMENT}: a table of properties is not what the device tells: {sys.argv[0]} {sim} --write")
+    print(f"{len(told)} properties in {len(TABLE.findall(after))} tables")
+
+
+main()
