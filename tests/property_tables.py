@@ -8,8 +8,8 @@ A table stands between the two marks
     <!-- properties: PREFIX[=NAME]... -->
     <!-- end of properties -->
 
-and has the properties that begin with a PREFIX, or with NAME in its place where one stands for several. What every module has is in
-the table of MODULE alone. --write makes the tables anew."""
+and has the properties that begin with a PREFIX, or with NAME in its place where one stands for several. What every module
+has is in the table of MODULE alone. --write makes the tables anew."""
 
 import json
 import pathlib

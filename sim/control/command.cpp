@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "sim/control/verbs.h"
+#include "sim/core/suggestion.h"
 #include "sim/core/text.h"
 
 namespace sim {
@@ -56,10 +57,9 @@ Reply Commands::run(Caller const& caller, std::string_view line) const {
     if (words.empty() || words.front().front() == '#') {
         return Reply::done();
     }
-    std::string const name = words.front();
-    auto const verb = std::find_if(verbs_.begin(), verbs_.end(), [&](Verb const& v) { return v.name == name; });
-    if (verb == verbs_.end()) {
-        return Reply::error("unknown command " + quoted(name) + ": try help");
+    Verb const* const verb = find(words.front());
+    if (verb == nullptr) {
+        return unknown(words.front());
     }
     words.erase(words.begin());
     bool const looks = only_looks(*verb, words);
@@ -88,6 +88,28 @@ std::string Commands::help() const {
     return help;
 }
 
+Reply Commands::help(std::string const& name, std::vector<std::string> const& others) const {
+    Verb const* const verb = find(name);
+    if (verb == nullptr) {
+        return unknown(name, others);
+    }
+    std::string const details = verb->details.empty() ? "" : "\n" + verb->details + "\n";
+    return Reply::done(verb->usage + "\n    " + verb->help + "\n" + details);
+}
+
+Reply Commands::unknown(std::string const& name, std::vector<std::string> const& others) const {
+    std::vector<std::string> names = others;
+    for (Verb const& verb : verbs_) {
+        names.push_back(verb.name);
+    }
+    return Reply::error("unknown command " + quoted(name) + did_you_mean(name, names, ": try help"));
+}
+
+Verb const* Commands::find(std::string const& name) const {
+    auto const verb = std::find_if(verbs_.begin(), verbs_.end(), [&](Verb const& v) { return v.name == name; });
+    return verb != verbs_.end() ? &*verb : nullptr;
+}
+
 Commands const& device_commands() {
     // Never destroyed: the library's threads may outlive the program's statics.
     static Commands const& commands = *[] {
@@ -102,9 +124,13 @@ Commands const& device_commands() {
         add_program_verbs(*all);
         add_journal_verbs(*all);
         all->add({"help",
-                  "help",
-                  "this list",
-                  [all](Device::Access&, Words const&) { return Reply::done(all->help()); },
+                  "help [COMMAND]",
+                  "this list, or what there is to know of a command",
+                  [all](Device::Access&, Words const& words) {
+                      return words.size() > 1 ? usage_error("help [COMMAND]")
+                             : words.empty()  ? Reply::done(all->help())
+                                              : all->help(words.front());
+                  },
                   {},
                   true});
         return all;

@@ -51,6 +51,7 @@ struct Verb {
     // In place of `run`, for a verb that takes time or sets the clock: it has the device for itself when it needs it.
     std::function<Reply(Caller const& caller, Words const& words)> run_unlocked{};
     bool only_looks = false;  // changes nothing, so the journal does not have it
+    std::string details{};    // what else there is to know, lines of at most 76 characters, without the last line end
 };
 
 class Commands {
@@ -60,8 +61,15 @@ public:
     Reply run(Caller const& caller, std::string_view line) const;
     // The usage of all verbs.
     std::string help() const;
+    // All that is to be said of one of them. Where there is none, the error may suggest one, or one of `others`.
+    Reply help(std::string const& name, std::vector<std::string> const& others = {}) const;
+    bool has(std::string const& name) const { return find(name) != nullptr; }
+    // What is said of a command that there is not.
+    Reply unknown(std::string const& name, std::vector<std::string> const& others = {}) const;
 
 private:
+    Verb const* find(std::string const& name) const;
+
     std::vector<Verb> verbs_;
 };
 

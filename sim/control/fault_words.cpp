@@ -2,12 +2,14 @@
 #include "sim/control/fault_words.h"
 
 #include <cmath>
+#include <numeric>
 #include <set>
 
 #include "sim/calls/callback_names.h"
 #include "sim/calls/operations.h"
 #include "sim/core/error_names.h"
 #include "sim/core/numbers.h"
+#include "sim/core/suggestion.h"
 #include "sim/core/text.h"
 
 namespace sim {
@@ -149,7 +151,11 @@ private:
             at += 1 + option.values;
             return {};
         }
-        return "unknown word " + name + ": try help";
+        std::vector<std::string> names;
+        for (Option const& option : kOptions) {
+            names.push_back(option.name);
+        }
+        return "unknown word " + name + did_you_mean(name, names, ": try help fault");
     }
 
     Error judge() {
@@ -249,6 +255,15 @@ Error why_not(FaultRule const& rule, OperationInfo const& info) {
     return why_no_argument(rule, info.name, info.arguments, info.takes);
 }
 
+template <typename Infos>
+Error none_called(Infos const& infos, char const* what, std::string const& name) {
+    std::vector<std::string> names;
+    for (auto const& info : infos) {
+        names.emplace_back(info.name);
+    }
+    return std::string("no ") + what + " is called " + name + did_you_mean(name, names);
+}
+
 // Takes those of `infos` that are called so.
 template <typename Infos>
 Error take_names(Infos const& infos, char const* what, FaultRule& rule) {
@@ -267,10 +282,37 @@ Error take_names(Infos const& infos, char const* what, FaultRule& rule) {
     if (!rule.names.empty()) {
         return {};
     }
-    return first.empty() ? std::string("no ") + what + " is called " + rule.operation : first;
+    return first.empty() ? none_called(infos, what, rule.operation) : first;
 }
 
 }  // namespace
+
+std::string list_operations(std::string const& pattern) {
+    std::set<std::string> lines;
+    auto const add = [&](std::string_view name, char const* kind, std::size_t arguments, std::size_t values) {
+        bool const is_part = pattern.find('*') == std::string::npos && name.find(pattern) != std::string_view::npos;
+        if (is_part || matches(pattern, name)) {
+            lines.insert(std::string(name) + "  " + kind + "  arguments " + std::to_string(arguments) + "  values " +
+                         std::to_string(values) + "\n");
+        }
+    };
+    for (OperationInfo const& info : kOperationInfos) {
+        bool const is_call = info.kind != OperationKind::constructor && info.kind != OperationKind::destructor;
+        add(info.name,
+            is_call                                   ? "call"
+            : info.kind == OperationKind::constructor ? "constructor"
+                                                      : "destructor",
+            info.arguments, info.values);
+    }
+    for (CallbackInfo const& info : kCallbackInfos) {
+        add(info.name, "callback", info.arguments, 0);
+    }
+    return std::accumulate(lines.begin(), lines.end(), std::string());
+}
+
+Error no_operation(std::string const& name) {
+    return none_called(kOperationInfos, "operation", name);
+}
 
 Error parse_fault_rule(Words const& words, FaultRule& rule) {
     if (words.empty()) {

@@ -10,4 +10,10 @@ namespace sim {
 // do nothing to anything that is called so is refused.
 Error parse_fault_rule(Words const& words, FaultRule& rule);
 
+// What rules can name: a line for each operation and callback whose name the pattern describes, or, without a *, has in
+// it; all for an empty one. Empty where there is none.
+std::string list_operations(std::string const& pattern);
+// What is said where none is called so.
+Error no_operation(std::string const& name);
+
 }  // namespace sim

@@ -108,14 +108,35 @@ Reply trigger(Device::Access& device, Words const& words) {
 }  // namespace
 
 void add_imaging_verbs(Commands& commands) {
-    commands.add({"drive", kDriveUsage, "puts a level on the wire of a digital input, or none", drive});
-    commands.add({"power", kPowerUsage,
-                  "what supplies the device, 24 V alone the digital I/O as well; its power as a whole", power});
-    commands.add({"fit", kFitUsage, "fits an image sensor: its node is there, the other's is not", fit});
+    commands.add({"drive",
+                  kDriveUsage,
+                  "puts a level on the wire of a digital input, or none",
+                  drive,
+                  {},
+                  false,
+                  "PIN is 0 to 5. open: nobody drives the wire, as at first."});
+    commands.add({"power",
+                  kPowerUsage,
+                  "what supplies the device, 24 V alone the digital I/O as well; its power as a whole",
+                  power,
+                  {},
+                  false,
+                  "off: every operation fails, and what has no memory of its own is forgotten."});
+    commands.add({"fit",
+                  kFitUsage,
+                  "fits an image sensor: its node is there, the other's is not",
+                  fit,
+                  {},
+                  false,
+                  "A camera that is open on the sensor taken away fails."});
     commands.add(
-        {"trigger", kTriggerUsage,
+        {"trigger",
+         kTriggerUsage,
          "triggers from outside: all at once, or RATE in a second, the first now; no more of those that are to come",
-         trigger});
+         trigger,
+         {},
+         false,
+         "Of triggers that come all at once, all but the first are missed."});
 }
 
 }  // namespace sim

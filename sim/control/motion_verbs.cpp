@@ -69,10 +69,29 @@ Reply button(Device::Access& device, Words const& words) {
 }  // namespace
 
 void add_motion_verbs(Commands& commands) {
-    commands.add({"tilt", kTiltUsage, "tilts the device, in degrees: at once, or turning over a time", tilt});
-    commands.add({"press", kPressUsage,
-                  "presses the button and releases it after the time; its contact may bounce; does not wait", press});
-    commands.add({"button", kButtonUsage, "presses the button or releases it", button});
+    commands.add({"tilt",
+                  kTiltUsage,
+                  "tilts the device, in degrees: at once, or turning over a time",
+                  tilt,
+                  {},
+                  false,
+                  "Yaw and roll -360 to 360, pitch -90 to 90; it turns evenly on the shortest way.\nExample: tilt 0 20 "
+                  "0 over 3s"});
+    commands.add({"press",
+                  kPressUsage,
+                  "presses the button and releases it after the time; its contact may bounce; does not wait",
+                  press,
+                  {},
+                  false,
+                  "A bounce goes back and there again on press and release, each for its time; the\npress must last "
+                  "more than twice that. Example: press 5s"});
+    commands.add({"button",
+                  kButtonUsage,
+                  "presses the button or releases it",
+                  button,
+                  {},
+                  false,
+                  "What it makes can be told only when it is released."});
 }
 
 }  // namespace sim

@@ -25,8 +25,14 @@ Reply scene(Device::Access& device, Words const& words) {
 }  // namespace
 
 void add_ranging_verbs(Commands& commands) {
-    commands.add(
-        {"scene", kSceneUsage, "what lies in front of the ranging sensor, 50 percent reflecting unless told", scene});
+    commands.add({"scene",
+                  kSceneUsage,
+                  "what lies in front of the ranging sensor, 50 percent reflecting unless told",
+                  scene,
+                  {},
+                  false,
+                  "Distances above 0 to 10000 mm along the axis, angles to 60 degrees, percent 1 to 100.\nExample: "
+                  "scene tilted 800 20 reflectance 30"});
 }
 
 }  // namespace sim

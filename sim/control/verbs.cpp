@@ -21,11 +21,49 @@ char const* const kFaultUsage =
     "fault add CALLBACK, with the same choices, drop | double | late MS\n"
     "fault list\n"
     "fault clear [ID]";
+char const* const kOperationsUsage = "operations [PATTERN]";
 char const* const kNodeUsage = "node remove PATH\nnode restore PATH\nnode list";
 char const* const kClockUsage = "clock [real | scaled FACTOR | stepped]";
 char const* const kStepUsage = "step DURATION";
 char const* const kProgramsUsage = "programs";
 char const* const kJournalUsage = "journal follow [--json]";
+
+char const* const kShowDetails =
+    "Shows all properties, or those whose name is a PREFIX or begins with one and\n"
+    "a dot. A line has the name, the value with its own name and its unit, \"set\"\n"
+    "where it can be set, the type with its range, and the meaning.\n"
+    "--json prints the same for programs, --schema without the values.\n"
+    "Examples: show system; show dio rtu.trigger; show --json imx296.roi";
+char const* const kSetDetails =
+    "VALUE is a number, decimal or hexadecimal after 0x; true, false, on, off, 1\n"
+    "or 0; a choice, by its value or its name; a place X,Y; or a scene in quotes.\n"
+    "A value that is refused changes nothing, and is told which are legal.\n"
+    "Examples: set system.state warning; set imx296.roi 20,20;\n"
+    "set ranging.scene \"plane 500\"";
+char const* const kFaultDetails =
+    "OPERATION and CALLBACK are names, or patterns with *: \"operations\" lists them.\n"
+    "The first rule that applies takes the call. add answers the rule's number,\n"
+    "list tells how often each rule fired. Times are those of the device's clock.\n"
+    "Examples: fault add rtu_t::get_exposure skip 1 count 1 status -1;\n"
+    "fault add *::get_* errno EIO delay 20; fault add gyro_delegate_t every 3 drop";
+char const* const kOperationsDetails =
+    "PATTERN may have * for any characters; without one, it is a part of the name.\n"
+    "A line has the name, what it is, how many arguments the journal writes, and of\n"
+    "how many values an answer consists.\n"
+    "Examples: operations exposure; operations 'rtu_t::*'";
+char const* const kNodeDetails =
+    "What is done through a file that is away fails with ENODEV.\n"
+    "Example: node remove /dev/imx296";
+char const* const kClockDetails =
+    "Without words it tells how. real is the host's time, scaled FACTOR (0.001 to\n"
+    "1000) so much faster; stepped stands still until \"step\". A change keeps the time.";
+char const* const kStepDetails =
+    "DURATION is as 3s, 250ms, 10us, 5min or 2h, at most one day. A step that waits\n"
+    "for programs says so each second.";
+char const* const kProgramsDetails = "A line has name and number, process, and how many objects it has open.";
+char const* const kJournalDetails =
+    "One line for each call, callback, command and program that comes or goes, from\n"
+    "now on, until one side ends. --json: each line as a JSON object.";
 
 constexpr double kSmallestFactor = 1e-3;
 constexpr double kLargestFactor = 1e3;  // a device that triggers and samples all the while keeps up
@@ -37,7 +75,7 @@ Reply show(Device::Access& device, Words const& words) {
     Words const prefixes(words.begin() + (json || schema ? 1 : 0), words.end());
     for (std::string const& prefix : prefixes) {
         if (device->properties.select({prefix}).empty()) {
-            return Reply::error("unknown property " + prefix);
+            return Reply::error(device->properties.unknown(prefix, true));
         }
     }
     std::string const shown = properties_json(device->properties, prefixes, !schema);
@@ -82,6 +120,15 @@ Reply fault(Device::Access& device, Words const& words) {
         return clear_faults(faults, words);
     }
     return usage_error(kFaultUsage);
+}
+
+Reply operations(Device::Access&, Words const& words) {
+    if (words.size() > 1) {
+        return usage_error(kOperationsUsage);
+    }
+    std::string const pattern = words.empty() ? "" : words.front();
+    std::string const list = list_operations(pattern);
+    return list.empty() ? Reply::error(no_operation(pattern)) : Reply::done(list);
 }
 
 Reply node(Device::Access& device, Words const& words) {
@@ -169,36 +216,57 @@ Reply journal(Caller const& caller, Words const& words) {
 
 void add_state_verbs(Commands& commands) {
     commands.add(
-        {"show",
-         kShowUsage,
-         "the device's state, all of it or what begins with a PREFIX; what each property is; --schema: without values",
-         show,
-         {},
-         true});
-    commands.add({"set", kSetUsage, "sets one property of the state, to a value or what it is called", set});
+        {"show", kShowUsage, "the device's state: what each property is, and its value", show, {}, true, kShowDetails});
+    commands.add({"set",
+                  kSetUsage,
+                  "sets one property of the state, to a value or what it is called",
+                  set,
+                  {},
+                  false,
+                  kSetDetails});
 }
 
 void add_fault_verbs(Commands& commands) {
+    commands.add({"fault",
+                  kFaultUsage,
+                  "makes calls fail, take long or answer other values, and disturbs callbacks",
+                  fault,
+                  {},
+                  false,
+                  kFaultDetails});
     commands.add(
-        {"fault", kFaultUsage, "makes calls fail, take long or answer other values, and disturbs callbacks", fault});
+        {"operations", kOperationsUsage, "what fault rules can name", operations, {}, true, kOperationsDetails});
 }
 
 void add_node_verbs(Commands& commands) {
-    commands.add({"node", kNodeUsage, "takes files of the device away and puts them back", node});
+    commands.add(
+        {"node", kNodeUsage, "takes files of the device away and puts them back", node, {}, false, kNodeDetails});
 }
 
 void add_time_verbs(Commands& commands) {
-    commands.add({"clock", kClockUsage, "how the device's time passes", {}, clock});
-    commands.add(
-        {"step", kStepUsage, "moves the stepped clock on; done when all that fell due has been delivered", {}, step});
+    commands.add({"clock", kClockUsage, "how the device's time passes", {}, clock, false, kClockDetails});
+    commands.add({"step",
+                  kStepUsage,
+                  "moves the stepped clock on; done when all that fell due has been delivered",
+                  {},
+                  step,
+                  false,
+                  kStepDetails});
 }
 
 void add_program_verbs(Commands& commands) {
-    commands.add({"programs", kProgramsUsage, "the programs that use the device", {}, programs, true});
+    commands.add(
+        {"programs", kProgramsUsage, "the programs that use the device", {}, programs, true, kProgramsDetails});
 }
 
 void add_journal_verbs(Commands& commands) {
-    commands.add({"journal", kJournalUsage, "sends the journal's lines as they are written", {}, journal, true});
+    commands.add({"journal",
+                  kJournalUsage,
+                  "sends the journal's lines as they are written",
+                  {},
+                  journal,
+                  true,
+                  kJournalDetails});
 }
 
 }  // namespace sim

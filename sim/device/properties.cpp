@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "sim/core/numbers.h"
+#include "sim/core/suggestion.h"
 
 namespace sim {
 
@@ -154,9 +155,20 @@ Error Properties::set(std::string const& name, Value const& value) const {
 Error Properties::why_not_settable(std::string const& name) const {
     Property const* const property = find(name);
     if (property == nullptr) {
-        return "unknown property " + name;
+        return unknown(name);
     }
     return property->set ? Error() : name + " is read only";
+}
+
+Error Properties::unknown(std::string const& name, bool is_prefix) const {
+    std::vector<std::string> names;
+    for (auto const& [known, property] : properties_) {
+        for (std::size_t dot = known.find('.'); is_prefix && dot != std::string::npos; dot = known.find('.', dot + 1)) {
+            names.push_back(known.substr(0, dot));
+        }
+        names.push_back(known);
+    }
+    return "unknown property " + name + did_you_mean(name, names);
 }
 
 Property const* Properties::find(std::string const& name) const {

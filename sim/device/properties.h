@@ -86,6 +86,8 @@ public:
     Error set(std::string const& name, Value const& value) const;
     // Why no property of that name can be set; empty where it can.
     Error why_not_settable(std::string const& name) const;
+    // What is said of a name that there is not, with the nearest that there is; of a prefix, too.
+    Error unknown(std::string const& name, bool is_prefix = false) const;
     // Null for an unknown name.
     Property const* find(std::string const& name) const;
     // The properties whose name is one of `prefixes`, or begins with one of them and a dot; all where there are none.

@@ -158,42 +158,11 @@ bool is_table(Words const& words) {
     return words.front() == "show" && (words.size() == 1 || words[1].compare(0, 2, "--") != 0);
 }
 
-struct ControlOptions {
-    std::string device;
-    std::optional<Duration> timeout;
-    Words command;
-};
-
-Error take_options(std::vector<std::string> const& words, ControlOptions& options) {
-    std::size_t at = 0;
-    for (; at + 1 < words.size() && words[at].compare(0, 2, "--") == 0; at += 2) {
-        std::string const& value = words[at + 1];
-        if (words[at] == "--device") {
-            options.device = value;
-        } else if (words[at] == "--timeout") {
-            options.timeout = parse_duration(value);
-            if (!options.timeout) {
-                return duration_error(value).text;
-            }
-        } else {
-            break;
-        }
-    }
-    options.command.assign(words.begin() + static_cast<std::ptrdiff_t>(at), words.end());
-    bool const understood = !options.command.empty() && options.command.front().compare(0, 2, "--") != 0;
-    return understood ? Error() : "not understood: try r47-sim help";
-}
-
 }  // namespace
 
-int control(std::vector<std::string> const& words) {
-    ControlOptions options;
-    Error error = take_options(words, options);
-    if (!error.empty()) {
-        return sim::fail(kNotUnderstood, error);
-    }
+int control(ControlOptions const& options) {
     std::string directory;
-    error = find_device(options.device, directory);
+    Error const error = find_device(options.device, directory);
     if (!error.empty()) {
         return fail(error);
     }

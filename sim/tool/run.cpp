@@ -7,64 +7,16 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdint>
 #include <cstring>
-#include <optional>
 
-#include "sim/core/numbers.h"
 #include "sim/tool/execute.h"
 #include "sim/tool/exit_status.h"
 #include "sim/tool/publisher.h"
-#include "sim/tool/running_device.h"
 #include "sim/tool/sandbox.h"
 
 namespace sim {
 
 namespace {
-
-struct RunOptions {
-    SandboxOptions sandbox;
-    std::string device;  // a running one; empty: one of its own
-    DeviceOptions own;
-    bool has_own = false;         // options of its own
-    bool require_faults = false;  // of the device's own rules that each fires
-    std::uint16_t port = 0;       // of this host, where the command's console is reached; 0: nowhere
-};
-
-Error take_options(std::vector<std::string> const& words, RunOptions& options) {
-    Error error;
-    std::size_t at = 0;
-    while (at < words.size() && words[at] != "--" && error.empty()) {
-        if (words[at] == "--private-network") {
-            options.sandbox.private_network = true;
-            ++at;
-        } else if (words[at] == "--require-faults") {
-            options.require_faults = options.has_own = true;
-            ++at;
-        } else if (words[at] == "--publish" && at + 1 < words.size()) {
-            options.port = parse_integer_as<std::uint16_t>(words[at + 1]).value_or(0);
-            error = options.port == 0 ? "bad port " + words[at + 1] + ": 1 to 65535" : Error();
-            at += 2;
-        } else if (words[at] == "--device" && at + 1 < words.size()) {
-            options.device = words[at + 1];
-            at += 2;
-        } else if (take_device_option(words, at, options.own, error)) {
-            options.has_own = true;
-        } else {
-            error = "unknown option " + words[at] + ": try r47-sim help";
-        }
-    }
-    if (error.empty() && !options.device.empty() && options.has_own) {
-        error = "--device names a device that runs already: it takes no options of a device's start";
-    }
-    if (error.empty() && at + 1 >= words.size()) {
-        error = "no command given: r47-sim run [OPTION...] -- COMMAND [ARG...]";
-    }
-    if (error.empty()) {
-        options.sandbox.command.assign(words.begin() + static_cast<std::ptrdiff_t>(at) + 1, words.end());
-    }
-    return error;
-}
 
 // Whether there is such a command, as a shell would say it.
 int check_command(std::string const& command) {
@@ -175,12 +127,8 @@ int run_in_running_device(RunOptions const& options) {
 
 }  // namespace
 
-int run_command(std::vector<std::string> const& words) {
-    RunOptions options;
-    Error error = take_options(words, options);
-    if (error.empty() && options.device.empty()) {
-        error = check(options.own);
-    }
+int run_command(RunOptions options) {
+    Error error = options.device.empty() ? check(options.own) : Error();
     if (!error.empty()) {
         return fail(kNotUnderstood, error);
     }

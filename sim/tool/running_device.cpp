@@ -42,6 +42,11 @@ void take_all_descriptors() {
 }  // namespace
 
 Error check(DeviceOptions const& options) {
+    for (std::string const& path : options.without) {
+        if (!is_device_file(path)) {
+            return path + " is no file of the device";
+        }
+    }
     Device device(std::make_unique<MemoryFileSystem>());
     Error error = set_clock(device, options.clock);
     Scenario scenario;
@@ -140,53 +145,8 @@ std::vector<std::string> RunningDevice::connected() {
     return lines;
 }
 
-bool take_device_option(std::vector<std::string> const& words, std::size_t& at, DeviceOptions& options, Error& error) {
-    std::string const& name = words[at];
-    if (name == "--json-journal") {
-        options.journal_as_json = true;
-        ++at;
-        return true;
-    }
-    bool const known =
-        name == "--name" || name == "--without" || name == "--journal" || name == "--scenario" || name == "--clock";
-    if (!known) {
-        return false;
-    }
-    ++at;
-    if (at == words.size()) {
-        error = name + " needs a value";
-        return true;
-    }
-    std::string const& value = words[at++];
-    if (name == "--without") {
-        options.without.push_back(value);
-        error = is_device_file(value) ? Error() : value + " is no file of the device";
-    } else if (name == "--name") {
-        options.name = value;
-    } else if (name == "--journal") {
-        options.journal = value;
-    } else if (name == "--scenario") {
-        options.scenario = value;
-    } else {
-        options.clock = value;
-        if (value == "scaled" && at < words.size()) {
-            options.clock += " " + words[at++];
-        }
-    }
-    return true;
-}
-
-int run_device(std::vector<std::string> const& words) {
-    DeviceOptions options;
-    Error error;
-    for (std::size_t at = 0; at < words.size() && error.empty();) {
-        if (!take_device_option(words, at, options, error)) {
-            error = "unknown option " + words[at] + ": try r47-sim help";
-        }
-    }
-    if (error.empty()) {
-        error = check(options);
-    }
+int run_device(DeviceOptions const& options) {
+    Error error = check(options);
     if (!error.empty()) {
         return fail(kNotUnderstood, error);
     }

@@ -55,10 +55,7 @@ private:
     std::unique_ptr<Server> server_;
 };
 
-// "r47-sim device": runs a device until SIGINT, SIGTERM or SIGHUP. `words`: its options. Answers the exit status.
-int run_device(std::vector<std::string> const& words);
-
-// Takes the option of a device at `at` with its value, and moves on to the next; false where it is none of them.
-bool take_device_option(std::vector<std::string> const& words, std::size_t& at, DeviceOptions& options, Error& error);
+// "r47-sim device": runs a device until SIGINT, SIGTERM or SIGHUP. Answers the exit status.
+int run_device(DeviceOptions const& options);
 
 }  // namespace sim

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <future>
 #include <optional>
+#include <sstream>
 #include <vector>
 
 #include "sim/control/value_words.h"
@@ -221,12 +222,54 @@ TEST_F(CommandTest, BlanksAroundWordsDoNotCount) {
     EXPECT_NE(done("show system.state").find("  5 warning  "), std::string::npos);
 }
 
+TEST_F(CommandTest, HelpExplainsACommand) {
+    std::string const help = done("help show");
+    EXPECT_EQ(help.find("show [--json | --schema] [PREFIX...]\n    the device's state"), 0U);
+    EXPECT_NE(help.find("\nExamples: show system;"), std::string::npos);
+    EXPECT_EQ(refused("help shwo"), "unknown command \"shwo\": did you mean show?");
+    EXPECT_EQ(refused("help show set"), "usage: help [COMMAND]");
+    std::istringstream all(done("help"));
+    for (std::string line; std::getline(all, line);) {
+        if (line.front() != ' ') {
+            EXPECT_NE(done("help " + line.substr(0, line.find(' '))), "");
+        }
+    }
+}
+
+TEST_F(CommandTest, NearMissesAreTold) {
+    EXPECT_EQ(refused("jounral follow"), "unknown command \"jounral\": did you mean journal?");
+    EXPECT_EQ(refused("set system.stat 1"), "unknown property system.stat: did you mean system.state?");
+    EXPECT_EQ(refused("show imx269"), "unknown property imx269: did you mean imx296?");
+    EXPECT_EQ(refused("fault add rtu_t::get_exposre status 1"),
+              "no operation is called rtu_t::get_exposre: did you mean rtu_t::get_exposure?");
+    EXPECT_EQ(refused("fault add gyro_delegat_t drop"),
+              "no callback is called gyro_delegat_t: did you mean gyro_delegate_t?");
+    EXPECT_EQ(refused("fault add rtu_t::* stats 1"), "unknown word stats: did you mean status?");
+}
+
+TEST_F(CommandTest, OperationsAreListedByPatternOrPart) {
+    EXPECT_EQ(done("operations rtu_t::get_exposure"),
+              "rtu_t::get_exposure  call  arguments 0  values 1\n"
+              "rtu_t::get_exposure_offset  call  arguments 0  values 1\n");
+    EXPECT_EQ(done("operations *_left"), "gyro_alarm_t::on_position_left  callback  arguments 0  values 0\n");
+    std::string const all = done("operations");
+    EXPECT_NE(all.find("rtu_t::~rtu_t  destructor"), std::string::npos);
+    EXPECT_EQ(done("operations *"), all);
+    std::istringstream lines(all);
+    for (std::string name, rest; lines >> name && std::getline(lines, rest);) {
+        bool const is_callback = rest.find("callback") != std::string::npos;
+        EXPECT_TRUE(run("fault add " + name + (is_callback ? " drop" : " delay 1")).ok) << name;
+    }
+    EXPECT_EQ(refused("operations get_exposre"), "no operation is called get_exposre");
+    EXPECT_EQ(refused("operations a b"), "usage: operations [PATTERN]");
+}
+
 TEST_F(CommandTest, HelpNamesEveryVerb) {
     std::string const help = done("help");
     for (char const* usage :
          {"show [--json | --schema] [PREFIX...]", "set NAME VALUE", "fault add OPERATION", "fault list",
           "fault clear [ID]", "node remove PATH", "node restore PATH", "node list", "journal follow", "programs",
-          "clock [real | scaled FACTOR | stepped]", "step DURATION", "help"}) {
+          "clock [real | scaled FACTOR | stepped]", "step DURATION", "operations [PATTERN]", "help [COMMAND]"}) {
         EXPECT_NE(help.find(usage), std::string::npos) << usage;
     }
 }

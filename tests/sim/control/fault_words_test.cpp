@@ -176,9 +176,10 @@ TEST_F(FaultWordsTest, APatternTakesWhatItCanDoSomethingTo) {
 
 TEST_F(FaultWordsTest, WhatIsNotUnderstoodIsRefused) {
     std::map<std::string, std::string> const bad{
-        {"rtu_t::get_exposur status 1", "no operation is called rtu_t::get_exposur"},
+        {"rtu_t::get_exposur status 1", "no operation is called rtu_t::get_exposur: did you mean rtu_t::get_exposure?"},
         {"rtu_t::get_exposure drop", "no callback is called rtu_t::get_exposure"},
-        {"gyro_delegate_t status 1", "no operation is called gyro_delegate_t"},
+        {"gyro_delegate_t status 1",
+         "no operation is called gyro_delegate_t: did you mean gyro_delegate_t::gyro_delegate_t?"},
         {"* drop status 1", "status, errno, delay and value are for calls; drop, double and late are for callbacks"},
         {"* object 0 status 1", "bad object: 0"},
         {"* arg 0 1 status 1", "bad arg: 0"},

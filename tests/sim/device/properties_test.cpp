@@ -73,12 +73,13 @@ TEST_F(PropertiesTest, TableCutsBetweenCharactersAndControlsNoTerminal) {
 }
 
 TEST_F(PropertiesTest, JsonHasTypedValuesAndWhatTheyAre) {
-    EXPECT_EQ(sim::properties_json(properties_, {}, true),
-              R"({
-  "a.colour": {"value":2,"name":"green","type":"choice","choices":[{"value":1,"name":"red"},{"value":2,"name":"green"}],)"
-              R"("settable":false,"meaning":"its colour"},
+    EXPECT_EQ(
+        sim::properties_json(properties_, {}, true),
+        R"({
+  "a.colour": {"value":2,"name":"green","type":"choice",)"
+        R"("choices":[{"value":1,"name":"red"},{"value":2,"name":"green"}],"settable":false,"meaning":"its colour"},
   "a.count": {"value":4,"type":"integer","unit":"ms","range":{"min":0,"max":10,"step":2},"settable":true,)"
-              R"("meaning":"how many"},
+        R"("meaning":"how many"},
   "a.factor": {"value":0.1,"type":"number","settable":true,"meaning":"a factor"},
   "a.on": {"value":true,"type":"boolean","settable":true,"meaning":"a switch"},
   "a.small": {"value":200,"type":"integer","range":{"min":0,"max":255},"settable":true,"meaning":"a byte"},
@@ -124,7 +125,7 @@ TEST_F(PropertiesTest, RefusedValuesChangeNothing) {
     EXPECT_EQ(sim::set_property(properties_, "a.on", "maybe"), "a.on: maybe is not true or false");
     EXPECT_EQ(sim::set_property(properties_, "ab", "bad"), "ab: not that one; it takes a text");
     EXPECT_EQ(sim::set_property(properties_, "a.colour", "1"), "a.colour is read only");
-    EXPECT_EQ(sim::set_property(properties_, "a", "1"), "unknown property a");
+    EXPECT_EQ(sim::set_property(properties_, "a.cuont", "1"), "unknown property a.cuont: did you mean a.count?");
     EXPECT_EQ(count_, 4U);
     EXPECT_EQ(small_, 200);
     EXPECT_EQ(factor_, 0.1F);

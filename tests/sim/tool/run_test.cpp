@@ -846,6 +846,8 @@ TEST_F(RunTest, WhatIsNotUnderstoodIsRefused) {
           Case{"--clock fast", "r47-sim: usage: clock [real | scaled FACTOR | stepped]\n"},
           Case{"--clock scaled 0", "r47-sim: bad factor 0: 0.001 to 1000\n"},
           Case{"--frobnicate", "r47-sim: unknown option --frobnicate: try r47-sim help\n"},
+          Case{"--journl x", "r47-sim: unknown option --journl: did you mean --journal?\n"},
+          Case{"--clock", "r47-sim: --clock: 1 required SETTING missing\n"},
           Case{"--publish 0", "r47-sim: bad port 0: 1 to 65535\n"},
           Case{"--publish 65536", "r47-sim: bad port 65536: 1 to 65535\n"},
           Case{"--device x --clock stepped",
@@ -858,7 +860,8 @@ TEST_F(RunTest, WhatIsNotUnderstoodIsRefused) {
     }
     for (std::string const words :
          {" run", " run -- ", " run --journal", " run --publish", " device --journal", " device --frobnicate", "",
-          " --device", " --device x", " --frobnicate", " --timeout 5 show", " --timeout 1s"}) {
+          " --device", " --device x", " --frobnicate", " --timeout 5 show", " --timeout 1s", " list all",
+          " help nothing", " --device x list"}) {
         EXPECT_EQ(shell(sim_ + words).status, 125) << words;
     }
 }
@@ -869,6 +872,40 @@ TEST_F(RunTest, HelpNamesOptionsAndCommands) {
     EXPECT_NE(result.output.find("--without PATH"), std::string::npos);
     EXPECT_NE(result.output.find("fault add OPERATION"), std::string::npos);
     EXPECT_EQ(shell(sim_ + " --help").output, result.output);
+    EXPECT_EQ(shell(sim_ + " -h").output, result.output);
+}
+
+TEST_F(RunTest, EachCommandHasItsHelp) {
+    for (std::string const command : {"run", "device", "list", "show", "fault"}) {
+        Result const result = shell(sim_ + " help " + command);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_NE(result.output.find(command), std::string::npos) << result.output;
+        for (std::string const option : {" --help", " -h"}) {
+            EXPECT_EQ(shell(sim_ + " " + command + option).output, result.output) << command << option;
+        }
+    }
+    EXPECT_NE(shell(sim_ + " help run").output.find("--publish PORT"), std::string::npos);
+    EXPECT_NE(shell(sim_ + " help device").output.find("usage: r47-sim device [OPTION...]\n"), std::string::npos);
+    EXPECT_EQ(shell(sim_ + " help device").output.find("--publish PORT"), std::string::npos);
+}
+
+TEST_F(RunTest, TheVersionIsTold) {
+    Result const result = shell(sim_ + " --version");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output.find("r47-sim "), 0U);
+    EXPECT_NE(result.output.find_first_of("0123456789"), std::string::npos);
+}
+
+TEST_F(RunTest, AMistypedCommandIsToldWhatItMayMean) {
+    EXPECT_EQ(control("devise").output, "r47-sim: unknown command \"devise\": did you mean device?\n");
+    EXPECT_EQ(control("shwo system").output, "r47-sim: unknown command \"shwo\": did you mean show?\n");
+    EXPECT_EQ(control("shwo system").status, 1);
+    EXPECT_EQ(control("--devise x show").output, "r47-sim: unknown option --devise: did you mean --device?\n");
+}
+
+// What looks like an option of r47-sim is the command's own.
+TEST_F(RunTest, WordsBehindTheMarkBelongToTheCommand) {
+    EXPECT_EQ(run("--name x", "printf '%s.' --help -- --name -h").output, "--help.--.--name.-h.");
 }
 
 }  // namespace

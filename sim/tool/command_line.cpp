@@ -1,0 +1,250 @@
+// The command line of r47-sim.
+#include "sim/tool/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+
+#include "sim/control/command.h"
+#include "sim/core/numbers.h"
+#include "sim/core/suggestion.h"
+#include "sim/tool/exit_status.h"
+
+namespace sim {
+
+namespace {
+
+using Task = CommandLine::Task;
+using Texts = std::vector<std::string>;
+
+Texts const kOwnCommands{"run", "device", "list"};
+constexpr char const* kNoCommand = "no command given: r47-sim run [OPTION...] -- COMMAND [ARG...]";
+
+constexpr char const* kUsage =
+    "usage: r47-sim run [OPTION...] -- COMMAND [ARG...]   runs COMMAND inside a virtual device\n"
+    "       r47-sim device [OPTION...]                    runs a device until a signal ends it\n"
+    "       r47-sim list                                  the devices that run, and their programs\n"
+    "       r47-sim [OPTION...] CONTROL-COMMAND           gives a running device a command\n"
+    "       r47-sim [OPTION...] -                         gives it the commands on standard input\n"
+    "       r47-sim help [COMMAND]                        this text, or what a command does\n";
+
+bool asks_for_help(std::string const& word) {
+    return word == "-h" || word == "--help";
+}
+
+class Formatter : public CLI::Formatter {
+public:
+    std::string make_usage(CLI::App const* app, std::string) const override {
+        std::string const usage = "usage: ";
+        if (app->get_name() == "run") {
+            return usage + "r47-sim run [OPTION...] -- COMMAND [ARG...]\n";
+        }
+        if (app->get_name() == "device") {
+            return usage + "r47-sim device [OPTION...]\n";
+        }
+        if (app->get_name() == "list") {
+            return usage + "r47-sim list\n";
+        }
+        return kUsage;
+    }
+};
+
+class Reader {
+public:
+    explicit Reader(Texts const& words) : words_(words) {
+        app_.prefix_command();
+        app_.set_version_flag("--version", "r47-sim " R47_VERSION, "prints the version");
+        app_.add_option("--device", line_.control.device,
+                        "the running device that a command is for, if not the only one")
+            ->type_name("NAME");
+        app_.add_option("--timeout", timeout_, "the longest that a command may take; not the lines of a journal")
+            ->type_name("DURATION");
+        add_device_options(device_, line_.device);
+        add_device_options(run_, line_.run.own);
+        run_.add_option("--device", line_.run.device, "runs COMMAND in this running device, not in one of its own")
+            ->type_name("NAME");
+        run_.add_flag("--private-network", line_.run.sandbox.private_network,
+                      "a network of its own, with nothing but a loopback interface");
+        run_.add_option("--publish", port_, "the same, but the console in it is reached at 127.0.0.1:PORT of this host")
+            ->type_name("PORT");
+        run_.add_flag("--require-faults", line_.run.require_faults, "fails where a fault rule never fired");
+        for (CLI::App* const task : {&run_, &device_}) {
+            task->allow_extras();
+        }
+        for (CLI::App* const app : {&app_, &run_, &device_, &list_}) {
+            app->formatter(std::make_shared<Formatter>());
+        }
+        app_.footer("Control commands:\n" + device_commands().help());
+    }
+
+    CommandLine read() {
+        if (words_.empty()) {
+            std::fputs(whole_help().c_str(), stderr);
+            return ended(kNotUnderstood);
+        }
+        Texts words = words_;
+        take_command(words);
+        std::reverse(words.begin(), words.end());  // as the library wants them
+        try {
+            app_.parse(words);
+        } catch (CLI::CallForHelp const&) {
+            return say(run_.parsed() || device_.parsed() || list_.parsed() ? app_.help() : whole_help());
+        } catch (CLI::CallForVersion const& version) {
+            return say(std::string(version.what()) + "\n");
+        } catch (CLI::ParseError const& error) {
+            return refuse(error.what());
+        }
+        return take();
+    }
+
+private:
+    static void add_device_options(CLI::App& app, DeviceOptions& options) {
+        app.add_option("--name", options.name, "of the device; with a slash, its directory")->type_name("NAME");
+        app.add_option("--without", options.without, "leaves this file of the device out; may be repeated")
+            ->type_name("PATH")
+            ->allow_extra_args(false);
+        app.add_option("--journal", options.journal, "writes a line for each call of the library")->type_name("FILE");
+        app.add_flag("--json-journal", options.journal_as_json, "the lines as JSON");
+        app.add_option("--scenario", options.scenario, "commands that the device carries out by itself")
+            ->type_name("FILE");
+        auto const set_clock = [&options](Texts const& words) { options.clock = join_words(words); };
+        app.add_option_function<Texts>("--clock", set_clock, "how time passes: real, scaled FACTOR or stepped")
+            ->type_name("SETTING")
+            ->expected(1, 2);
+    }
+
+    // What stands behind -- is the command of run, whatever it looks like.
+    void take_command(Texts& words) {
+        auto const mark = std::find(words.begin(), words.end(), "--");
+        if (words.front() == "run" && mark != words.end()) {
+            line_.run.sandbox.command.assign(mark + 1, words.end());
+            words.erase(mark, words.end());
+        }
+    }
+
+    CommandLine take() {
+        for (CLI::App* const task : {&run_, &device_}) {
+            if (task->parsed() && task->remaining_size() > 0) {
+                return refuse(unknown(*task, task->remaining().front()));
+            }
+        }
+        bool const has_control_options = !line_.control.device.empty() || !timeout_.empty();
+        if (!app_.get_subcommands().empty() && has_control_options) {
+            return refuse("--device and --timeout in front are for control commands");
+        }
+        if (run_.parsed()) {
+            return take_run();
+        }
+        if (device_.parsed() || list_.parsed()) {
+            line_.task = device_.parsed() ? Task::device : Task::list;
+            return line_;
+        }
+        return take_control();
+    }
+
+    CommandLine take_run() {
+        auto const options = device_.get_options();
+        bool const has_own =
+            line_.run.require_faults || std::any_of(options.begin(), options.end(), [this](CLI::Option const* option) {
+                return run_.count(option->get_name()) > 0;
+            });
+        if (!port_.empty()) {
+            line_.run.port = parse_integer_as<std::uint16_t>(port_).value_or(0);
+            if (line_.run.port == 0) {
+                return refuse("bad port " + port_ + ": 1 to 65535");
+            }
+        }
+        if (!line_.run.device.empty() && has_own) {
+            return refuse("--device names a device that runs already: it takes no options of a device's start");
+        }
+        if (line_.run.sandbox.command.empty()) {
+            return refuse(kNoCommand);
+        }
+        line_.task = Task::run;
+        return line_;
+    }
+
+    CommandLine take_control() {
+        line_.control.command = app_.remaining();
+        Texts const& command = line_.control.command;
+        if (command.empty()) {
+            return refuse("no command given: try r47-sim help");
+        }
+        if (command.front().compare(0, 1, "-") == 0 && command.front() != "-") {
+            return refuse(unknown(app_, command.front()));
+        }
+        if (command.front() == "help") {
+            return help_of({command.begin() + 1, command.end()});
+        }
+        if (command.front() != "-" && !device_commands().has(command.front())) {
+            return ended(fail(kRefused, device_commands().unknown(command.front(), kOwnCommands).text));
+        }
+        if (command.size() == 2 && asks_for_help(command[1])) {
+            return help_of({command.front()});
+        }
+        if (!timeout_.empty()) {
+            line_.control.timeout = parse_duration(timeout_);
+            if (!line_.control.timeout) {
+                return refuse(duration_error(timeout_).text);
+            }
+        }
+        line_.task = Task::control;
+        return line_;
+    }
+
+    // Of one of this program's own commands or of a control command.
+    CommandLine help_of(Texts const& words) {
+        if (words.empty()) {
+            return say(whole_help());
+        }
+        for (CLI::App const* const task : {&run_, &device_, &list_}) {
+            if (words == Texts{task->get_name()}) {
+                return say(task->help("r47-sim"));
+            }
+        }
+        Reply const reply = device_commands().help(words.front(), kOwnCommands);
+        return reply.ok ? say(reply.text) : refuse(reply.text);
+    }
+
+    std::string whole_help() const { return app_.help("", CLI::AppFormatMode::All); }
+
+    static std::string unknown(CLI::App const& app, std::string const& word) {
+        Texts names;
+        for (CLI::Option const* const option : app.get_options()) {
+            names.push_back(option->get_name());
+        }
+        return "unknown option " + word + did_you_mean(word, names, ": try r47-sim help");
+    }
+
+    static CommandLine ended(int status) {
+        CommandLine line;
+        line.status = status;
+        return line;
+    }
+
+    static CommandLine refuse(std::string const& message) { return ended(fail(kNotUnderstood, message)); }
+
+    static CommandLine say(std::string const& text) {
+        std::fputs(text.c_str(), stdout);
+        return ended(0);
+    }
+
+    Texts const& words_;
+    CommandLine line_;
+    std::string timeout_;
+    std::string port_;
+    CLI::App app_{"Runs programs inside the virtual device, and controls devices that run.", "r47-sim"};
+    CLI::App& run_ = *app_.add_subcommand("run", "runs COMMAND in a device of its own, which ends with it");
+    CLI::App& device_ = *app_.add_subcommand("device", "runs a device until SIGINT, SIGTERM or SIGHUP ends it");
+    CLI::App& list_ = *app_.add_subcommand("list", "the devices that run, and their programs");
+};
+
+}  // namespace
+
+CommandLine read_command_line(std::vector<std::string> const& words) {
+    return Reader(words).read();
+}
+
+}  // namespace sim

@@ -1,0 +1,26 @@
+// The command line of r47-sim.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "sim/tool/control.h"
+#include "sim/tool/run.h"
+#include "sim/tool/running_device.h"
+
+namespace sim {
+
+struct CommandLine {
+    enum class Task { none, run, device, list, control };
+
+    Task task = Task::none;
+    int status = 0;  // of none: help was printed, or what is wrong
+    RunOptions run;
+    DeviceOptions device;
+    ControlOptions control;
+};
+
+// Prints help and version where they are asked for, and what it does not understand.
+CommandLine read_command_line(std::vector<std::string> const& words);
+
+}  // namespace sim
