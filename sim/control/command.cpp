@@ -115,6 +115,7 @@ Commands const& device_commands() {
     static Commands const& commands = *[] {
         auto* all = new Commands;
         add_state_verbs(*all);
+        add_observation_verbs(*all);
         add_fault_verbs(*all);
         add_node_verbs(*all);
         add_imaging_verbs(*all);

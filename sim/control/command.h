@@ -40,6 +40,11 @@ struct Caller {
     // Sends the journal to the caller from now on; empty where there is no connection to send it on.
     std::function<void(bool json)> follow_journal{};
     ProgramList* programs = nullptr;  // null: there are none
+    // Sends the changes of these properties to the caller from now on; empty where there is no connection.
+    std::function<void(std::vector<std::string> const& prefixes, bool json)> watch{};
+    // Whether he has gone; empty where there is nobody who could wait.
+    std::function<bool()> gone{};
+    bool rehearses = false;  // what programs do is not there to be expected
 };
 
 struct Verb {

@@ -40,28 +40,30 @@ bool is_step(std::string const& command) {
     return split_words(command, words) && !words.empty() && words.front() == "step";
 }
 
-Error carry_out(ScenarioLine const& line, Device& device) {
+Error carry_out(ScenarioLine const& line, Device& device, bool rehearses) {
     // From inside an event a step would not wait for what falls due: the lines have their own times instead.
     if (line.due && is_step(line.command)) {
         return "line " + std::to_string(line.number) + ": a line with a time does not step the clock";
     }
-    Reply const reply = device_commands().run({device}, line.command);
+    Caller caller{device};
+    caller.rehearses = rehearses;
+    Reply const reply = device_commands().run(caller, line.command);
     return reply.ok ? Error() : "line " + std::to_string(line.number) + ": " + reply.text;
 }
 
 // Carries out what is due at the start and sets the rest to its time; an error then goes to `fail`.
 template <typename Fail>
-Error start(Scenario const& scenario, Device& device, Fail fail) {
+Error start(Scenario const& scenario, Device& device, bool rehearses, Fail fail) {
     for (ScenarioLine const& line : scenario) {
-        Error error = line.due ? Error() : carry_out(line, device);
+        Error error = line.due ? Error() : carry_out(line, device, rehearses);
         if (!error.empty()) {
             return error;
         }
     }
     for (ScenarioLine const& line : scenario) {
         if (line.due) {
-            device.timeline.at(*line.due, [line, &device, fail] {
-                Error const error = carry_out(line, device);
+            device.timeline.at(*line.due, [line, &device, rehearses, fail] {
+                Error const error = carry_out(line, device, rehearses);
                 if (!error.empty()) {
                     fail(error);
                 }
@@ -85,7 +87,7 @@ Error rehearse(Scenario const& scenario, std::vector<std::string> const& missing
     Error first;
     Device device(std::make_unique<MemoryFileSystem>(missing));
     device.timeline.run_stepped();
-    Error at_start = start(scenario, device, [&](Error const& error) { first = first.empty() ? error : first; });
+    Error at_start = start(scenario, device, true, [&](Error const& error) { first = first.empty() ? error : first; });
     if (!at_start.empty()) {
         return at_start;
     }
@@ -129,7 +131,7 @@ Error load_scenario(std::string const& path, Scenario& scenario, std::vector<std
 }
 
 Error start_scenario(Scenario const& scenario, Device& device, std::function<void(Error const&)> const& fail) {
-    return start(scenario, device, fail ? fail : end_on);
+    return start(scenario, device, false, fail ? fail : end_on);
 }
 
 }  // namespace sim

@@ -11,6 +11,7 @@
 #include <optional>
 #include <system_error>
 
+#include "sim/control/property_stream.h"
 #include "sim/core/unix_socket.h"
 
 namespace sim {
@@ -19,6 +20,12 @@ namespace {
 
 bool send_text(int connection, std::string const& text) {
     return send_all(connection, text.data(), text.size());
+}
+
+// Not that it sends no more: it may still read.
+bool has_gone(int connection) {
+    pollfd client{connection, 0, 0};
+    return ::poll(&client, 1, 0) > 0 && (client.revents & (POLLHUP | POLLERR)) != 0;
 }
 
 // The lines that a client sends.
@@ -162,21 +169,32 @@ void Server::refuse(int connection, std::string const& reason) {
 void Server::serve(int connection) {
     LineReader reader(connection);
     std::optional<bool> follow;  // the journal, as JSON or not
-    Caller const caller{device_, [&](std::string const& line) { send_text(connection, line + "\n"); },
-                        [&](bool json) { follow = json; }, programs_};
+    std::optional<WatchRequest> watch;
+    Caller caller{device_, [&](std::string const& line) { send_text(connection, line + "\n"); },
+                  [&](bool json) { follow = json; }, programs_};
+    caller.watch = [&](std::vector<std::string> const& prefixes, bool json) { watch = {prefixes, json}; };
+    caller.gone = [connection] { return has_gone(connection); };
     std::string line;
     bool too_long = false;
     while (reader.read(line, too_long)) {
         Reply const reply = too_long ? Reply::error("line too long") : commands_.run(caller, line);
         std::optional<JournalStream> stream;
+        std::optional<PropertyStream> changes;
         if (follow) {
             stream.emplace(device_, *follow);  // before the client is told that it follows
+        }
+        if (watch) {
+            changes.emplace(device_, *watch);
         }
         if (!send_text(connection, reply.ok ? reply.text + "ok\n" : "error: " + reply.text + "\n")) {
             return;
         }
         if (stream) {
             stream->run(connection);
+            return;
+        }
+        if (changes) {
+            changes->run(connection);
             return;
         }
     }

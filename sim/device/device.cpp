@@ -92,6 +92,7 @@ void Device::Access::arrive() {
 }
 
 void Device::Access::leave() {
+    device_.components_.observers.look(now());
     device_.components_.samples.schedule();
 }
 

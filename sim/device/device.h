@@ -12,6 +12,7 @@
 #include "sim/device/faults.h"
 #include "sim/device/journal.h"
 #include "sim/device/nodes.h"
+#include "sim/device/observers.h"
 #include "sim/device/properties.h"
 #include "sim/device/sample_delivery.h"
 #include "sim/models/autofocus.h"
@@ -49,6 +50,7 @@ struct Components {
     Nodes nodes;
     FaultRules faults;
     Journal journal;
+    Observers observers;
     SystemState system;
     ModuleInfo modules;
     RealTimeUnit rtu;

@@ -100,6 +100,16 @@ std::string value_text(Value const& value) {
     return std::visit(Writer(), value);
 }
 
+std::string value_with_name(Property const& property, Value const& value) {
+    std::string const text = value_text(value);
+    for (Choice const& choice : property.about.choices) {
+        if (choice.value == value && choice.name != text) {
+            return text + " " + choice.name;
+        }
+    }
+    return text;
+}
+
 std::string type_name(Property const& property) {
     return property.about.choices.empty() ? std::visit(TypeNamer(), property.get()) : "choice";
 }

@@ -63,6 +63,8 @@ struct Property {
     std::function<Error(Value const& value)> set;  // of the type that `get` answers; empty: read only
 };
 
+// The value with the name that it has as one of the property's choices.
+std::string value_with_name(Property const& property, Value const& value);
 // "boolean", "integer", "number", "choice", "text", "scene" or "pixel".
 std::string type_name(Property const& property);
 // What can be set, as in "an integer from 0 to 14".

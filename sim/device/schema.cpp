@@ -35,8 +35,7 @@ Json value_json(Value const& value) {
     return std::visit(JsonMaker(), value);
 }
 
-void add_value(Json& json, Property const& property) {
-    Value const value = property.get();
+void add_value(Json& json, Property const& property, Value const& value) {
     json["value"] = value_json(value);
     for (Choice const& choice : property.about.choices) {
         if (choice.value == value) {
@@ -57,7 +56,7 @@ Json property_json(Property const& property, bool with_value) {
     About const& about = property.about;
     Json json;
     if (with_value) {
-        add_value(json, property);
+        add_value(json, property, property.get());
     }
     json["type"] = type_name(property);
     if (!about.unit.empty()) {
@@ -82,6 +81,12 @@ std::string properties_json(Properties const& properties, std::vector<std::strin
         json += (json.empty() ? "{\n  " : ",\n  ") + json_text(name) + ": " + property_json(property, values).dump();
     }
     return json.empty() ? "{}\n" : json + "\n}\n";
+}
+
+std::string change_json(Time time, std::string const& name, Property const& property, Value const& value) {
+    Json json{{"time", static_cast<double>(time.count()) / 1e6}, {"property", name}};
+    add_value(json, property, value);
+    return json.dump() + "\n";
 }
 
 }  // namespace sim

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "sim/core/clock.h"
 #include "sim/device/properties.h"
 
 namespace sim {
@@ -18,5 +19,8 @@ namespace sim {
 //   settable whether it can be set
 //   meaning  one line
 std::string properties_json(Properties const& properties, std::vector<std::string> const& prefixes, bool values);
+
+// One line: an object with the members time (s), property, value and, of a choice, name.
+std::string change_json(Time time, std::string const& name, Property const& property, Value const& value);
 
 }  // namespace sim

@@ -145,8 +145,8 @@ int give_standard_input(ControlConnection& connection, std::optional<Duration> t
     return status;
 }
 
-// The journal's lines follow for as long as the device runs.
-void print_journal(ControlConnection& connection) {
+// The lines of the journal, or of changes, follow for as long as the device runs.
+void print_stream(ControlConnection& connection) {
     connection.lift_limit();
     for (std::string line; connection.read_line(line);) {
         std::printf("%s\n", printable(line).c_str());
@@ -181,8 +181,8 @@ int control(ControlOptions const& options) {
         return show_on_terminal(connection, options.command);
     }
     int const status = give(connection, join_words(options.command));
-    if (status == 0 && options.command.front() == "journal") {
-        print_journal(connection);
+    if (status == 0 && (options.command.front() == "journal" || options.command.front() == "watch")) {
+        print_stream(connection);
     }
     return status;
 }

@@ -89,12 +89,12 @@ private:
     Descriptor gate_;
 };
 
-// What the run was for has not happened.
-int fail_for(std::vector<std::string> const& unmet_faults, int status) {
-    for (std::string const& fault : unmet_faults) {
-        fail(kFailed, "a fault rule never fired: " + fault);
+// What the run was for has not happened; the command's own failure goes first.
+int fail_for(std::vector<std::string> const& unmet, char const* what, int status) {
+    for (std::string const& one : unmet) {
+        fail(kFailed, what + one);
     }
-    return status == 0 && !unmet_faults.empty() ? kFailed : status;
+    return status == 0 && !unmet.empty() ? kFailed : status;
 }
 
 int run_in_own_device(RunOptions const& options) {
@@ -111,9 +111,12 @@ int run_in_own_device(RunOptions const& options) {
         command.forget();
         return fail(kFailed, error);
     }
-    int const status = command.run();
+    int status = command.run();
     device.wait_until_unused();
-    return options.require_faults ? fail_for(device.unmet_faults(), status) : status;
+    if (options.require_faults) {
+        status = fail_for(device.unmet_faults(), "a fault rule never fired: ", status);
+    }
+    return fail_for(device.unmet_expectations(), "an expectation was not looked at: ", status);
 }
 
 int run_in_running_device(RunOptions const& options) {

@@ -118,18 +118,30 @@ void RunningDevice::end_on(Error const& error) const {
 }
 
 std::vector<std::string> RunningDevice::unmet_faults() {
+    std::vector<std::string> faults = device_->access()->faults.never_fired();
+    std::vector<std::string> const lines = lines_that_never_came({"fault", "add"});
+    faults.insert(faults.end(), lines.begin(), lines.end());
+    return faults;
+}
+
+std::vector<std::string> RunningDevice::unmet_expectations() {
+    return lines_that_never_came({"expect"});
+}
+
+// Of those that begin with these words.
+std::vector<std::string> RunningDevice::lines_that_never_came(Words const& begin) {
     auto const device = device_->access();
-    std::vector<std::string> faults = device->faults.never_fired();
+    std::vector<std::string> lines;
     for (ScenarioLine const& line : scenario_) {
         Words words;
-        bool const adds =
-            split_words(line.command, words) && words.size() > 1 && words[0] == "fault" && words[1] == "add";
-        if (adds && line.due.value_or(Time(0)) > device.now()) {
-            faults.push_back("line " + std::to_string(line.number) +
-                             " of the scenario, which never came:" + line.command);
+        bool const begins_so = split_words(line.command, words) && words.size() > begin.size() &&
+                               std::equal(begin.begin(), begin.end(), words.begin());
+        if (begins_so && line.due.value_or(Time(0)) > device.now()) {
+            lines.push_back("line " + std::to_string(line.number) +
+                            " of the scenario, which never came:" + line.command);
         }
     }
-    return faults;
+    return lines;
 }
 
 void RunningDevice::wait_until_unused() {

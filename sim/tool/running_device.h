@@ -37,10 +37,13 @@ public:
     std::string const& directory() const { return directory_.path(); }
     // The fault rules that never fired, and the lines of the scenario that would have added one but never came.
     std::vector<std::string> unmet_faults();
+    // The expectations of the scenario that nobody looked at, as their time never came.
+    std::vector<std::string> unmet_expectations();
     // Gives the programs that have ended the time to be seen.
     void wait_until_unused();
 
 private:
+    std::vector<std::string> lines_that_never_came(Words const& begin);
     std::vector<std::string> connected() override;
     std::vector<std::string> waited_for() override { return service_->waited_for(); }
     Error start_parts();

@@ -91,6 +91,24 @@ TEST_F(ScenarioTest, UntimedLinesRunAtOnceAndTimedOnesAtTheirTime) {
     EXPECT_EQ(state(), hal::device_state_te::error);
 }
 
+TEST_F(ScenarioTest, AnExpectationIsNotHeldAgainstTheRehearsal) {
+    Scenario scenario;
+    ASSERT_EQ(load("1s expect system.state == warning\n", scenario), "");
+    EXPECT_EQ(load("1s expect system.state == warm\n", scenario).find("scenario " + path_ + ", line 1: system.state: "),
+              0U);
+}
+
+TEST_F(ScenarioTest, AnExpectationThatFailsIsToldWithItsTime) {
+    Scenario scenario;
+    ASSERT_EQ(load("1s expect system.state == boot\n1500ms expect system.state == warning\n", scenario), "");
+    std::string failure;
+    ASSERT_EQ(sim::start_scenario(scenario, device_, [&](sim::Error const& error) { failure = error; }), "");
+    device_.timeline.step(1s);
+    EXPECT_EQ(failure, "");
+    device_.timeline.step(1s);
+    EXPECT_EQ(failure, "line 2: at 1.500000 s expected system.state == warning, but it is 1 boot");
+}
+
 TEST_F(ScenarioTest, AnEmptyFileIsAScenario) {
     Scenario scenario;
     EXPECT_EQ(load("", scenario), "");

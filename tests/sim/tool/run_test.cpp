@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -834,6 +835,49 @@ TEST_F(RunTest, APortThatIsTakenIsToldOf) {
     Result const second = run("--publish " + port, "echo started");
     EXPECT_EQ(second.output, "r47-sim: cannot publish at 127.0.0.1:" + port + ": Address already in use\n");
     EXPECT_EQ(second.status, 125);
+}
+
+TEST_F(RunTest, AFailedExpectationFailsTheRun) {
+    std::string const file = directory_.path() + "/scenario";
+    std::ofstream(file)
+        << "set system.state warning\n1s expect system.state == warning\n3s expect system.state == error\n";
+    std::string const options = "--clock stepped --scenario " + file;
+    Result result = run(options, sim_ + " step 3s");
+    EXPECT_EQ(result.status, 125);
+    EXPECT_NE(result.output.find("r47-sim: scenario line 3: at 3.000000 s expected system.state == error, but it is 5 "
+                                 "warning\n"),
+              std::string::npos)
+        << result.output;
+    result = run(options, sim_ + " step 2s");
+    EXPECT_EQ(result.status, 125);
+    EXPECT_EQ(result.output,
+              "r47-sim: an expectation was not looked at: line 3 of the scenario, which never came: "
+              "expect system.state == error\n");
+    std::ofstream(file) << "1s expect system.state == boot\n";
+    EXPECT_EQ(run(options, sim_ + " step 2s").status, 0);
+}
+
+TEST_F(RunTest, ChangesAreWatchedAndWaitedForFromOutside) {
+    auto const device = start_device("--name bench --clock stepped");
+    Process watch(sim_ + " watch --json system");
+    Process wait(sim_ + " wait system.state == error");
+    // Until both are served, each of these changes something.
+    std::atomic<bool> told{false};
+    std::thread stepper([&] {
+        while (!told) {
+            control("set system.state warning");
+            control("set system.state error");
+            control("step 1s");
+        }
+    });
+    std::string const line = watch.line();
+    told = true;
+    stepper.join();
+    EXPECT_NE(line.find("\"property\":\"system.state\",\"value\":"), std::string::npos) << line;
+    EXPECT_EQ(wait.wait(), 0);
+    Result const late = control("wait system.state == boot --timeout 0s");
+    EXPECT_EQ(late.status, 1);
+    EXPECT_EQ(late.output, "r47-sim: system.state == boot did not come within 0s: it is 6 error\n");
 }
 
 TEST_F(RunTest, WhatIsNotUnderstoodIsRefused) {

@@ -119,6 +119,42 @@ TEST_F(ServerTest, CommandsMayArriveInPiecesOrTogether) {
     EXPECT_EQ(client.lines(4), "stepped\nok\nstepped\nok\n");
 }
 
+TEST_F(ServerTest, ChangesAreSentAsTheyHappen) {
+    Client watcher(path_);
+    EXPECT_EQ(watcher.ask("watch system"), "ok\n");
+    Client client(path_);
+    EXPECT_EQ(client.ask("set system.state warning"), "ok\n");
+    EXPECT_EQ(watcher.line(), "0.000000 system.state 5 warning\n");
+    EXPECT_EQ(client.ask("step 2s"), "ok\n");
+    EXPECT_EQ(client.ask("set system.state error"), "ok\n");
+    EXPECT_EQ(watcher.line(), "2.000000 system.state 6 error\n");
+}
+
+TEST_F(ServerTest, AWatcherThatDoesNotReadHurtsNobody) {
+    Client watcher(path_);
+    EXPECT_EQ(watcher.ask("watch --json"), "ok\n");
+    Client client(path_);
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(client.ask("step 1s"), "ok\n");
+        EXPECT_EQ(client.ask(i % 2 == 0 ? "set system.state warning" : "set system.state error"), "ok\n");
+    }
+    watcher.vanish();
+    EXPECT_EQ(client.ask("clock"), "stepped\nok\n");
+}
+
+TEST_F(ServerTest, AWaitEndsWhenItsClientGoes) {
+    {
+        Client waiter(path_);
+        waiter.send("wait system.state == error\n");
+    }
+    Client half(path_);
+    half.send("wait system.state == warning\n");
+    half.end_input();
+    EXPECT_EQ(Client(path_).ask("set system.state warning"), "ok\n");
+    EXPECT_EQ(half.line(), "ok\n") << "who sends no more may still wait";
+    server_.stop();
+}
+
 TEST_F(ServerTest, ManyClientsAreServedSideBySide) {
     Client first(path_);
     Client second(path_);
