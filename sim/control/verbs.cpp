@@ -63,7 +63,8 @@ char const* const kStepDetails =
 char const* const kProgramsDetails = "A line has name and number, process, and how many objects it has open.";
 char const* const kJournalDetails =
     "One line for each call, callback, command and program that comes or goes, from\n"
-    "now on, until one side ends. --json: each line as a JSON object.";
+    "now on, until one side ends. --json: each line as a JSON object.\n"
+    "r47-sim has \"journal show\" and \"journal diff\" for journals in files.";
 
 constexpr double kSmallestFactor = 1e-3;
 constexpr double kLargestFactor = 1e3;  // a device that triggers and samples all the while keeps up

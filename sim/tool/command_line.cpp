@@ -28,6 +28,8 @@ constexpr char const* kUsage =
     "       r47-sim list                                  the devices that run, and their programs\n"
     "       r47-sim [OPTION...] CONTROL-COMMAND           gives a running device a command\n"
     "       r47-sim [OPTION...] -                         gives it the commands on standard input\n"
+    "       r47-sim journal show [OPTION...] FILE         prints the journal in a file\n"
+    "       r47-sim journal diff [OPTION...] FILE FILE    compares two of them\n"
     "       r47-sim help [COMMAND]                        this text, or what a command does\n";
 
 bool asks_for_help(std::string const& word) {
@@ -36,20 +38,18 @@ bool asks_for_help(std::string const& word) {
 
 class Formatter : public CLI::Formatter {
 public:
-    std::string make_usage(CLI::App const* app, std::string) const override {
-        std::string const usage = "usage: ";
-        if (app->get_name() == "run") {
-            return usage + "r47-sim run [OPTION...] -- COMMAND [ARG...]\n";
-        }
-        if (app->get_name() == "device") {
-            return usage + "r47-sim device [OPTION...]\n";
-        }
-        if (app->get_name() == "list") {
-            return usage + "r47-sim list\n";
-        }
-        return kUsage;
-    }
+    explicit Formatter(std::string usage) : usage_(std::move(usage)) {}
+
+    std::string make_usage(CLI::App const*, std::string) const override { return usage_; }
+
+private:
+    std::string const usage_;
 };
+
+void describe(CLI::App& app, std::string const& usage) {
+    app.formatter(std::make_shared<Formatter>(usage));
+    app.set_help_flag("-h,--help", "prints this help");
+}
 
 class Reader {
 public:
@@ -73,10 +73,13 @@ public:
         for (CLI::App* const task : {&run_, &device_}) {
             task->allow_extras();
         }
-        for (CLI::App* const app : {&app_, &run_, &device_, &list_}) {
-            app->formatter(std::make_shared<Formatter>());
-        }
-        app_.footer("Control commands:\n" + device_commands().help());
+        describe(app_, kUsage);
+        describe(run_, "usage: r47-sim run [OPTION...] -- COMMAND [ARG...]\n");
+        describe(device_, "usage: r47-sim device [OPTION...]\n");
+        describe(list_, "usage: r47-sim list\n");
+        std::string commands = "Control commands:\n" + device_commands().help();
+        commands.pop_back();  // the library ends it itself
+        app_.footer(commands);
     }
 
     CommandLine read() {
@@ -175,6 +178,9 @@ private:
         if (command.front().compare(0, 1, "-") == 0 && command.front() != "-") {
             return refuse(unknown(app_, command.front()));
         }
+        if (command.size() > 1 && command[0] == "journal" && (command[1] == "show" || command[1] == "diff")) {
+            return take_journal({command.begin() + 1, command.end()});
+        }
         if (command.front() == "help") {
             return help_of({command.begin() + 1, command.end()});
         }
@@ -191,6 +197,37 @@ private:
             }
         }
         line_.task = Task::control;
+        return line_;
+    }
+
+    // Of files: no device is asked.
+    CommandLine take_journal(Texts words) {
+        CLI::App app;
+        CLI::App& show = *app.add_subcommand("show", "prints the journal in a file, - for standard input");
+        describe(show, "usage: r47-sim journal show [OPTION...] FILE\n");
+        show.add_option("FILE", line_.journals, "lines of text or of JSON")->required()->expected(1);
+        show.add_option("--kind", line_.filter.kind,
+                        "lines of this kind alone: call, callback, command, program or lost")
+            ->type_name("KIND");
+        show.add_option("--program", line_.filter.program, "lines of this program alone")->type_name("NAME.NUMBER");
+        show.add_option("--text", line_.filter.text,
+                        "lines with this in their text, or that a pattern with * describes")
+            ->type_name("PATTERN");
+        show.add_flag("--failed", line_.filter.failed, "what failed alone");
+        CLI::App& diff =
+            *app.add_subcommand("diff", "prints what differs between two journals; their numbers do not count");
+        describe(diff, "usage: r47-sim journal diff [OPTION...] FILE FILE\n");
+        diff.add_option("FILE", line_.journals, "lines of text or of JSON")->required()->expected(2);
+        diff.add_flag("--times", line_.with_times, "times count, too");
+        std::reverse(words.begin(), words.end());
+        try {
+            app.parse(words);
+        } catch (CLI::CallForHelp const&) {
+            return say(app.help());
+        } catch (CLI::ParseError const& error) {
+            return refuse(error.what());
+        }
+        line_.task = show.parsed() ? Task::show_journal : Task::diff_journals;
         return line_;
     }
 

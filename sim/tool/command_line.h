@@ -5,19 +5,23 @@
 #include <vector>
 
 #include "sim/tool/control.h"
+#include "sim/tool/journal_files.h"
 #include "sim/tool/run.h"
 #include "sim/tool/running_device.h"
 
 namespace sim {
 
 struct CommandLine {
-    enum class Task { none, run, device, list, control };
+    enum class Task { none, run, device, list, control, show_journal, diff_journals };
 
     Task task = Task::none;
     int status = 0;  // of none: help was printed, or what is wrong
     RunOptions run;
     DeviceOptions device;
     ControlOptions control;
+    std::vector<std::string> journals;  // files
+    JournalFilter filter;
+    bool with_times = false;
 };
 
 // Prints help and version where they are asked for, and what it does not understand.

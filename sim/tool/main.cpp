@@ -27,6 +27,10 @@ int main(int argc, char* argv[]) {
             return sim::list_devices();
         case sim::CommandLine::Task::control:
             return sim::control(line.control);
+        case sim::CommandLine::Task::show_journal:
+            return sim::show_journal(line.journals.front(), line.filter);
+        case sim::CommandLine::Task::diff_journals:
+            return sim::diff_journals(line.journals.front(), line.journals.back(), line.with_times);
     }
     return line.status;
 }
