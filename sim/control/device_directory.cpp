@@ -185,7 +185,8 @@ std::vector<FoundDevice> find_devices() {
     return found;
 }
 
-Error find_device(std::string const& name, std::string& directory) {
+Error find_device(std::string const& name, std::string& directory,
+                  std::function<std::string(FoundDevice const& device)> const& describe) {
     char const* const around = std::getenv("R47_SIM_DEVICE");
     if (!name.empty()) {
         directory = directory_of_device(name);
@@ -207,11 +208,11 @@ Error find_device(std::string const& name, std::string& directory) {
         bool const roots = ::geteuid() != 0 && ::access("/tmp/r47-sim-0", F_OK) == 0;
         return roots ? "no device of this user is running; for one of root's, use sudo" : "no device is running";
     }
-    Error error = "several devices are running, choose one with --device:";
+    std::string list;
     for (FoundDevice const& device : devices) {
-        error += " " + device.name;
+        list += (list.empty() ? "" : ", ") + (describe ? describe(device) : device.name);
     }
-    return error;
+    return "several devices are running, choose one with --device: " + list;
 }
 
 }  // namespace sim

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,8 @@ struct FoundDevice {
 // The devices in the user's directory that run. Looks only, and changes nothing.
 std::vector<FoundDevice> find_devices();
 // The device of the name; where it is empty, the one around this program (R47_SIM_DEVICE), or the only one there is.
-Error find_device(std::string const& name, std::string& directory);
+// Where there are several, the error lists them as `describe` does; without it, by their names.
+Error find_device(std::string const& name, std::string& directory,
+                  std::function<std::string(FoundDevice const& device)> const& describe = {});
 
 }  // namespace sim

@@ -84,12 +84,6 @@ private:
     std::optional<SteadyTime> end_;
 };
 
-// No reply any more.
-int no_reply(ControlConnection const& connection) {
-    return connection.timed_out() ? sim::fail(kTimedOut, "the device did not answer in time")
-                                  : fail("the device ended");
-}
-
 using LinePrinter = std::function<void(std::string const& line)>;
 
 void print_line(std::string const& line) {
@@ -97,34 +91,46 @@ void print_line(std::string const& line) {
     std::fflush(stdout);
 }
 
+// A command, and where it comes from as errors name it: "line 3: ", or nothing.
+struct Given {
+    std::string command;
+    std::string where{};
+};
+
+// No reply any more.
+int no_reply(ControlConnection const& connection, Given const& given) {
+    return connection.timed_out() ? sim::fail(kTimedOut, given.where + "the device did not answer in time")
+                                  : fail(given.where + "the device ended");
+}
+
 // Prints the reply to one command.
-int print_reply(ControlConnection& connection, LinePrinter const& print = print_line) {
+int print_reply(ControlConnection& connection, Given const& given, LinePrinter const& print) {
     for (std::string line; connection.read_line(line);) {
         if (line == "ok") {
             return 0;
         }
         if (line.compare(0, kErrorMark.size(), kErrorMark) == 0) {
-            return fail(printable(line.substr(kErrorMark.size())));
+            return fail(given.where + printable(line.substr(kErrorMark.size())));
         }
         print(line);
     }
-    return no_reply(connection);
+    return no_reply(connection, given);
 }
 
-int give(ControlConnection& connection, std::string const& command, LinePrinter const& print = print_line) {
+int give(ControlConnection& connection, Given const& given, LinePrinter const& print = print_line) {
     // Nothing is asked of the device by an empty line, and a line end inside a word would be two commands.
-    if (command.find('\n') != std::string::npos) {
-        return fail("a command is one line");
+    if (given.command.find('\n') != std::string::npos) {
+        return fail(given.where + "a command is one line");
     }
-    connection.send(command + "\n");  // where it is refused already, the reply says why
-    return print_reply(connection, print);
+    connection.send(given.command + "\n");  // where it is refused already, the reply says why
+    return print_reply(connection, given, print);
 }
 
 // The device's state as a table that suits this terminal.
 int show_on_terminal(ControlConnection& connection, Words words) {
     words.insert(words.begin() + 1, "--json");
     std::string json;
-    int const status = give(connection, join_words(words), [&](std::string const& line) { json += line + "\n"; });
+    int const status = give(connection, {join_words(words)}, [&](std::string const& line) { json += line + "\n"; });
     if (status == 0) {
         std::fputs(property_table(json, {terminal_width(), terminal_has_colours()}).c_str(), stdout);
     }
@@ -134,11 +140,12 @@ int show_on_terminal(ControlConnection& connection, Words words) {
 // Each command has the time; one that is not answered in it is the last.
 int give_standard_input(ControlConnection& connection, std::optional<Duration> timeout) {
     int status = 0;
+    int number = 0;
     for (std::string line; status != kTimedOut && std::getline(std::cin, line);) {
         if (timeout) {
             connection.limit(*timeout);
         }
-        int const given = give(connection, line);
+        int const given = give(connection, {line, "line " + std::to_string(++number) + ": "});
         status = given == 0 ? status : given;
         std::fflush(stdout);
     }
@@ -154,6 +161,20 @@ void print_stream(ControlConnection& connection) {
     }
 }
 
+// "bench (r47-console.1)"; the name alone where it has no programs, or does not answer.
+std::string with_programs(FoundDevice const& device) {
+    std::string programs;
+    if (Descriptor socket = connect_to(control_socket(device.directory))) {
+        ControlConnection connection(std::move(socket));
+        connection.limit(kListPatience);
+        connection.send("programs\n");
+        for (std::string line; connection.read_line(line) && line != "ok";) {
+            programs += (programs.empty() ? "" : ", ") + printable(line.substr(0, line.find(' ')));
+        }
+    }
+    return printable(device.name) + (programs.empty() ? "" : " (" + programs + ")");
+}
+
 bool is_table(Words const& words) {
     return words.front() == "show" && (words.size() == 1 || words[1].compare(0, 2, "--") != 0);
 }
@@ -162,7 +183,7 @@ bool is_table(Words const& words) {
 
 int control(ControlOptions const& options) {
     std::string directory;
-    Error const error = find_device(options.device, directory);
+    Error const error = find_device(options.device, directory, with_programs);
     if (!error.empty()) {
         return fail(error);
     }
@@ -180,7 +201,7 @@ int control(ControlOptions const& options) {
     if (is_table(options.command) && ::isatty(STDOUT_FILENO) != 0) {
         return show_on_terminal(connection, options.command);
     }
-    int const status = give(connection, join_words(options.command));
+    int const status = give(connection, {join_words(options.command)});
     if (status == 0 && (options.command.front() == "journal" || options.command.front() == "watch")) {
         print_stream(connection);
     }
@@ -196,7 +217,7 @@ int list_devices() {
         if (socket) {
             ControlConnection connection(std::move(socket));
             connection.limit(kListPatience);
-            give(connection, "programs");
+            give(connection, {"programs"});
         }
     }
     return 0;

@@ -3,11 +3,16 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <system_error>
 
 #include "sim/tool/execute.h"
 #include "sim/tool/exit_status.h"
@@ -18,14 +23,35 @@ namespace sim {
 
 namespace {
 
+// The program that a script names in its first line; empty for what is none.
+std::string interpreter_of(std::string const& path) {
+    std::ifstream file(path);
+    std::string line;
+    if (file.get() != '#' || file.get() != '!' || !std::getline(file, line)) {
+        return {};
+    }
+    std::istringstream words(line);
+    std::string interpreter;
+    words >> interpreter;
+    return interpreter;
+}
+
 // Whether there is such a command, as a shell would say it.
 int check_command(std::string const& command) {
     std::string const path = program_path(command);
-    if (::access(path.c_str(), X_OK) == 0) {
-        return 0;
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || ::access(path.c_str(), X_OK) != 0) {
+        return errno == ENOENT ? fail(kNotFound, command + ": no such command")
+                               : fail(kNotExecutable, command + ": " + std::strerror(errno));
     }
-    return errno == ENOENT ? fail(kNotFound, command + ": no such command")
-                           : fail(kNotExecutable, command + ": " + std::strerror(errno));
+    if (!S_ISREG(status.st_mode)) {
+        return fail(kNotExecutable, command + ": no program");
+    }
+    std::string const interpreter = interpreter_of(path);
+    if (!interpreter.empty() && ::access(interpreter.c_str(), X_OK) != 0) {
+        return fail(kNotExecutable, command + ": its interpreter " + interpreter + ": " + std::strerror(errno));
+    }
+    return 0;
 }
 
 pid_t child = -1;
@@ -134,6 +160,11 @@ int run_command(RunOptions options) {
     Error error = options.device.empty() ? check(options.own) : Error();
     if (!error.empty()) {
         return fail(kNotUnderstood, error);
+    }
+    std::error_code no_directory;
+    static_cast<void>(std::filesystem::current_path(no_directory));
+    if (no_directory) {
+        return fail(kFailed, "the working directory: " + no_directory.message());
     }
     int const missing = check_command(options.sandbox.command.front());
     if (missing != 0) {

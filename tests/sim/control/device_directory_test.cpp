@@ -225,7 +225,7 @@ TEST_F(DeviceDirectoryTest, ADeviceIsChosen) {
     EXPECT_EQ(directory, devices_ + "/first");
     DeviceDirectory second;
     ASSERT_EQ(second.make("second"), "");
-    EXPECT_EQ(sim::find_device("", directory), "several devices are running, choose one with --device: first second");
+    EXPECT_EQ(sim::find_device("", directory), "several devices are running, choose one with --device: first, second");
     EXPECT_EQ(sim::find_device("second", directory), "");
     EXPECT_EQ(directory, devices_ + "/second");
     ::setenv("R47_SIM_DEVICE", first.path().c_str(), 1);

@@ -367,10 +367,43 @@ TEST_F(RunTest, OneOfSeveralDevicesMustBeChosen) {
     auto const second = start_device("--name other");
     Result const result = control("show");
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.output, "r47-sim: several devices are running, choose one with --device: bench other\n");
+    EXPECT_EQ(result.output, "r47-sim: several devices are running, choose one with --device: bench, other\n");
+    Process program(sim_ + " run --device bench -- " + probe_ + " wait");
+    EXPECT_EQ(program.line(), "ready");
+    EXPECT_EQ(control("show").output,
+              "r47-sim: several devices are running, choose one with --device: bench (sim_probe.1), other\n");
     EXPECT_EQ(control("--device bench set system.state 4").status, 0);
     EXPECT_NE(control("--device bench show --json system.state").output.find("{\"value\":4,"), std::string::npos);
     EXPECT_NE(control("--device other show --json system.state").output.find("{\"value\":1,"), std::string::npos);
+}
+
+TEST_F(RunTest, ATerminalGetsATableOfItsWidthInColours) {
+    auto const device = start_device("--clock stepped");
+    auto const on_terminal = [&](std::string const& environment) {
+        std::string const command = "stty cols 30; " + sim_ + " show system.alive";
+        return shell(environment + " script -qc '" + command + "' /dev/null </dev/null").output;
+    };
+    EXPECT_EQ(on_terminal("NO_COLOR= TERM=xterm"),
+              "\x1B[36msystem.alive\x1B[0m\x1B[1m  false\x1B[0m  \x1B[2m  boolean\x1B[0m\r\n");
+    EXPECT_EQ(on_terminal("NO_COLOR= TERM=dumb"), "system.alive  false    boolean\r\n");
+    EXPECT_EQ(on_terminal("NO_COLOR=1 TERM=xterm"), "system.alive  false    boolean\r\n");
+}
+
+TEST_F(RunTest, CommandsOnStandardInputAreNamedByTheirLines) {
+    auto const device = start_device("--clock stepped");
+    Result const result = shell("printf 'clock\\n\\nset system.alive on\\n# note\\nnonsense\\n' | " + sim_ + " -");
+    EXPECT_EQ(result.output,
+              "stepped\nr47-sim: line 3: system.alive is read only\n"
+              "r47-sim: line 5: unknown command \"nonsense\": try help\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST_F(RunTest, AWorkingDirectoryThatIsGoneIsToldOf) {
+    std::string const gone = directory_.path() + "/gone";
+    Result const result =
+        shell("mkdir " + gone + " && cd " + gone + " && rmdir " + gone + " && " + sim_ + " run -- true");
+    EXPECT_EQ(result.output, "r47-sim: the working directory: No such file or directory\n");
+    EXPECT_EQ(result.status, 125);
 }
 
 TEST_F(RunTest, ADirectoryHasOneDevice) {
@@ -563,6 +596,9 @@ TEST_F(RunTest, EveryCommandAnswersWhileAProgramHangsInACallback) {
                                       "programs",
                                       "power cycle",
                                       "clock",
+                                      "operations get_exposure",
+                                      "wait camera.fitted == imx567",
+                                      "expect camera.fitted == imx567",
                                       "clock scaled 10",
                                       "clock stepped"}) {
         Result const result = control("--timeout 60s " + command);
@@ -571,7 +607,9 @@ TEST_F(RunTest, EveryCommandAnswersWhileAProgramHangsInACallback) {
     }
     auto const follower = connect(devices_ + "/bench/control", 1);
     EXPECT_EQ(ask(follower.front(), "journal follow"), "ok");
-    tried.insert({"journal", "step"});
+    auto const watcher = connect(devices_ + "/bench/control", 1);
+    EXPECT_EQ(ask(watcher.front(), "watch system"), "ok");
+    tried.insert({"journal", "step", "watch"});
     EXPECT_EQ(tried, all_verbs(control("help").output));
     EXPECT_EQ(run("--device bench", probe_ + " exposure").output, "exposure 0: 10000\n");
     std::string const record = line_from(follower.front());
@@ -687,11 +725,12 @@ TEST_F(RunTest, NobodyAtTheSocketIsToldOf) {
 TEST_F(RunTest, ADeviceThatDoesNotAnswerIsGivenUp) {
     auto const device = start_device("--name bench");
     device->signal(SIGSTOP);
-    for (std::string const& command : {sim_ + " --timeout 100ms show", "echo show | " + sim_ + " --timeout 100ms -"}) {
-        Result const result = shell(command);
-        EXPECT_EQ(result.output, "r47-sim: the device did not answer in time\n");
-        EXPECT_EQ(result.status, 124);
-    }
+    Result const one = control("--timeout 100ms show");
+    EXPECT_EQ(one.output, "r47-sim: the device did not answer in time\n");
+    EXPECT_EQ(one.status, 124);
+    Result const lines = shell("printf 'show\nshow\n' | " + sim_ + " --timeout 100ms -");
+    EXPECT_EQ(lines.output, "r47-sim: line 1: the device did not answer in time\n");
+    EXPECT_EQ(lines.status, 124);
     device->signal(SIGCONT);
     EXPECT_EQ(control("--timeout 60s clock").output, "real\n");
 }

@@ -157,6 +157,18 @@ TEST_P(EverySandboxTest, ACommandThatCannotBeExecutedIsToldOf) {
     EXPECT_EQ(result.status, 126);
 }
 
+TEST_P(EverySandboxTest, WhatIsNoProgramIsToldOf) {
+    Result result = run("", directory_.path());
+    EXPECT_EQ(result.output, "r47-sim: " + directory_.path() + ": no program\n");
+    EXPECT_EQ(result.status, 126);
+    std::string const file = directory_.path() + "/script";
+    std::ofstream(file) << "#! /no/such/shell -x\n";
+    std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+    result = run("", file);
+    EXPECT_EQ(result.output, "r47-sim: " + file + ": its interpreter /no/such/shell: No such file or directory\n");
+    EXPECT_EQ(result.status, 126);
+}
+
 TEST_P(EverySandboxTest, WhatNobodyMayReadIsNotRead) {
     if (by_proot() && ::geteuid() != 0) {
         GTEST_SKIP() << "proot gives a user all his own files";
