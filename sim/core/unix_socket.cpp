@@ -1,6 +1,7 @@
 // Unix stream sockets by their path.
 #include "sim/core/unix_socket.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -10,6 +11,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace sim {
 
@@ -71,11 +73,16 @@ Descriptor listen_on(std::string const& path, Error& error) {
 }
 
 Descriptor accept_from(Descriptor const& listener) {
+    Descriptor place = out_of_the_way(::fcntl(listener.get(), F_DUPFD_CLOEXEC, 0));
+    if (!place) {
+        return {};  // a connection that is accepted now would find none, and be lost
+    }
     int connection;
     do {
         connection = ::accept4(listener.get(), nullptr, nullptr, SOCK_CLOEXEC);
     } while (connection < 0 && (errno == EINTR || errno == ECONNABORTED));
-    return out_of_the_way(connection);
+    Descriptor const accepted(connection);
+    return accepted && ::dup3(accepted.get(), place.get(), O_CLOEXEC) >= 0 ? std::move(place) : Descriptor();
 }
 
 bool is_shortage(int error) {

@@ -18,7 +18,7 @@ Descriptor connect_to(std::string const& path);
 // can be connected to, and takes the place of a file that is there.
 Descriptor listen_on(std::string const& path, Error& error);
 
-// The next connection; empty with errno otherwise. Blocks.
+// The next connection; empty with errno otherwise: where there is no descriptor for it, it goes on waiting. Blocks.
 Descriptor accept_from(Descriptor const& listener);
 
 // Whether the host has no descriptor or memory left, which passes: errno of accept_from().

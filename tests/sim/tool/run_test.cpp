@@ -746,6 +746,15 @@ TEST_F(RunTest, ADeviceThatHasNoDescriptorLeftServesAgainWhenItHas) {
     EXPECT_EQ(control("clock").output, "real\n");
 }
 
+TEST_F(RunTest, AConnectionForWhichThereIsNoDescriptorWaitsUntilThereIs) {
+    Process device("sh -c 'ulimit -n 40; exec " + sim_ + " device --name bench'");
+    EXPECT_EQ(device.line().substr(0, 8), "device /");
+    for (sim::Descriptor& connection : connect(devices_ + "/bench/control", 60)) {
+        EXPECT_EQ(ask(connection, "clock"), "real");
+        connection = sim::Descriptor();
+    }
+}
+
 TEST_F(RunTest, ADeviceThatHasNoThreadLeftSaysSoAndGoesOn) {
 #ifdef R47_UNTRACEABLE
     GTEST_SKIP() << "a sanitizer and an emulator need more memory than the limit leaves";
