@@ -25,8 +25,12 @@ public:
 
     // These block, and answer false when the other end has gone or, for receive(), sent what is no message.
     bool send(std::string const& message);
+    // Gives the other end a copy of `file`, if there is one.
+    bool send(std::string const& message, Descriptor const& file);
     // `message` stays valid until the next receive().
     bool receive(std::string_view& message);
+    // `file` is what came with it, if something did.
+    bool receive(std::string_view& message, Descriptor& file);
     // Does not block: where the other end leaves too much unread, the connection ends.
     void send_at_once(std::string const& message);
     // Ends whatever waits at either end.
@@ -35,6 +39,8 @@ public:
     int descriptor() const { return socket_; }
 
 private:
+    bool receive(std::string_view& message, Descriptor* file);
+
     Descriptor const own_;
     int const socket_;
     std::string input_;

@@ -11,7 +11,8 @@
 //                                                                                    whose result is a CallbackTurn
 //
 // In a lane the device sends an Event only when the one before is Done. What a callback calls goes over its lane, so
-// that the device sees what happens in one thread in its order.
+// that the device sees what happens in one thread in its order. With the Welcome of the lane of the hub comes a file,
+// the memory of an EventProgress: where that tells the end of an event, the Done is not sent.
 #pragma once
 
 #include <cstdint>

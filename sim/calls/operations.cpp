@@ -13,7 +13,7 @@ namespace sim {
 namespace {
 
 // Raised when the messages themselves change.
-constexpr std::uint64_t kProtocol = 2;
+constexpr std::uint64_t kProtocol = 3;
 
 constexpr std::uint64_t kHashStart = 14695981039346656037U;  // FNV-1a
 constexpr std::uint64_t kHashFactor = 1099511628211U;

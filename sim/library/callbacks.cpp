@@ -7,6 +7,7 @@
 #include <mutex>
 #include <thread>
 
+#include "sim/calls/event_progress.h"
 #include "sim/core/thread.h"
 #include "sim/library/device_link.h"
 
@@ -16,6 +17,7 @@ namespace {
 
 struct LaneThread {
     std::unique_ptr<Connection> connection;
+    EventProgress progress;
     std::thread thread;
     unsigned int running = 0;  // the object whose event is being taken; 0: none
 };
@@ -32,8 +34,10 @@ public:
         std::lock_guard<std::mutex> const lock(mutex_);
         LaneThread& own = of(lane);
         if (!own.connection) {
-            own.connection = DeviceLink::instance().open(lane);
+            Descriptor file;
+            own.connection = DeviceLink::instance().open(lane, file);
             if (own.connection) {
+                own.progress = EventProgress(file);
                 own.thread = start_thread_without_signals(lane == Lane::hub ? "r47-hub" : "r47-button",
                                                           [this, &own] { run(own); });
             }
@@ -102,7 +106,7 @@ private:
                 taker->take(event, turn);
             }
             finish(own);
-            if (!own.connection->send(message_of(MessageKind::done, turn.done))) {
+            if (own.progress.end() && !own.connection->send(message_of(MessageKind::done, turn.done))) {
                 return;
             }
         }

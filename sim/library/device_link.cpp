@@ -19,11 +19,11 @@ thread_local Connection* own_lane = nullptr;
 thread_local unsigned int own_number = 0;
 
 // Says hello, and answers why the device does not welcome it.
-Error introduce(Connection& connection, Lane lane, std::uint64_t& program) {
+Error introduce(Connection& connection, Lane lane, std::uint64_t& program, Descriptor& file) {
     Hello const hello{table_version(), lane, program, ::program_invocation_short_name};
     std::string_view message;
     connection.send(message_of(MessageKind::hello, hello));  // where it is refused already, that says why
-    if (!connection.receive(message)) {
+    if (!connection.receive(message, file)) {
         return "the device has gone";
     }
     Decoder bytes(message);
@@ -47,7 +47,7 @@ DeviceLink& DeviceLink::instance() {
     return link;
 }
 
-std::unique_ptr<Connection> DeviceLink::open(Lane lane) {
+std::unique_ptr<Connection> DeviceLink::open(Lane lane, Descriptor& file) {
     std::lock_guard<std::mutex> const lock(mutex_);
     if (given_up_) {
         return nullptr;
@@ -64,7 +64,7 @@ std::unique_ptr<Connection> DeviceLink::open(Lane lane) {
         return nullptr;
     }
     auto connection = std::make_unique<Connection>(std::move(socket));
-    Error const error = introduce(*connection, lane, program_);
+    Error const error = introduce(*connection, lane, program_, file);
     if (!error.empty()) {
         give_up(path + ": " + error);
         return nullptr;
@@ -81,7 +81,8 @@ std::unique_ptr<Connection> DeviceLink::take() {
             return connection;
         }
     }
-    return open(Lane::none);
+    Descriptor none;
+    return open(Lane::none, none);
 }
 
 void DeviceLink::give_back(std::unique_ptr<Connection> connection) {

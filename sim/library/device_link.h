@@ -18,8 +18,8 @@ public:
     // Of this process. Never destroyed: the program may call the library until its very end.
     static DeviceLink& instance();
 
-    // A connection for the callbacks of a lane; null without a device.
-    std::unique_ptr<Connection> open(Lane lane);
+    // A connection for the callbacks of a lane, and the file that came with its Welcome; null without a device.
+    std::unique_ptr<Connection> open(Lane lane, Descriptor& file);
     // A connection that nobody else uses until it is given back; null without a device.
     std::unique_ptr<Connection> take();
     void give_back(std::unique_ptr<Connection> connection);

@@ -7,8 +7,9 @@
 
 namespace sim {
 
-void EventLane::attach(Connection* connection) {
+void EventLane::attach(Connection* connection, EventProgress progress) {
     connection_ = connection;
+    progress_ = std::move(progress);
     running_.reset();
     repeats_ = false;
     passing_time_ = false;
@@ -44,20 +45,33 @@ void EventLane::drop(ServedObject const& object) {
 }
 
 void EventLane::done(Done const& done) {
-    if (!running_) {
-        return;
+    if (running_) {
+        finish(done);
+        pump();
     }
+}
+
+void EventLane::look() {
+    if (running_ && progress_.is_over()) {
+        finish({});
+    }
+}
+
+void EventLane::finish(Done const& done) {
     Occurrence const finished = *running_;
     running_.reset();
     repeats_ = false;
     if (finished.object != nullptr) {
         finished.object->told(finished, done);
     }
-    pump();
 }
 
 void EventLane::pump() {
-    while (attached() && !running_ && !queue_.empty() && !closed_) {
+    while (attached() && !queue_.empty() && !closed_) {
+        look();
+        if (running_) {
+            return;
+        }
         Occurrence const occurrence = queue_.front();
         queue_.pop_front();
         Event event{
@@ -68,6 +82,7 @@ void EventLane::pump() {
         running_ = occurrence;
         running_->kind = event.kind;
         running_->index = event.index;
+        progress_.begin();
         // Where the program has gone, its connection's own thread notices.
         connection_->send_at_once(message_of(MessageKind::event, event));
     }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "sim/calls/connection.h"
+#include "sim/calls/event_progress.h"
 #include "sim/models/sensor_hub.h"
 
 namespace sim {
@@ -27,7 +28,7 @@ struct Occurrence {
 class EventLane {
 public:
     // The program's thread is there, or has gone (null).
-    void attach(Connection* connection);
+    void attach(Connection* connection, EventProgress progress = {});
     bool attached() const { return connection_ != nullptr; }
     // Where nobody is there to be told, an occurrence is over. Beyond kLongestQueue it is dropped; false then.
     bool post(Occurrence const& occurrence);
@@ -39,12 +40,18 @@ public:
     // The program's thread says that it is ready for more.
     void done(Done const& done);
 
-    // What the program's thread has been told of and is not done with.
+    // Looks whether the program's thread is done with what it has been told of. Where it is not, done() will be called:
+    // so whoever looks is let know.
+    void look();
+    // What the program's thread has been told of and, when last looked, was not done with.
     std::optional<Occurrence> const& running() const { return running_; }
     bool runs(ServedObject const& object) const { return running_ && running_->object == &object; }
     // Null where there is none, and where the object has gone meanwhile.
     ServedObject* running_object() const { return running_ ? running_->object : nullptr; }
-    bool at_rest() const { return (!running_ && queue_.empty()) || passing_time_; }
+    bool at_rest() {
+        look();
+        return (!running_ && queue_.empty()) || passing_time_;
+    }
     // That the callback which runs is made once more; whether it was to be, which is then forgotten.
     void repeat() { repeats_ = true; }
     bool take_repeat() { return std::exchange(repeats_, false); }
@@ -60,8 +67,10 @@ private:
     static constexpr std::size_t kLongestQueue = 4096;
 
     void pump();
+    void finish(Done const& done);
 
     Connection* connection_ = nullptr;
+    EventProgress progress_;
     std::deque<Occurrence> queue_;
     std::optional<Occurrence> running_;
     bool passing_time_ = false;

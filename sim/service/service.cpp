@@ -100,8 +100,8 @@ std::vector<std::string> Service::waited_for() {
     auto const access = device_.access();
     std::vector<std::string> lines;
     for (auto const& program : programs_) {
-        for (EventLane const* const lane : {&program->hub_lane, &program->button_lane}) {
-            if (lane->running() && !lane->at_rest()) {
+        for (EventLane* const lane : {&program->hub_lane, &program->button_lane}) {
+            if (!lane->at_rest() && lane->running()) {
                 lines.push_back(program->name() + ", pid " + std::to_string(program->pid()) + ", is in " +
                                 callback_of(*lane->running()));
             }
@@ -172,7 +172,10 @@ bool Service::take(Serving& serving, std::string_view message) {
             }
             auto access = device_.access();
             lane->close();
-            access.wait_until([&] { return lane == serving.lane || !lane->running(); });
+            access.wait_until([&] {
+                lane->look();
+                return lane == serving.lane || !lane->running();
+            });
             return serving.connection.send(message_of(MessageKind::reply, CallReply{}));
         }
         case MessageKind::begin: {
@@ -230,11 +233,13 @@ Error Service::welcome(Serving& serving, Decoder& bytes) {
     if (EventLane* const lane = serving.program->lane(hello.lane)) {
         serving.lane = lane;
     }
-    if (!serving.connection.send(message_of(MessageKind::welcome, Welcome{serving.program->key()}))) {
+    Descriptor file;
+    EventProgress progress = hello.lane == Lane::hub ? EventProgress::make(file) : EventProgress();
+    if (!serving.connection.send(message_of(MessageKind::welcome, Welcome{serving.program->key()}), file)) {
         return {};  // it has gone; its end comes next
     }
     if (serving.lane != nullptr) {
-        serving.lane->attach(&serving.connection);
+        serving.lane->attach(&serving.connection, std::move(progress));
     }
     return {};
 }

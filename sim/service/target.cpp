@@ -37,6 +37,7 @@ void CallContext::silence_all(GyroObject& gyro) {
 void CallContext::wait_for(EventLane& callbacks, std::function<bool(ServedObject const&)> const& is_concerned) {
     if (&callbacks != lane_) {
         device.wait_until([&] {
+            callbacks.look();
             auto const& running = callbacks.running();
             return !running || running->object == nullptr || !is_concerned(*running->object);
         });

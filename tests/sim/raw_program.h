@@ -18,7 +18,7 @@ public:
                             std::uint64_t version = sim::table_version(), std::string const& name = "raw") {
         send(message_of(sim::MessageKind::hello, sim::Hello{version, lane, program, name}));
         std::string_view message;
-        if (!connection_.receive(message)) {
+        if (!connection_.receive(message, file)) {
             return 0;
         }
         sim::Decoder bytes(message);
@@ -86,7 +86,8 @@ public:
     }
 
     std::string refusal;
-    int error = 0;  // of the last call
+    sim::Descriptor file;  // that came with the Welcome
+    int error = 0;         // of the last call
 
 private:
     sim::Connection connection_;

@@ -2,7 +2,9 @@
 #include "sim/calls/connection.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <optional>
 #include <thread>
@@ -64,6 +66,29 @@ TEST_F(ConnectionTest, WhatOneEndSendsTheOtherReceives) {
     EXPECT_EQ(receive(), "small");
     EXPECT_EQ(receive(), large);
     sender.join();
+}
+
+TEST_F(ConnectionTest, AFileComesWithItsMessage) {
+    Connection far(far_.get());
+    Descriptor const sent(::memfd_create("sent", MFD_CLOEXEC));
+    ASSERT_EQ(::ftruncate(sent.get(), 7), 0);
+    std::string_view message;
+    Descriptor file;
+    EXPECT_TRUE(far.send("first", Descriptor()));
+    EXPECT_TRUE(near_->receive(message, file));
+    EXPECT_EQ(message, "first");
+    EXPECT_FALSE(file);
+    EXPECT_TRUE(far.send("second", sent));
+    EXPECT_TRUE(near_->receive(message, file));
+    EXPECT_EQ(message, "second");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(::lseek(file.get(), 0, SEEK_END), 7);
+}
+
+TEST_F(ConnectionTest, AMessageComesWithoutItsFileWhereThatIsNotWanted) {
+    Connection far(far_.get());
+    EXPECT_TRUE(far.send("hello", Descriptor(::memfd_create("sent", MFD_CLOEXEC))));
+    EXPECT_EQ(receive(), "hello");
 }
 
 TEST_F(ConnectionTest, AMessageThatIsCutIsNone) {

@@ -339,6 +339,7 @@ protected:
         explicit Listener(std::string const& path, std::string const& name = "raw") : calls(path), lane(path) {
             key = calls.say_hello(Lane::none, 0, sim::table_version(), name);
             lane.say_hello(Lane::hub, key);
+            progress = sim::EventProgress(lane.file);
             gyro = static_cast<unsigned int>(
                 calls.call<gyro_t::constructor>(0, Text("/dev/i2c-2"), 2, Text(), Text("/irq"), std::uint16_t{200}));
             delegate = add();
@@ -349,13 +350,29 @@ protected:
                 calls.call<gyro_delegate_t::constructor>(0, sim::ObjectNumber{gyro}, 37, sim::FunctionGiven{true}));
         }
         void done() { lane.send(message_of(MessageKind::done, sim::Done{})); }
+        // As the library does it: the Done only where the device waits for it.
+        bool end() {
+            bool const is_told = progress.end();
+            if (is_told) {
+                done();
+            }
+            return is_told;
+        }
 
         RawProgram calls;
         RawProgram lane;
+        sim::EventProgress progress;
         std::uint64_t key = 0;
         unsigned int gyro = 0;
         unsigned int delegate = 0;
     };
+
+    // From now on the clock makes nobody look at the lane, and nothing comes that has not come yet.
+    void end_samples() {
+        device_.timeline.run_real();
+        auto const device = device_.access();
+        device->hub.activate(37, 0, 0, device.now());
+    }
 
     std::future<void> start_step(sim::Duration length) {
         return std::async(std::launch::async, [this, length] { device_.timeline.step(length); });
@@ -372,6 +389,29 @@ TEST_F(LaneTest, AnEventComesWhenTheOneBeforeIsDone) {
     EXPECT_EQ(listener.lane.next_event().object, second);
     listener.done();
     step.get();
+}
+
+TEST_F(LaneTest, ASampleNeedsNoDoneWhereNobodyWaitsForItsEnd) {
+    Listener listener(path());
+    device_.timeline.run_real();
+    do {
+        EXPECT_EQ(listener.lane.next_event().object, listener.delegate);
+    } while (listener.end());
+    EXPECT_EQ(listener.lane.next_event().object, listener.delegate);
+}
+
+TEST_F(LaneTest, WhatWaitsInALaneFollowsWithoutAnotherSample) {
+    Listener listener(path());
+    auto const second = listener.add();
+    auto const third = listener.add();
+    device_.timeline.run_real();
+    EXPECT_EQ(listener.lane.next_event().object, listener.delegate);
+    end_samples();
+    for (unsigned int const next : {second, third}) {
+        listener.end();
+        EXPECT_EQ(listener.lane.next_event().object, next);
+    }
+    listener.end();
 }
 
 TEST_F(LaneTest, ACallbackIsAnnouncedWhereAJournalOrAFaultRuleWantsIt) {
@@ -531,6 +571,42 @@ TEST_F(LaneTest, AQuietWaitsForTheCallbackThatRuns) {
     listener.done();
     EXPECT_TRUE(quiet.get());
     step.get();
+}
+
+TEST_F(LaneTest, WhoeverWaitsForACallbackIsToldOfItsEnd) {
+    for (bool const quiet : {false, true}) {
+        Listener listener(path());
+        device_.timeline.run_real();
+        {
+            auto const device = device_.access();
+            device->hub.activate(37, 10, 1, device.now());
+        }
+        EXPECT_EQ(listener.lane.next_event().object, listener.delegate);
+        end_samples();
+        listener.calls.send(quiet ? message_of(MessageKind::quiet, sim::Quiet{Lane::hub})
+                                  : RawProgram::call_of<gyro_delegate_t::destructor>(listener.delegate));
+        auto answered = std::async(std::launch::async, [&] { EXPECT_EQ(listener.calls.result(), 0); });
+        EXPECT_EQ(answered.wait_for(20ms), std::future_status::timeout);
+        listener.end();
+        answered.get();
+    }
+}
+
+// What a program writes there is no more than it could say.
+TEST_F(LaneTest, AnEndThatIsNoneHurtsNobody) {
+    Listener listener(path());
+    auto step = start_step(1s);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(listener.lane.next_event().object, listener.delegate);
+        listener.progress.begin();
+        listener.progress.end();
+        listener.lane.send(message_of(MessageKind::begin));
+        EXPECT_EQ(listener.lane.result(), static_cast<std::int64_t>(sim::CallbackTurn::call));
+        listener.done();
+    }
+    listener.lane.shut_down();
+    step.get();
+    expect_service();
 }
 
 TEST_F(LaneTest, AStopEndsWhateverWaits) {
