@@ -68,7 +68,7 @@ struct CallReply {
 enum class CallbackTurn : std::int64_t { skip, call, call_and_begin_again };
 
 enum class EventKind : std::uint8_t {
-    sample_for_records,   // sample
+    sample_for_records,   // sample; index: the first record that it is for
     sample_for_delegate,  // sample
     position_reached,
     position_left,
@@ -102,7 +102,8 @@ struct ButtonRecords {
 };
 
 struct Done {
-    ButtonRecords records;  // the answer to contact_moved
+    ButtonRecords records;     // the answer to contact_moved
+    std::uint8_t next_record;  // of sample_for_records: which it still is for; 0: none
 };
 
 // The fields of the messages, in order, for the codec.
@@ -125,7 +126,7 @@ SIM_FIELDS(SampleData, r.sensor_id, r.kind, r.quaternion);
 SIM_FIELDS(Event, r.kind, r.object, r.index, r.sample, r.announce);
 SIM_FIELDS(ButtonRecord, r.hold_time_ms, r.has_action);
 SIM_FIELDS(ButtonRecords, r.press, r.release);
-SIM_FIELDS(Done, r.records);
+SIM_FIELDS(Done, r.records, r.next_record);
 #undef SIM_FIELDS
 
 }  // namespace sim

@@ -106,7 +106,8 @@ private:
                 taker->take(event, turn);
             }
             finish(own);
-            if (own.progress.end() && !own.connection->send(message_of(MessageKind::done, turn.done))) {
+            bool const is_told = turn.done.next_record != 0 || own.progress.end();
+            if (is_told && !own.connection->send(message_of(MessageKind::done, turn.done))) {
                 return;
             }
         }

@@ -17,6 +17,8 @@ public:
     // wants that, each call is announced before: the device has it in its journal then. `function` must not need its
     // object, which it may destroy.
     void call(std::function<void()> const& function);
+    // Whether call() announces.
+    bool announced() const { return announced_; }
 
     Done done{};  // what the device is answered
 

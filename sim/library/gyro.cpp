@@ -19,11 +19,23 @@ constexpr std::size_t kLongestImage = 1 << 20;  // bytes
 struct GyroImpl : BaseAccess::Impl, EventTaker {
     GyroImpl(hal::gyro_t const& owner, char const* firmware_path) : gyro(owner), firmware(to_argument(firmware_path)) {}
 
-    // Serves one callback record: its sensor and function are looked up for each sample.
+    // Serves the callback records from the event's on, up to the first that calls its function; where calls are
+    // announced, that record alone. Sensors and functions are looked up for each sample. Whether the others are still
+    // to be served then, the device knows: it sends an event for those.
     void take(Event const& event, EventTurn& turn) override {
-        auto const [sensor_id, function] = gyro.callback_records[event.index];
-        if (function && sensor_id == event.sample.sensor_id) {
-            turn.call([&called = function, &event] { call_with(called, event.sample); });
+        constexpr std::uint8_t kRecords = std::extent_v<decltype(gyro.callback_records)>;
+        for (std::uint8_t index = event.index; index < kRecords; ++index) {
+            auto const [sensor_id, function] = gyro.callback_records[index];
+            bool const is_called = function && sensor_id == event.sample.sensor_id;
+            if (is_called || turn.announced()) {
+                turn.done.next_record = static_cast<std::uint8_t>((index + 1) % kRecords);
+            }
+            if (is_called) {
+                turn.call([&called = function, &event] { call_with(called, event.sample); });
+            }
+            if (is_called || turn.announced()) {
+                return;
+            }
         }
     }
 

@@ -35,6 +35,7 @@ bool EventLane::post(Occurrence const& occurrence) {
 void EventLane::forget(ServedObject const& object) {
     auto const is_its = [&](Occurrence const& occurrence) { return occurrence.object == &object; };
     queue_.erase(std::remove_if(queue_.begin(), queue_.end(), is_its), queue_.end());
+    forgets_rest_ = forgets_rest_ || runs(object);
 }
 
 void EventLane::drop(ServedObject const& object) {
@@ -58,11 +59,16 @@ void EventLane::look() {
 }
 
 void EventLane::finish(Done const& done) {
-    Occurrence const finished = *running_;
+    Occurrence finished = *running_;
     running_.reset();
     repeats_ = false;
-    if (finished.object != nullptr) {
-        finished.object->told(finished, done);
+    if (finished.object == nullptr) {
+        return;
+    }
+    finished.object->told(finished, done);
+    if (finished.kind == EventKind::sample_for_records && done.next_record != 0 && !forgets_rest_) {
+        finished.index = done.next_record;
+        queue_.push_front(finished);
     }
 }
 
@@ -82,6 +88,7 @@ void EventLane::pump() {
         running_ = occurrence;
         running_->kind = event.kind;
         running_->index = event.index;
+        forgets_rest_ = false;
         progress_.begin();
         // Where the program has gone, its connection's own thread notices.
         connection_->send_at_once(message_of(MessageKind::event, event));

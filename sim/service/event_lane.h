@@ -32,7 +32,7 @@ public:
     bool attached() const { return connection_ != nullptr; }
     // Where nobody is there to be told, an occurrence is over. Beyond kLongestQueue it is dropped; false then.
     bool post(Occurrence const& occurrence);
-    // Forgets what waits to be told of the object.
+    // Forgets what waits to be told of the object, with the rest of what the program is just being told.
     void forget(ServedObject const& object);
     // Forgets the object, also where the program is just being told of it.
     void drop(ServedObject const& object);
@@ -60,6 +60,7 @@ public:
     // No event any more.
     void close() {
         closed_ = true;
+        forgets_rest_ = true;
         queue_.clear();
     }
 
@@ -73,6 +74,7 @@ private:
     EventProgress progress_;
     std::deque<Occurrence> queue_;
     std::optional<Occurrence> running_;
+    bool forgets_rest_ = false;  // of what runs
     bool passing_time_ = false;
     bool repeats_ = false;
     bool closed_ = false;

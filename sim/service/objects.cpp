@@ -15,8 +15,6 @@ namespace sim {
 
 namespace {
 
-constexpr std::uint8_t kGyroRecords = std::extent_v<decltype(hal::gyro_t::callback_records)>;
-
 // The node of a sensor; none for a code that is no sensor.
 Text sensor_node(hal::imx_te type) {
     SensorFacts const* const sensor = find_image_sensor(type);
@@ -167,9 +165,7 @@ bool GyroObject::take(SensorHub::Sample const& sample) {
         return false;
     }
     if (serves_records()) {
-        for (std::uint8_t index = 0; index < kGyroRecords; ++index) {
-            post(device_, program().hub_lane, {this, EventKind::sample_for_records, index, sample});
-        }
+        post(device_, program().hub_lane, {this, EventKind::sample_for_records, 0, sample});
     }
     for (GyroListener* const listener : listeners_) {
         if (!listener->muted()) {

@@ -338,6 +338,59 @@ TEST_F(GyroObjectTest, ACallbackMayHoldAndTheNextOneGetsNothing) {
     EXPECT_EQ(samples_, 0);
 }
 
+// Each with and without a journal: the library is sent an event for each record then, or one for all.
+TEST_F(GyroObjectTest, RecordsAreCalledInTheirOrderWhoeverWatches) {
+    gyro_->irq_callback_hold(false);
+    activate(37, 12.5);
+    step(1ms);
+    for (bool const watched : {true, false}) {
+        seen_.clear();
+        gyro_->callback_records[1] = {38, noter("other sensor")};
+        gyro_->callback_records[0] = {37, [this](unsigned char, cb_struct_te, void*) {
+                                          seen_.emplace_back("record 0");
+                                          gyro_->callback_records[1] = {37, noter("record 1")};
+                                      }};
+        step(80ms);
+        EXPECT_EQ(seen_, (Strings{"record 0", "record 1"})) << watched;
+        gyro_->callback_records[0].function = nullptr;
+        step(80ms);
+        EXPECT_EQ(seen_, (Strings{"record 0", "record 1", "record 1"})) << watched;
+        if (watched) {
+            unwatch();
+        }
+    }
+}
+
+TEST_F(GyroObjectTest, ARecordThatHoldsKeepsTheSampleFromTheNextOne) {
+    gyro_->callback_records[0] = {37, [this](unsigned char, cb_struct_te, void*) {
+                                      seen_.emplace_back("record 0");
+                                      gyro_->irq_callback_hold(true);
+                                      gyro_->irq_callback_hold(false);
+                                  }};
+    gyro_->callback_records[1] = {37, counter(samples_)};
+    gyro_->irq_callback_hold(false);
+    activate(37, 12.5);
+    step(81ms);
+    unwatch();
+    step(80ms);
+    EXPECT_EQ(seen_.size(), 2U);
+    EXPECT_EQ(samples_, 0);
+}
+
+TEST_F(GyroObjectTest, ARecordMayDestroyItsObject) {
+    unwatch();
+    gyro_->callback_records[0] = {37, [this](unsigned char, cb_struct_te, void*) {
+                                      gyro_.reset();
+                                      seen_.emplace_back("record 0");
+                                  }};
+    gyro_->callback_records[1] = {37, counter(samples_)};
+    gyro_->irq_callback_hold(false);
+    activate(37, 10);
+    step(1s);
+    EXPECT_EQ(seen_, (Strings{"record 0"}));
+    EXPECT_EQ(samples_, 0);
+}
+
 TEST_F(GyroObjectTest, ACallbackMayDestroyItsOwnObject) {
     std::optional<gyro_delegate_t> delegate;
     delegate.emplace(*gyro_, 37, [&](unsigned char, cb_struct_te, void*) {
