@@ -441,7 +441,8 @@ int ConsoleSession::wait_for_exit() {
 std::vector<std::string> ConsoleSession::journal() const {
     std::vector<std::string> lines;
     std::ifstream file(directory_ + "/journal");
-    for (std::string line; std::getline(file, line);) {
+    // One without its end is just being written.
+    for (std::string line; std::getline(file, line) && !file.eof();) {
         std::string const kind = parse_journal_line(line).kind;
         if (kind == "call" || kind == "callback") {
             lines.push_back(line);
