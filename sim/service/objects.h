@@ -89,7 +89,7 @@ public:
     virtual void hear(SensorHub::Sample const& sample) = 0;
     // It hears nothing from now on: what would come while its end waits for its callback would make that wait on.
     void mute() { muted_ = true; }
-    bool muted() const { return muted_; }
+    bool muted() const { return muted_ || open_error() != 0; }
     EventLane* lane() override;
     void leave() override;
 

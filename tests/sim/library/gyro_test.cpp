@@ -474,6 +474,19 @@ TEST_F(GyroObjectTest, AnObjectThatWasNotOpenedGetsNothing) {
     EXPECT_EQ(samples_, 0);
 }
 
+TEST_F(GyroObjectTest, WhoListensWithoutHavingBeenOpenedGetsNothing) {
+    control("fault add gyro_delegate_t::gyro_delegate_t status -1");
+    control("fault add gyro_alarm_t::gyro_alarm_t status -1");
+    gyro_delegate_t const delegate(*gyro_, 37, counter(samples_));
+    gyro_alarm_t alarm(*gyro_, 37);
+    alarm.on_position_left = [this] { ++samples_; };
+    control("tilt 0 90 0");
+    gyro_->irq_callback_hold(false);
+    activate(37, 12.5);
+    step(1s);
+    EXPECT_EQ(samples_, 0);
+}
+
 TEST_F(GyroObjectTest, TwoObjectsAreHeldByThemselves) {
     auto const other = make_gyro();
     int others = 0;
