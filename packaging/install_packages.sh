@@ -3,12 +3,18 @@
 # cannot be, ends with 1 and one line that says why and what to do.
 set -eu
 
+has_header() {
+    printf '#if !__has_include(<%s>)\n#error\n#endif\n' "$1" | g++ -E -x c++ - 2>/dev/null
+}
+
 # Whether what a package is needed for is there, wherever it comes from.
 is_there() {
     case $1 in
         ninja-build) command -v ninja ;;
         bubblewrap) command -v bwrap ;;
-        libgtest-dev) echo '#include <gtest/gtest.h>' | g++ -E -x c++ - 2>/dev/null ;;
+        libgtest-dev) has_header gtest/gtest.h ;;
+        libcli11-dev) has_header CLI/CLI.hpp ;;
+        nlohmann-json3-dev) has_header nlohmann/json.hpp ;;
         g++ | cmake | proot) command -v "$1" ;;
         *) dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep '^install ok installed' ;;
     esac >/dev/null
