@@ -101,7 +101,7 @@ std::string value_text(Value const& value) {
 }
 
 std::string value_with_name(Property const& property, Value const& value) {
-    std::string const text = value_text(value);
+    std::string text = value_text(value);
     for (Choice const& choice : property.about.choices) {
         if (choice.value == value && choice.name != text) {
             return text + " " + choice.name;

@@ -13,6 +13,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "sim/calls/operations.h"
 #include "tests/proof/faults.h"
 #include "tests/proof/judge.h"
 #include "tests/proof/options.h"
@@ -49,15 +50,11 @@ std::set<std::string> const kNotMet{
 };
 
 std::set<std::string> all_operations() {
-    return {
-#define CONSTRUCTOR(type, ...) #type "::" #type,
-#define DESTRUCTOR(type) #type "::~" #type,
-#define OPERATION(type, name, ...) #type "::" #name,
-#include "sim/calls/operation_table.def"
-#undef CONSTRUCTOR
-#undef DESTRUCTOR
-#undef OPERATION
-    };
+    std::set<std::string> names;
+    for (sim::OperationInfo const& operation : sim::kOperationInfos) {
+        names.emplace(operation.name);
+    }
+    return names;
 }
 
 // One run of a session.

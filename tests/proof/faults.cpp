@@ -170,7 +170,7 @@ std::vector<Fault> single_faults(Call const& call) {
 
 Fault lost_node(Call const& call) {
     char line[128];
-    std::snprintf(line, sizeof line, "%.6fs node remove %s", static_cast<double>(call.start + kLateness / 2) / 1e6,
+    std::snprintf(line, sizeof line, "%.6fs node remove %s", (static_cast<double>(call.start) + kLateness / 2.0) / 1e6,
                   call.node.c_str());
     return {Kind::node,
             where(call) + " loses " + call.node,

@@ -321,7 +321,7 @@ private:
     static std::string name_at(std::string_view& script) {
         auto const end =
             std::find_if(script.begin(), script.end(), [](unsigned char c) { return std::isalpha(c) == 0; });
-        std::string const name(script.begin(), end);
+        std::string name(script.begin(), end);
         script.remove_prefix(name.size());
         return name;
     }

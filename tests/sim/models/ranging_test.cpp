@@ -227,7 +227,8 @@ TEST(RangingTest, PitchShowsFromRowToRow) {
     double const half_width = std::tan(31.5 * 3.14159265358979323846 / 180.0) / std::sqrt(2.0);
     double const tilt = std::tan(30.0 * 3.14159265358979323846 / 180.0);
     for (int zone = 0; zone < 16; ++zone) {
-        double const down = (zone / 4 * 1.0 - 1.5) / 2.0 * half_width;
+        int const row = zone / 4;
+        double const down = (row - 1.5) / 2.0 * half_width;
         EXPECT_NEAR(results.distance_mm[zone], 1000.0 / (1.0 - down * tilt), 0.51) << zone;
     }
 }

@@ -22,7 +22,7 @@ protected:
     }
 
     std::string file(std::string const& name, std::string const& content) const {
-        std::string const path = directory_.path() + "/" + name;
+        std::string path = directory_.path() + "/" + name;
         std::ofstream(path) << content;
         return path;
     }
