@@ -13,6 +13,7 @@ is_there() {
         ninja-build) command -v ninja ;;
         bubblewrap) command -v bwrap ;;
         libgtest-dev) has_header gtest/gtest.h ;;
+        libcpp-httplib-dev) has_header httplib.h ;;
         libcli11-dev) has_header CLI/CLI.hpp ;;
         nlohmann-json3-dev) has_header nlohmann/json.hpp ;;
         g++ | cmake | proot) command -v "$1" ;;

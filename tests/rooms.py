@@ -19,6 +19,7 @@ ROOMS = {
     "sim/service": ["sim/device", "sim/calls", "sim/models", "sim/core", "hal"],
     "sim/library": ["sim/calls", "sim/core", "hal"],
     "sim/control": ["sim/device", "sim/calls", "sim/models", "sim/core", "hal"],
+    "sim/panel": ["sim/tool", "sim/control", "sim/core"],
     "sim/tool": ["sim/control", "sim/service", "sim/device", "sim/calls", "sim/core"],
     "tests/second_library": ["hal", "tests/support"],
 }

@@ -1,7 +1,22 @@
 // The properties of the ranging sensor and of what lies in front of it.
 #include "sim/device/describe.h"
 
+#include <string>
+#include <vector>
+
 namespace sim {
+
+namespace {
+
+std::string text_of(std::vector<int> const& view) {
+    std::string text;
+    for (int const distance : view) {
+        text += (text.empty() ? "" : " ") + std::to_string(distance);
+    }
+    return text.empty() ? "none" : text;
+}
+
+}  // namespace
 
 void describe(Properties& properties, Ranging& ranging) {
     constexpr char const* kAsleep = "the sensor sleeps";
@@ -72,6 +87,8 @@ void describe(Properties& properties, Ranging& ranging) {
     properties.add(
         "ranging.scene", "what lies in front of the sensor", [&ranging] { return ranging.scene(); },
         [&ranging](Scene const& scene) { ranging.set_scene(scene); });
+    properties.add("ranging.view", "mm that a shot would measure without noise, by zone; 0: no target",
+                   [&ranging] { return text_of(ranging.view()); });
 }
 
 }  // namespace sim

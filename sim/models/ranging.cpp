@@ -149,47 +149,79 @@ int Ranging::shot(unsigned int measurements, VL53L5CX_ResultsData& results) {
     }
     results = {};
     results.silicon_temp_degc = static_cast<std::int8_t>(std::lround(temperature_));
-    int const side = fine() ? 8 : 4;
-    double const half_width = std::tan(kDiagonalView / 2.0 * kDegree) / std::sqrt(2.0);
     unsigned int zone = 0;
-    for (int row = 0; row < side; ++row) {
-        for (int column = 0; column < side; ++column) {
-            double const right = ((column + 0.5) / side * 2.0 - 1.0) * half_width;
-            double const down = ((row + 0.5) / side * 2.0 - 1.0) * half_width;
-            measure(right, down, std::clamp(measurements, 1U, kMostMeasurements), zone++, results);
-        }
+    for (Direction const& direction : zones()) {
+        measure(direction, std::clamp(measurements, 1U, kMostMeasurements), zone++, results);
     }
     return 0;
 }
 
-void Ranging::measure(double right, double down, unsigned int measurements, unsigned int zone,
-                      VL53L5CX_ResultsData& results) {
-    std::uint32_t const spads = fine() ? kSpads / 4 : kSpads;
-    results.ambient_per_spad[zone] = static_cast<std::uint32_t>(std::lround(ambient_));
-    results.nb_spads_enabled[zone] = spads;
-    results.target_status[zone] = kNoTarget;
-    auto const target = scene_.look(right, down);
-    double const deviate = next_deviate();  // also where there is no target: the other zones must not depend on that
+std::vector<int> Ranging::view() const {
+    std::vector<int> distances;
+    if (asleep() || !emitter_healthy_) {
+        return distances;
+    }
+    for (Direction const& direction : zones()) {
+        auto const echo = look(direction);
+        distances.push_back(echo ? static_cast<int>(std::lround(std::clamp(echo->distance, 0.0, kFarthest))) : 0);
+    }
+    return distances;
+}
+
+// From the upper left one on.
+std::vector<Ranging::Direction> Ranging::zones() const {
+    int const side = fine() ? 8 : 4;
+    double const half_width = std::tan(kDiagonalView / 2.0 * kDegree) / std::sqrt(2.0);
+    auto const middle = [&](int at) { return ((at + 0.5) / side * 2.0 - 1.0) * half_width; };
+    std::vector<Direction> zones;
+    for (int row = 0; row < side; ++row) {
+        for (int column = 0; column < side; ++column) {
+            zones.push_back({middle(column), middle(row)});
+        }
+    }
+    return zones;
+}
+
+std::uint32_t Ranging::spads() const {
+    return fine() ? kSpads / 4 : kSpads;
+}
+
+// Nothing where there is no target, or where its light drowns.
+std::optional<Ranging::Echo> Ranging::look(Direction const& direction) const {
+    auto const target = scene_.look(direction.right, direction.down);
     if (!target || target->distance_mm > kFarthest || target->distance_mm < kNearest) {
-        return;
+        return std::nullopt;
     }
     double const metres = target->distance_mm / 1000.0;
     double const signal = kSignalAtOneMetre * target->reflectance / 100.0 / (metres * metres);
     // Light comes in counts, whose noise is their root; that of the surroundings is noise alone.
-    double const gathering = spads * std::chrono::duration<double, std::milli>(exposure()).count();  // SPAD * ms
+    double const gathering = spads() * std::chrono::duration<double, std::milli>(exposure()).count();  // SPAD * ms
     double const clearness = signal * std::sqrt(gathering / (signal + ambient_));
     if (clearness < kDrowned) {
+        return std::nullopt;
+    }
+    double const pull = compensated_ ? 0.0 : crosstalk_ / 100.0 * target->distance_mm / kFarthest;
+    return Echo{target->distance_mm * (1.0 - pull), signal, clearness, target->reflectance};
+}
+
+void Ranging::measure(Direction const& direction, unsigned int measurements, unsigned int zone,
+                      VL53L5CX_ResultsData& results) {
+    results.ambient_per_spad[zone] = static_cast<std::uint32_t>(std::lround(ambient_));
+    results.nb_spads_enabled[zone] = spads();
+    results.target_status[zone] = kNoTarget;
+    auto const echo = look(direction);
+    double const deviate = next_deviate();  // also where there is no target: the other zones must not depend on that
+    if (!echo) {
         return;
     }
-    double const sigma = noise_ * kPulse / clearness / std::sqrt(measurements);
-    double const pull = compensated_ ? 0.0 : crosstalk_ / 100.0 * target->distance_mm / kFarthest;
-    double const distance = target->distance_mm * (1.0 - pull) + deviate * sigma;
+    double const sigma = noise_ * kPulse / echo->clearness / std::sqrt(measurements);
+    double const distance = echo->distance + deviate * sigma;
     results.nb_target_detected[zone] = 1;
-    results.signal_per_spad[zone] = static_cast<std::uint32_t>(std::lround(signal));
+    results.signal_per_spad[zone] = static_cast<std::uint32_t>(std::lround(echo->signal));
     results.range_sigma_mm[zone] = static_cast<std::uint16_t>(std::lround(sigma));
     results.distance_mm[zone] = static_cast<std::int16_t>(std::lround(std::clamp(distance, 0.0, kFarthest)));
-    results.reflectance[zone] = static_cast<std::uint8_t>(std::lround(target->reflectance));
-    results.target_status[zone] = clearness < kClear ? kHalfConfident : kValid;
+    results.reflectance[zone] = static_cast<std::uint8_t>(std::lround(echo->reflectance));
+    results.target_status[zone] = echo->clearness < kClear ? kHalfConfident : kValid;
 }
 
 // About normal, by hand: the library's distributions differ from host to host.

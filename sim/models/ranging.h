@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <random>
+#include <vector>
 
 #include "hal/tof.h"
 #include "sim/core/clock.h"
@@ -58,6 +60,9 @@ public:
     // The mean of so many measurements; 0 counts as 1, and no more than kMostMeasurements are made. With 64 zones each
     // has a quarter of the SPADs and of the light; light of the surroundings is noise: both cost exactness and reach.
     int shot(unsigned int measurements, VL53L5CX_ResultsData& results);
+    // What a shot now would measure without its noise, mm by zone, 0 where there is no target; empty where it would be
+    // refused. Changes nothing.
+    std::vector<int> view() const;
     Duration calibration_time(Calibration const& calibration) const;
     // Needs a flat target of that reflectance at that distance, each within a tenth.
     int calibrate_crosstalk(Calibration const& calibration);
@@ -108,7 +113,20 @@ private:
     Duration frame_time() const;
     Duration exposure() const;
     double next_deviate();
-    void measure(double right, double down, unsigned int measurements, unsigned int zone,
+    struct Echo {
+        double distance;   // mm, as the cover lets it seem
+        double signal;     // kcps/SPAD
+        double clearness;  // signal to noise
+        double reflectance;
+    };
+    struct Direction {
+        double right;
+        double down;
+    };
+    std::vector<Direction> zones() const;
+    std::optional<Echo> look(Direction const& direction) const;
+    std::uint32_t spads() const;
+    void measure(Direction const& direction, unsigned int measurements, unsigned int zone,
                  VL53L5CX_ResultsData& results);
 
     Resolution resolution_ = Resolution::zones_4x4;

@@ -19,13 +19,14 @@ namespace {
 using Task = CommandLine::Task;
 using Texts = std::vector<std::string>;
 
-Texts const kOwnCommands{"run", "device", "list"};
+Texts const kOwnCommands{"run", "device", "list", "panel"};
 constexpr char const* kNoCommand = "no command given: r47-sim run [OPTION...] -- COMMAND [ARG...]";
 
 constexpr char const* kUsage =
     "usage: r47-sim run [OPTION...] -- COMMAND [ARG...]   runs COMMAND inside a virtual device\n"
     "       r47-sim device [OPTION...]                    runs a device until a signal ends it\n"
     "       r47-sim list                                  the devices that run, and their programs\n"
+    "       r47-sim panel [OPTION...]                     shows a device to a browser, and prints the address\n"
     "       r47-sim [OPTION...] CONTROL-COMMAND           gives a running device a command\n"
     "       r47-sim [OPTION...] -                         gives it the commands on standard input\n"
     "       r47-sim journal show [OPTION...] FILE         prints the journal in a file\n"
@@ -70,13 +71,19 @@ public:
         run_.add_option("--publish", port_, "the same, but the console in it is reached at 127.0.0.1:PORT of this host")
             ->type_name("PORT");
         run_.add_flag("--require-faults", line_.run.require_faults, "fails where a fault rule never fired");
-        for (CLI::App* const task : {&run_, &device_}) {
+        panel_.add_option("--device", line_.panel.device, "this running device, not the only one there is")
+            ->type_name("NAME");
+        panel_.add_option("--port", line_.panel.port, "the address's port, not any that is free")->type_name("N");
+        panel_.add_option("--beside", line_.panel.beside, "in the background, until that process ends")
+            ->type_name("PID");
+        for (CLI::App* const task : {&run_, &device_, &panel_}) {
             task->allow_extras();
         }
         describe(app_, kUsage);
         describe(run_, "usage: r47-sim run [OPTION...] -- COMMAND [ARG...]\n");
         describe(device_, "usage: r47-sim device [OPTION...]\n");
         describe(list_, "usage: r47-sim list\n");
+        describe(panel_, "usage: r47-sim panel [OPTION...]\n");
         std::string commands = "Control commands:\n" + device_commands().help();
         commands.pop_back();  // the library ends it itself
         app_.footer(commands);
@@ -93,7 +100,7 @@ public:
         try {
             app_.parse(words);
         } catch (CLI::CallForHelp const&) {
-            return say(run_.parsed() || device_.parsed() || list_.parsed() ? app_.help() : whole_help());
+            return say(app_.get_subcommands().empty() ? whole_help() : app_.help());
         } catch (CLI::CallForVersion const& version) {
             return say(std::string(version.what()) + "\n");
         } catch (CLI::ParseError const& error) {
@@ -128,7 +135,7 @@ private:
     }
 
     CommandLine take() {
-        for (CLI::App* const task : {&run_, &device_}) {
+        for (CLI::App* const task : {&run_, &device_, &panel_}) {
             if (task->parsed() && task->remaining_size() > 0) {
                 return refuse(unknown(*task, task->remaining().front()));
             }
@@ -140,8 +147,8 @@ private:
         if (run_.parsed()) {
             return take_run();
         }
-        if (device_.parsed() || list_.parsed()) {
-            line_.task = device_.parsed() ? Task::device : Task::list;
+        if (!app_.get_subcommands().empty()) {
+            line_.task = device_.parsed() ? Task::device : list_.parsed() ? Task::list : Task::panel;
             return line_;
         }
         return take_control();
@@ -236,7 +243,7 @@ private:
         if (words.empty()) {
             return say(whole_help());
         }
-        for (CLI::App const* const task : {&run_, &device_, &list_}) {
+        for (CLI::App const* const task : {&run_, &device_, &list_, &panel_}) {
             if (words == Texts{task->get_name()}) {
                 return say(task->help("r47-sim"));
             }
@@ -276,6 +283,7 @@ private:
     CLI::App& run_ = *app_.add_subcommand("run", "runs COMMAND in a device of its own, which ends with it");
     CLI::App& device_ = *app_.add_subcommand("device", "runs a device until SIGINT, SIGTERM or SIGHUP ends it");
     CLI::App& list_ = *app_.add_subcommand("list", "the devices that run, and their programs");
+    CLI::App& panel_ = *app_.add_subcommand("panel", "shows a device to a browser, and prints the address");
 };
 
 }  // namespace

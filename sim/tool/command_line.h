@@ -6,18 +6,20 @@
 
 #include "sim/tool/control.h"
 #include "sim/tool/journal_files.h"
+#include "sim/tool/panel.h"
 #include "sim/tool/run.h"
 #include "sim/tool/running_device.h"
 
 namespace sim {
 
 struct CommandLine {
-    enum class Task { none, run, device, list, control, show_journal, diff_journals };
+    enum class Task { none, run, device, list, panel, control, show_journal, diff_journals };
 
     Task task = Task::none;
     int status = 0;  // of none: help was printed, or what is wrong
     RunOptions run;
     DeviceOptions device;
+    PanelOptions panel;
     ControlOptions control;
     std::vector<std::string> journals;  // files
     JournalFilter filter;

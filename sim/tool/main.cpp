@@ -25,6 +25,8 @@ int main(int argc, char* argv[]) {
             return sim::run_device(line.device);
         case sim::CommandLine::Task::list:
             return sim::list_devices();
+        case sim::CommandLine::Task::panel:
+            return sim::run_panel(line.panel);
         case sim::CommandLine::Task::control:
             return sim::control(line.control);
         case sim::CommandLine::Task::show_journal:

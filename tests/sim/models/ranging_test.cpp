@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cmath>
 #include <iterator>
+#include <vector>
 
 #include "sim/control/value_words.h"
 #include "sim/device/describe.h"
@@ -611,6 +612,30 @@ TEST(RangingTest, SceneIsAPropertyToo) {
     EXPECT_EQ(ranging.scene().text(), "step 500 900");
     EXPECT_NE(sim::set_property(properties, "ranging.scene", "step 500"), "");
     EXPECT_EQ(sim::value_text(properties.all().at("ranging.scene").get()), "step 500 900");
+}
+
+TEST(RangingTest, ViewIsWhatAShotMeasuresWithoutNoiseAndChangesNothing) {
+    Ranging ranging;
+    look_at(ranging, "tilted 900 30 20");
+    Ranging undisturbed = ranging;
+    std::vector<int> const view = ranging.view();
+    VL53L5CX_ResultsData const noisy = shot(ranging);
+    EXPECT_EQ(noisy.distance_mm[0], shot(undisturbed).distance_mm[0]);
+    ASSERT_EQ(ranging.set_noise(0.0), 0);
+    VL53L5CX_ResultsData const exact = shot(ranging);
+    ASSERT_EQ(view.size(), 16U);
+    EXPECT_LT(view.front(), view.back());
+    for (std::size_t zone = 0; zone < view.size(); ++zone) {
+        EXPECT_EQ(view[zone], exact.distance_mm[zone]) << zone;
+    }
+}
+
+TEST(RangingTest, ViewHasNothingOfATargetOutOfReachAndIsEmptyWhileItSleeps) {
+    Ranging ranging;
+    look_at(ranging, "plane 4500");
+    EXPECT_EQ(ranging.view(), std::vector<int>(16, 0));
+    ASSERT_EQ(ranging.set_power_mode(Ranging::PowerMode::sleep), 0);
+    EXPECT_TRUE(ranging.view().empty());
 }
 
 }  // namespace

@@ -1,0 +1,17 @@
+# Writes the source that holds the files of the page:
+#   cmake -D OUTPUT=FILE -D FOLDER=FOLDER -D FILES=NAME,NAME... -P embed_page.cmake
+set(source "// The files of the page. Made by the build.\n#include \"sim/panel/page.h\"\n\nnamespace sim {\n\n")
+string(APPEND source "std::vector<PageFile> const& page_files() {\n    static std::vector<PageFile> const files = {\n")
+string(REPLACE "," ";" names "${FILES}")
+set(type_of_html "text/html; charset=utf-8")
+set(type_of_css "text/css; charset=utf-8")
+set(type_of_js "text/javascript; charset=utf-8")
+set(type_of_svg "image/svg+xml")
+foreach(name IN LISTS names)
+    file(READ "${FOLDER}/${name}" text)
+    string(REGEX REPLACE "^.*\\." "" ending "${name}")
+    string(REPLACE "index.html" "" address "${name}")
+    string(APPEND source "        {\"${address}\", \"${type_of_${ending}}\", R\"page(${text})page\"},\n")
+endforeach()
+string(APPEND source "    };\n    return files;\n}\n\n}  // namespace sim\n")
+file(WRITE "${OUTPUT}" "${source}")

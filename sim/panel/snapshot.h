@@ -1,0 +1,23 @@
+// What a device shows at one moment, and how two moments differ.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include "sim/core/error.h"
+#include "sim/panel/device_link.h"
+
+namespace sim {
+
+// An object of objects: "device" (connected, message), and of one that is connected its "properties" by their names,
+// "nodes" (whether each is there, by its path), "faults" (rule and fired, by its number) and "programs" (list, a text).
+using Snapshot = nlohmann::json;
+
+// Reads it all; an error where the device has gone or does not answer in time. Blocks.
+Error read_snapshot(DeviceLink& link, DeviceLink::Deadline until, Snapshot& snapshot);
+// Of no device, and why.
+Snapshot lost_device(Error const& why);
+
+// The members of the members that are others in `now`; null for those that are gone. Empty where nothing differs.
+Snapshot difference(Snapshot const& before, Snapshot const& now);
+
+}  // namespace sim
