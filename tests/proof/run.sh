@@ -20,5 +20,8 @@ proof() { # PROGRAM [ARGUMENT...]
 proof "$swept/fault_sweep"
 proof "$stormed/client_storm" "$consoles" 0
 proof "$stormed/client_storm" 0 "$commands"
+# The thread sanitizer would wait a second for the threads that an end of the process leaves behind.
+TSAN_OPTIONS="atexit_sleep_ms=0 ${TSAN_OPTIONS-}"
+export TSAN_OPTIONS
 proof "$ordered/thread_orders" --seeds "$seeds"
 exit "$failed"
