@@ -43,6 +43,7 @@ int main(int argc, char* argv[]) {
     must(rtu.set_trigger_mode(true));
     must(camera.start_acquisition());
     must(gyro.boot());
+    gyro.irq_callback_hold(true);  // held, it does not read the hub
     must(gyro.activate_vsensor(37, 400, 1));
     std::vector<double> nothing;
     std::vector<double> days;

@@ -1,6 +1,7 @@
 // A connection between the library and the device: whole messages over a stream socket.
 #include "sim/calls/connection.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <cerrno>
@@ -51,6 +52,12 @@ ssize_t receive_with_file(int socket, char* bytes, std::size_t size, Descriptor&
         file = out_of_the_way(descriptor);
     }
     return count;
+}
+
+// recv() alone would wait for bytes, too, but wake each time that the other end has taken some of what it was sent.
+void wait_for_bytes(int socket) {
+    pollfd readable{socket, POLLIN, 0};
+    ::poll(&readable, 1, -1);
 }
 
 }  // namespace
@@ -116,6 +123,7 @@ bool Connection::receive(std::string_view& message, Descriptor* file) {
             message = std::string_view(input_).substr(sizeof(Size), wanted - sizeof(Size));
             return true;
         }
+        wait_for_bytes(socket_);
         char bytes[kRead];
         ssize_t const count = file != nullptr ? receive_with_file(socket_, bytes, sizeof bytes, *file)
                                               : ::recv(socket_, bytes, sizeof bytes, 0);
