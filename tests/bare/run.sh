@@ -15,6 +15,7 @@ case_begins() {
 
 fail() {
     echo "FAILED: $*"
+    grep -a -A 30 -E '\*\*\*(Failed|Timeout|Exception)' "$roots/output" | head -n 200 # of tests, which may be far above
     tail -n 60 "$roots/output" "$roots/errors"
     exit 1
 }
