@@ -4,10 +4,11 @@
     tests/mutate.py [OPTION...] [PATH...]      files or folders; sim/models where none is told
 
 A mutant is a comparison, a constant, a sign or operator of arithmetic, or a logical operator changed, a statement removed, or
-two arguments swapped. It is built and tested in a copy of the tree, build-mutate/, with a build of its own. What does not
-compile is no mutant; one that does not end counts as killed. Survivors are printed as they are found, then what was killed of
-each source (a header counts with its .cpp). Ends with 1 where less than 95 % of a source of sim/models, or 98 % of any other, is
-killed or has its reason in tests/survivors.txt; those without are written to build-mutate/survivors.txt, in that file's form.
+two arguments swapped. It is built and tested in copies of the tree, build-mutate/, with builds of their own. What does not
+compile is no mutant; one that does not end, or fills the memory, counts as killed. Survivors are printed as they are found,
+then what was killed of each source (a header counts with its .cpp). Ends with 1 where less than 95 % of a source of
+sim/models, or 98 % of any other, is killed or has its reason in tests/survivors.txt; those without are written to
+build-mutate/survivors.txt, in that file's form.
 """
 import argparse
 import collections
@@ -18,11 +19,14 @@ import pathlib
 import queue
 import random
 import re
+import resource
 import shlex
 import shutil
 import signal
 import subprocess
 import sys
+import tempfile
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 WORK = ROOT / "build-mutate"
@@ -30,8 +34,15 @@ ACCEPTED = ROOT / "tests" / "survivors.txt"
 MODELS = "sim/models"
 BUILD_LIMIT = 900  # s, of one mutant
 SUITE_LIMIT = 60  # s, of a source's own tests
+SLOWER = 10  # times what the own tests take without a mutant: then they do not end
+SHORTEST_LIMIT = 5  # s
 REST_LIMIT = 900  # s, of all other tests
-LINKER = ["-fuse-ld=gold"] if shutil.which("ld.gold") else []
+MEMORY_LIMIT = 4 << 30  # bytes, of each process: a loop that does not end may fill all there is
+COMPILER = "clang++" if shutil.which("clang++") else "g++"
+CACHE = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []  # of what is built once
+LINKER = next(([f"-fuse-ld={name}"] for name in ("lld", "gold") if shutil.which(f"ld.{name}")), [])
+# Without optimization, which takes longer than the tests; what reaches beyond an array ends there and then.
+FLAGS = "-O0 -w -D_GLIBCXX_ASSERTIONS -fsanitize=bounds,shift -fsanitize-undefined-trap-on-error"
 
 TOKEN = re.compile(
     r"""(?P<comment>//.*|/\*.*?\*/)
@@ -218,7 +229,7 @@ def suite_of(file):
         if name not in found and (ROOT / name).exists():
             found.add(name)
             # The grammar is there for its words alone: nothing of the device that its verbs work on.
-            room = "sim/control" if name.startswith("sim/control/") else "sim"
+            room = "sim/(?:control|calls)" if name.startswith("sim/control/") else "sim"
             headers = re.findall(rf'#include "({room}/.*)\.h"', (ROOT / name).read_text(encoding="utf-8"))
             waiting += [header + suffix for header in headers for suffix in (".h", ".cpp")]
             if name == "sim/device/describe.h":
@@ -236,13 +247,17 @@ def concerns(name, header):
 class Workshop:
     """A copy of the tree and its build, for one mutant at a time."""
 
-    def __init__(self, number):
+    def __init__(self, number, jobs):
+        self.number = number
+        self.jobs = jobs  # of the builds before the mutants
         self.tree = WORK / f"tree-{number}"
         self.build = WORK / f"build-{number}"
         self.commands = {}  # that compile each source
+        self.limits = {}  # s, of each model's own tests
         self.broken = {}  # the tests that fail without a mutant, by the pattern that selects them
 
-    def prepare(self, targets, suite_sources):
+
+    def copy(self):
         self.tree.mkdir(parents=True, exist_ok=True)
         listed = subprocess.run(["git", "ls-files", "-z"], cwd=ROOT, check=True, capture_output=True).stdout
         for name in filter(None, listed.decode().split("\0")):
@@ -252,12 +267,18 @@ class Workshop:
                 shutil.copy2(source, copy)
                 os.utime(copy)
         self.demand(["cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
-                     "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -w", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"])
+                     f"-DCMAKE_CXX_FLAGS_DEBUG={FLAGS}", f"-DCMAKE_CXX_COMPILER={COMPILER}", *CACHE])
         with open(self.build / "compile_commands.json", encoding="utf-8") as file:
             for entry in json.load(file):
                 name = os.path.relpath(entry["file"], self.tree)
-                self.commands[name] = shlex.split(entry["command"])
-        self.demand(["ninja", "-j1", *targets, *map(self.object_of, suite_sources)])
+                command = shlex.split(entry["command"])
+                self.commands[name] = command[1:] if pathlib.PurePath(command[0]).name == "ccache" else command
+
+    def prepare(self, targets):
+        """Builds the targets of the tree as it is."""
+        if not self.commands:
+            self.copy()
+        self.demand(["ninja", f"-j{self.jobs}", *targets])
 
     def demand(self, command):
         status, output = run(list(map(str, command)), self.build if self.build.exists() else ROOT, None)
@@ -268,33 +289,46 @@ class Workshop:
         command = self.commands[name]
         return command[command.index("-o") + 1]
 
-    def compile(self, name, folder):
-        """Compiles one source of the copy into `folder`; nothing where that fails."""
+    def compile(self, name, folder, mutated):
+        """Compiles one source into `folder`, with what stands below `mutated` instead of the same of the copy.
+
+        Nothing where that fails.
+        """
         target = str(folder / (name.replace("/", "_") + ".o"))
-        command = [target if word == self.object_of(name) else word for word in self.commands[name]]
-        status, _ = run(command, self.build, BUILD_LIMIT)
+        source = mutated / name if (mutated / name).exists() else self.tree / name
+        words = {self.object_of(name): target, str(self.tree / name): str(source)}
+        compiler, *options = (words.get(word, word) for word in self.commands[name])
+        status, _ = run([compiler, "-I", str(mutated), *options], self.build, BUILD_LIMIT)
         return target if status == 0 else None
 
-    def suite(self, file, mutant):
-        """Tests a mutant of the model's `file`, or none, with the tests of that model alone, linked on their own.
+    def suite(self, file, text, worker):
+        """Tests the model's `file` with this `text`, or as it is, with the tests of that model alone, linked on their own.
 
-        What else includes a header is built only for those that live through this.
+        The copy stays as it is: workers may do this at the same time. What else includes a header is built only for those
+        that live through this.
         """
-        folder = self.build / "suites" / pathlib.PurePath(file).stem
-        folder.mkdir(parents=True, exist_ok=True)
         objects = {name: self.object_of(name) for name in suite_of(file)}
-        if mutant:
-            changed = [file] if file.endswith(".cpp") else [name for name in objects if concerns(name, file)]
-            objects.update({name: self.compile(name, folder) for name in changed})
-            if None in objects.values():
+        with tempfile.TemporaryDirectory(prefix=f"worker-{worker}-", dir=WORK) as name:
+            folder = pathlib.Path(name)
+            if text is not None:
+                mutant = folder / "mutated" / file
+                mutant.parent.mkdir(parents=True)
+                mutant.write_text(text, encoding="utf-8")
+                changed = [file] if file.endswith(".cpp") else [name for name in objects if concerns(name, file)]
+                for name in changed:
+                    objects[name] = self.compile(name, folder, folder / "mutated")
+                    if not objects[name]:
+                        return "invalid"
+            program = folder / "suite"
+            status, _ = run([COMPILER, *LINKER, "-Wl,--unresolved-symbols=ignore-all", "-o", program, *objects.values(),
+                             "-lgtest_main", "-lgtest", "-lpthread"], self.build, BUILD_LIMIT)
+            if status != 0:
                 return "invalid"
-        program = folder / "suite"
-        status, _ = run(["g++", *LINKER, "-Wl,--unresolved-symbols=ignore-all", "-o", program, *objects.values(),
-                         "-lgtest_main", "-lgtest", "-lpthread"], self.build, BUILD_LIMIT)
-        if status != 0:
-            return "invalid"
-        status, _ = run([program, "--gtest_brief=1", "--gtest_fail_fast"], self.build, SUITE_LIMIT)
-        return "survived" if status == 0 else "killed"
+            began = time.monotonic()
+            status, _ = run([program, "--gtest_brief=1", "--gtest_fail_fast"], self.build, self.limits.get(file, SUITE_LIMIT))
+            if text is None:
+                self.limits[file] = max(SLOWER * (time.monotonic() - began), SHORTEST_LIMIT)
+            return "survived" if status == 0 else "killed"
 
     def rest(self, mutant, selections, targets):
         """Builds all that depends on the mutant, and runs the tests of each selection until one fails."""
@@ -335,41 +369,34 @@ def plan_of(file):
     return targets, patterns
 
 
-def verdict(workshop, mutant, quick):
-    source = workshop.tree / mutant.file
-    original = source.read_text(encoding="utf-8")
+def verdict(workshop, suites, mutant, quick):
+    original = (ROOT / mutant.file).read_text(encoding="utf-8")
     lines = original.splitlines(keepends=True)
     lines[mutant.number - 1] = mutant.new + "\n"
+    text = "".join(lines)
+    if has_suite(mutant.file):
+        result = suites.suite(mutant.file, text, workshop.number)
+        if result != "survived" or quick:
+            return result
     targets, patterns = plan_of(mutant.file)
+    if any(pattern not in workshop.broken for pattern in patterns):
+        workshop.prepare(targets)
+        workshop.learn_what_is_broken(patterns)
+    source = workshop.tree / mutant.file
     try:
-        source.write_text("".join(lines), encoding="utf-8")
-        if has_suite(mutant.file):
-            result = workshop.suite(mutant.file, mutant)
-            if result != "survived" or quick:
-                return result
-            source.write_text(original, encoding="utf-8")
-            workshop.demand(["ninja", "-j1", *targets])
-            workshop.learn_what_is_broken(patterns)
-            source.write_text("".join(lines), encoding="utf-8")
+        source.write_text(text, encoding="utf-8")
         return workshop.rest(mutant, patterns[:1] if quick else patterns, targets)
     finally:
         source.write_text(original, encoding="utf-8")
 
 
-def prepare(jobs, files):
-    targets = {target for file in files if not has_suite(file) for target in plan_of(file)[0]}
-    suite_sources = {source for file in files if has_suite(file) for source in suite_of(file)}
-    workshops = queue.Queue()
-    for number in range(jobs):
-        workshop = Workshop(number)
-        workshop.prepare(sorted(targets), sorted(suite_sources))
-        for file in files:
-            if not has_suite(file):
-                workshop.learn_what_is_broken(plan_of(file)[1])
-            elif workshop.suite(file, None) != "survived":
-                sys.exit(f"{tests_of(file)} fails without a mutant")
-        workshops.put(workshop)
-    return workshops
+def prepare_suites(suites, files):
+    if files:
+        suites.copy()
+        suites.prepare(sorted({suites.object_of(source) for file in files for source in suite_of(file)}))
+    for file in files:
+        if suites.suite(file, None, 0) != "survived":
+            sys.exit(f"{tests_of(file)} fails without a mutant")
 
 
 def report(counts, unexplained):
@@ -416,15 +443,21 @@ def main():
         print("\n".join(map(shown, mutants)))
         return 0
 
+    resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     accepted = read_records(ACCEPTED, explained=True)
-    workshops = prepare(options.jobs, sorted({mutant.file for mutant in mutants}))
+    suites = Workshop(0, options.jobs)  # of what all share; the others are for one at a time
+    prepare_suites(suites, sorted({mutant.file for mutant in mutants if has_suite(mutant.file)}))
+    workshops = queue.SimpleQueue()
+    for number in range(1, options.jobs + 1):
+        workshops.put(Workshop(number, 1))
     counts = collections.defaultdict(collections.Counter)
     unexplained = []
 
     def try_one(mutant):
         workshop = workshops.get()
         try:
-            return mutant, verdict(workshop, mutant, options.quick)
+            return mutant, verdict(workshop, suites, mutant, options.quick)
         finally:
             workshops.put(workshop)
 
