@@ -105,6 +105,74 @@ TEST(PinTimerTest, ResetTakesTheSignalAsSettled) {
     timer.reset({{}, {}, 20ms}, true);
     EXPECT_FALSE(timer.state()) << "its pulse is over";
     EXPECT_FALSE(timer.next_change());
+    timer.set_signal(false, Time(0));
+    timer.set_signal(true, Time(1ms));
+    ASSERT_EQ(timer.next_change(), Time(21ms));
+    timer.reset({{}, {}, {}}, true);
+    EXPECT_FALSE(timer.next_change());
+    timer.set_signal(false, Time(2ms));
+    EXPECT_FALSE(timer.state());
+}
+
+TEST(PinTimerTest, StartsOff) {
+    PinTimer timer;
+    EXPECT_FALSE(timer.state());
+    timer.set_signal(true, Time(0));
+    EXPECT_TRUE(timer.state());
+}
+
+TEST(PinTimerTest, SignalThatStaysDoesNotBeginItsDelayAnew) {
+    PinTimer timer = timer_with({20ms, {}, {}});
+    timer.set_signal(true, Time(0));
+    timer.set_signal(true, Time(10ms));
+    EXPECT_EQ(timer.next_change(), Time(20ms));
+}
+
+TEST(PinTimerTest, WithBothDelaysAShortGapIsNotSeen) {
+    PinTimer timer = timer_with({20ms, 30ms, {}});
+    timer.set_signal(true, Time(0));
+    timer.change();
+    timer.set_signal(false, Time(30ms));
+    timer.set_signal(true, Time(40ms));
+    EXPECT_TRUE(timer.state());
+    EXPECT_FALSE(timer.next_change());
+}
+
+TEST(PinTimerTest, RepeatsWhereTheSameFollowsAtTheSameDistance) {
+    PinTimer const idle = timer_with({20ms, {}, {}});
+    EXPECT_TRUE(idle.repeats(idle, 100ms));
+    PinTimer one = idle;
+    one.set_signal(true, Time(5ms));
+    PinTimer later = idle;
+    later.set_signal(true, Time(105ms));
+    EXPECT_TRUE(later.repeats(one, 100ms));
+    EXPECT_FALSE(later.repeats(one, 99ms));
+}
+
+TEST(PinTimerTest, AnotherSignalStateOrWaitIsNoRepetition) {
+    PinTimer pulse = timer_with({{}, {}, 50ms});
+    pulse.set_signal(true, Time(0));
+    PinTimer signal_gone = pulse;
+    signal_gone.set_signal(false, Time(10ms));
+    EXPECT_FALSE(signal_gone.repeats(pulse, 0s));
+    PinTimer pulse_over = pulse;
+    pulse_over.change();
+    PinTimer steady = timer_with({});
+    steady.set_signal(true, Time(0));
+    EXPECT_FALSE(steady.repeats(pulse_over, 0s));
+    PinTimer waits = timer_with({20ms, {}, {}});
+    waits.set_signal(true, Time(0));
+    EXPECT_FALSE(pulse_over.repeats(waits, 0s));
+    EXPECT_FALSE(waits.repeats(pulse_over, 0s));
+}
+
+TEST(PinTimerTest, WhatIsDueCanBePostponed) {
+    PinTimer timer = timer_with({20ms, {}, {}});
+    timer.postpone(1s);
+    EXPECT_FALSE(timer.next_change());
+    timer.set_signal(true, Time(0));
+    timer.postpone(1s);
+    EXPECT_EQ(timer.next_change(), Time(1020ms));
 }
 
 }  // namespace
