@@ -15,15 +15,20 @@ namespace {
 using sim::Module;
 using sim::ModuleInfo;
 
-TEST(ModuleInfoTest, TheRealTimeUnitHasItsRevision) {
+// Major, minor, patch, build, year, week.
+std::vector<int> revision_of(Module module) {
     hal::revision_t revision{};
-    EXPECT_EQ(ModuleInfo().get_revision(Module::rtu, revision), 0);
-    EXPECT_EQ(revision.major, 1);
-    EXPECT_EQ(revision.minor, 6);
-    EXPECT_EQ(revision.patch, 0);
-    EXPECT_EQ(revision.num, 2);
-    EXPECT_EQ(revision.year, 22);
-    EXPECT_EQ(revision.week, 14);
+    EXPECT_EQ(ModuleInfo().get_revision(module, revision), 0);
+    return {revision.major, revision.minor, revision.patch, revision.num, revision.year, revision.week};
+}
+
+TEST(ModuleInfoTest, EveryModuleHasItsRevision) {
+    EXPECT_EQ(revision_of(Module::rtu), (std::vector{1, 6, 0, 2, 22, 14}));
+    EXPECT_EQ(revision_of(Module::illumination), (std::vector{2, 3, 1, 1, 22, 9}));
+    EXPECT_EQ(revision_of(Module::autofocus), (std::vector{1, 2, 0, 4, 21, 47}));
+    EXPECT_EQ(revision_of(Module::gyro), (std::vector{1, 0, 3, 1, 22, 11}));
+    EXPECT_EQ(revision_of(Module::imx296), (std::vector{1, 4, 0, 1, 22, 6}));
+    EXPECT_EQ(revision_of(Module::imx567), (std::vector{1, 1, 0, 3, 22, 20}));
 }
 
 TEST(ModuleInfoTest, NoTwoModulesTellTheSame) {
