@@ -129,4 +129,32 @@ TEST(ButtonEventsTest, RecordsFireInTheOrderOfTheirTimes) {
               "p1 p2 p0 r0");
 }
 
+TEST(ButtonEventsTest, OfEqualTimesTheFirstRecordComesFirst) {
+    EXPECT_EQ(press_of(5s, {{1000ms, true}, {1000ms, true}}, {{1000ms, true}, {1000ms, true}}), "p0 p1 r0");
+}
+
+TEST(ButtonEventsTest, AnyHoldTimeSetsARecord) {
+    EXPECT_EQ(press_of(1s, {}, {{0ms, true}, {1us, false}}), "");
+}
+
+TEST(ButtonEventsTest, ANewPressForgetsTheOldOne) {
+    ButtonEvents events(kDebounce);
+    events.press(0s, kPress);
+    events.press(1s, kPress);
+    EXPECT_EQ(text(events.advance(20s)), "p1 p3");
+}
+
+TEST(ButtonEventsTest, APressIsReleasedOnce) {
+    ButtonEvents events(kDebounce);
+    events.press(0s, kPress);
+    EXPECT_EQ(text(events.release(1500ms, kRelease)), "r1");
+    EXPECT_EQ(text(events.release(3s, kRelease)), "");
+}
+
+TEST(ButtonEventsTest, ThereAreFiveRecordsAndTwoLines) {
+    EXPECT_EQ(ButtonEvents::kRecords, std::size_t{5});
+    EXPECT_EQ(long{sim::PushButton::kR47Line}, 82);
+    EXPECT_EQ(long{sim::PushButton::kOtherLine}, 44);
+}
+
 }  // namespace
