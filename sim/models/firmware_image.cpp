@@ -38,18 +38,20 @@ std::uint32_t crc32(std::string_view bytes) {
     return crc ^ kCrcStart;
 }
 
-void put(std::string& bytes, std::uint32_t number, unsigned size) {
-    for (unsigned i = 0; i < size; ++i) {
-        bytes += static_cast<char>((number >> (8 * i)) & 0xFFU);
+template <typename Number>
+void put(std::string& bytes, Number number) {
+    for (unsigned i = 0; i < sizeof(Number); ++i) {
+        bytes += static_cast<char>(static_cast<std::uint8_t>(number >> (8 * i)));
     }
 }
 
-std::uint32_t get(std::string_view bytes, std::size_t at, unsigned size) {
+template <typename Number>
+Number get(std::string_view bytes, std::size_t at) {
     std::uint32_t number = 0;
-    for (unsigned i = 0; i < size; ++i) {
+    for (unsigned i = 0; i < sizeof(Number); ++i) {
         number |= static_cast<std::uint32_t>(static_cast<std::uint8_t>(bytes[at + i])) << (8 * i);
     }
-    return number;
+    return static_cast<Number>(number);
 }
 
 // Stands for the hub's code: a fixed pattern, different for each variant and version.
@@ -58,7 +60,7 @@ std::string make_code(FirmwareImage const& image) {
     std::uint32_t state = (static_cast<std::uint32_t>(image.variant) << 16U) | image.version;
     while (code.size() < kCodeSize) {
         state = state * kFactor + kAddend;
-        put(code, state, 4);
+        put(code, state);
     }
     return code;
 }
@@ -68,17 +70,17 @@ std::string make_code(FirmwareImage const& image) {
 std::string make_firmware_image(FirmwareImage const& image) {
     std::string const code = make_code(image);
     std::string bytes(kMagic);
-    put(bytes, static_cast<std::uint8_t>(image.variant), 1);
-    put(bytes, kProductId, 1);
-    put(bytes, image.version, 2);
-    put(bytes, static_cast<std::uint32_t>(code.size()), 4);
-    put(bytes, crc32(code), 4);
+    put(bytes, static_cast<std::uint8_t>(image.variant));
+    put(bytes, kProductId);
+    put(bytes, image.version);
+    put(bytes, static_cast<std::uint32_t>(code.size()));
+    put(bytes, crc32(code));
     return bytes + code;
 }
 
 bool begins_as_firmware_image(std::string_view bytes) {
     return bytes.size() >= kHeaderSize && bytes.substr(0, kMagic.size()) == kMagic &&
-           get(bytes, kProductIdAt, 1) == kProductId;
+           get<std::uint8_t>(bytes, kProductIdAt) == kProductId;
 }
 
 std::optional<FirmwareImage> read_firmware_image(std::string_view bytes) {
@@ -90,10 +92,10 @@ std::optional<FirmwareImage> read_firmware_image(std::string_view bytes) {
         return std::nullopt;
     }
     std::string_view const code = bytes.substr(kHeaderSize);
-    if (code.size() != get(bytes, kCodeSizeAt, 4) || crc32(code) != get(bytes, kCodeCrcAt, 4)) {
+    if (code.size() != get<std::uint32_t>(bytes, kCodeSizeAt) || crc32(code) != get<std::uint32_t>(bytes, kCodeCrcAt)) {
         return std::nullopt;
     }
-    return FirmwareImage{variant, static_cast<std::uint16_t>(get(bytes, kVersionAt, 2))};
+    return FirmwareImage{variant, get<std::uint16_t>(bytes, kVersionAt)};
 }
 
 }  // namespace sim

@@ -18,6 +18,16 @@ TEST(FirmwareImageTest, ReadsWhatItMade) {
     }
 }
 
+// Its last four bytes are what zlib's crc32() makes of the code.
+TEST(FirmwareImageTest, HeaderTellsTheHubTheVersionAndTheSumOfTheCode) {
+    using namespace std::string_literals;
+    std::string const ap = make_firmware_image({HubVariant::bhi260ap, 0x1767});
+    std::string const ab = make_firmware_image({HubVariant::bhi260ab, 0x1767});
+    EXPECT_EQ(ap.substr(0, 20), "R47HUBFWP\x89\x67\x17\x00\x10\x00\x00\x35\xca\xe4\x86"s);
+    EXPECT_EQ(ab.substr(0, 20), "R47HUBFWB\x89\x67\x17\x00\x10\x00\x00\xa1\xe0\x2f\xd0"s);
+    EXPECT_EQ(ap.size(), std::size_t{4116});
+}
+
 TEST(FirmwareImageTest, ADamagedByteAnywhereIsFound) {
     std::string const bytes = make_firmware_image({HubVariant::bhi260ap, 5991});
     std::size_t const step = 61;  // through the code; the header byte by byte
