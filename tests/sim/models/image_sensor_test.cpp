@@ -23,19 +23,22 @@ std::pair<unsigned int, unsigned int> offset_of(ImageSensor const& sensor) {
 }
 
 void check_facts(sim::SensorFacts const& facts, std::string const& name, std::pair<unsigned int, unsigned int> array,
-                 unsigned int grid) {
+                 unsigned int grid, std::array<unsigned int, 3> const& exposures) {
     EXPECT_EQ(facts.name, name);
     EXPECT_EQ(facts.node, "/dev/" + name);
     EXPECT_EQ(std::make_pair(facts.width, facts.height), array);
     EXPECT_EQ(facts.roi_grid, grid);
     EXPECT_EQ(facts.max_gain, 480U);
+    EXPECT_EQ((std::array{facts.exposures.min_us, facts.exposures.max_us, facts.exposures.max_fps}), exposures);
     EXPECT_EQ(sim::find_image_sensor(facts.type), &facts);
 }
 
 TEST(ImageSensorTest, TableHoldsThePublishedFigures) {
-    check_facts(sim::imx296_facts(), "imx296", {1456, 1088}, 4);
-    check_facts(sim::imx567_facts(), "imx567", {2472, 2064}, 8);
+    check_facts(sim::imx296_facts(), "imx296", {1456, 1088}, 4, {30, 15'500'000, 60});
+    check_facts(sim::imx567_facts(), "imx567", {2472, 2064}, 8, {1, 100'000'000, 96});
     EXPECT_EQ(sim::find_image_sensor(hal::imx_te::none), nullptr);
+    EXPECT_EQ(sim::kLeastFps, 1U);
+    EXPECT_EQ(sim::kExposureStep, 1U);
     EXPECT_EQ(sim::image_sensors().front(), &sim::imx296_facts()) << "it counts where both are fitted";
     EXPECT_EQ(sim::image_sensors().back(), &sim::imx567_facts());
 }
@@ -58,6 +61,7 @@ TEST(ImageSensorTest, WithThePowerAllGoesButTheColourType) {
     EXPECT_EQ(offset_of(sensor), std::make_pair(0U, 0U));
     EXPECT_EQ(sensor.frames(), 0U);
     EXPECT_EQ(ImageSensor(sim::imx567_facts()).variant(), 0U) << "monochrome at first";
+    EXPECT_EQ(ImageSensor(sim::imx567_facts()).gain(), 0U);
 }
 
 TEST(ImageSensorTest, GainGoesUpToItsLimit) {
