@@ -21,13 +21,9 @@ Rotation inverse(Rotation const& r) {
     return {r.w, -r.x, -r.y, -r.z};
 }
 
-double length(double x, double y, double z) {
-    return std::sqrt(x * x + y * y + z * z);
-}
-
 // The rotation by the length of a vector, in radians, around its direction.
 Rotation turn_around(double x, double y, double z) {
-    double const angle = length(x, y, z);
+    double const angle = std::hypot(x, y, z);
     if (angle == 0.0) {
         return {};
     }
@@ -41,7 +37,7 @@ Rotation between(Rotation const& from, Rotation const& to, double part) {
     if (way.w < 0) {
         way = {-way.w, -way.x, -way.y, -way.z};
     }
-    double const axis = length(way.x, way.y, way.z);
+    double const axis = std::hypot(way.x, way.y, way.z);
     if (axis == 0.0) {
         return to;
     }
@@ -101,7 +97,7 @@ Rotation rotation_of(hal::quaternion_s16_t const& sample) {
 
 double angle_between(Rotation const& one, Rotation const& other) {
     Rotation const way = product(inverse(one), other);
-    return 2 * std::atan2(length(way.x, way.y, way.z), std::fabs(way.w)) / kDegree;
+    return 2 * std::atan2(std::hypot(way.x, way.y, way.z), std::fabs(way.w)) / kDegree;
 }
 
 double tilt_between(Rotation const& one, Rotation const& other) {

@@ -87,6 +87,7 @@ TEST(OrientationTest, TheLowerEdgeIsTheOneThatPointsDown) {
     EXPECT_EQ(edge({}), sim::Edge::none);
     EXPECT_EQ(edge({0, 29.9, 0}), sim::Edge::none);
     EXPECT_EQ(edge({0, 180, 0}), sim::Edge::none);
+    EXPECT_EQ(sim::lower_edge(sim::Rotation{}, 0), sim::Edge::none) << "level, whatever counts as flat";
     EXPECT_EQ(edge({50, 30.1, 0}), sim::Edge::front);
     EXPECT_EQ(edge({0, -30.1, 0}), sim::Edge::back);
     EXPECT_EQ(edge({0, 0, -80}), sim::Edge::left);
@@ -122,6 +123,22 @@ TEST(OrientationTest, TurnsEvenlyOverATime) {
     expect_angles(orientation.at(14s), {0, 0, 80});
 }
 
+TEST(OrientationTest, TurnsEvenlyAroundOneAxisWhicheverItIs) {
+    for (auto const& [from, to] : {std::pair(Angles{30, 20, 10}, Angles{100, -40, 60}),
+                                   {Angles{170, 20, 10}, Angles{-170, -40, 60}},
+                                   {Angles{-160, -50, 100}, Angles{150, 60, -120}}}) {
+        Orientation orientation;
+        orientation.tilt(from, 0s);
+        orientation.tilt(to, 0s, 4s);
+        double const whole = sim::angle_between(sim::rotation_of(from), sim::rotation_of(to));
+        for (int second = 0; second <= 4; ++second) {
+            sim::Rotation const now = orientation.at(std::chrono::seconds(second));
+            EXPECT_NEAR(sim::angle_between(sim::rotation_of(from), now), whole * second / 4, 1e-6);
+            EXPECT_NEAR(sim::angle_between(now, sim::rotation_of(to)), whole * (4 - second) / 4, 1e-6);
+        }
+    }
+}
+
 TEST(OrientationTest, TurnsNowhereWhereItLiesThatWayAlready) {
     Orientation orientation;
     EXPECT_TRUE(orientation.tilt({0, 0, 0}, 10s, 4s));
@@ -149,6 +166,19 @@ TEST(OrientationTest, AnglesOutOfRangeAreRefused) {
         EXPECT_FALSE(orientation.tilt(angles, 1s));
     }
     expect_angles(orientation.at(2s), {});
+    for (Angles const& angles : {Angles{360, 90, 360}, Angles{-360, -90, -360}}) {
+        EXPECT_TRUE(orientation.tilt(angles, 1s));
+    }
+}
+
+TEST(OrientationTest, NoiseOutOfRangeIsRefused) {
+    Orientation orientation;
+    EXPECT_EQ(orientation.noise(), 0.02) << "degrees";
+    EXPECT_TRUE(orientation.set_noise(10));
+    for (double const noise : {-0.1, 10.1, std::nan("")}) {
+        EXPECT_FALSE(orientation.set_noise(noise));
+    }
+    EXPECT_EQ(orientation.noise(), 10);
 }
 
 TEST(OrientationTest, SampleIsFixedPoint) {
@@ -191,6 +221,35 @@ TEST(OrientationTest, NoiseDependsOnSeedAndTimeAlone) {
     EXPECT_NE(one.measure(7s).x, one.measure(8s).x);
     other.set_seed(2);
     EXPECT_NE(one.measure(7s).x, other.measure(7s).x);
+}
+
+TEST(OrientationTest, SeedMeasuresTheSameInEveryBuild) {
+    Orientation orientation;
+    orientation.tilt({20, 40, 60}, 0s);
+    orientation.set_noise(10);
+    orientation.set_seed(7);
+    hal::quaternion_s16_t const sample = orientation.measure(1s);
+    EXPECT_NEAR(sample.x, 8442, 1);
+    EXPECT_NEAR(sample.y, 5971, 1);
+    EXPECT_NEAR(sample.z, 2451, 1);
+    EXPECT_NEAR(sample.w, 12470, 1);
+}
+
+TEST(OrientationTest, AngleBetweenIsOneTurnWhateverItsAxis) {
+    sim::Rotation const one = sim::rotation_of(Angles{10, 20, 30});
+    sim::Rotation const other = sim::rotation_of(Angles{40, -50, 60});
+    double const cosine = one.w * other.w + one.x * other.x + one.y * other.y + one.z * other.z;
+    EXPECT_NEAR(sim::angle_between(one, other), 2 * std::acos(cosine) * 180 / std::acos(-1.0), 1e-6);
+}
+
+TEST(OrientationTest, TiltIsANumberAtBothEnds) {
+    for (int yaw = 0; yaw < 360; ++yaw) {
+        auto const rotation = [&](double pitch, double roll) {
+            return sim::rotation_of(Angles{double(yaw), pitch + yaw * 0.1, roll});
+        };
+        EXPECT_NEAR(sim::tilt_between(rotation(7, 0), rotation(7, 0)), 0, 1e-4);
+        EXPECT_NEAR(sim::tilt_between(rotation(7, 0), rotation(7 + 180, 0)), 180, 1e-4);
+    }
 }
 
 TEST(OrientationTest, AngleBetweenIgnoresTheSignOfTheQuaternion) {
