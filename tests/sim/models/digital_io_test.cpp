@@ -404,4 +404,64 @@ TEST(DigitalIoTest, WithTheDevicesPowerAllGoesButSupplyAndWires) {
     }
 }
 
+TEST(DigitalIoTest, IlluminationOutputIsOffAtFirst) {
+    DigitalIo pins;
+    ASSERT_EQ(pins.set_config(1, with_func(func_t::illumination_output)), 0);
+    EXPECT_FALSE(value_of(pins, 1));
+}
+
+// An input on pin 2 and one on pin 3, which become active so much after their wires.
+DigitalIo with_delayed_inputs() {
+    DigitalIo pins;
+    config_t config = with_func(func_t::input);
+    config.on_delay_active = true;
+    for (unsigned char pin : {std::uint8_t{2}, std::uint8_t{3}}) {
+        config.on_delay_time = pin == 2 ? 30 : 20;
+        EXPECT_EQ(pins.set_config(pin, config), 0);
+    }
+    return pins;
+}
+
+TEST(DigitalIoTest, PinsChangeInTheOrderOfTheirTimes) {
+    DigitalIo pins = with_delayed_inputs();
+    pins.drive(2, true, Time(0));
+    pins.drive(3, true, Time(0));
+    EXPECT_EQ(pins.next_change(), Time(20ms));
+    pins.change();
+    EXPECT_EQ(pins.values().to_ulong(), 8U);
+    EXPECT_EQ(pins.next_change(), Time(30ms));
+}
+
+TEST(DigitalIoTest, RepeatsWhereEveryPinDoes) {
+    DigitalIo one = with_delayed_inputs();
+    DigitalIo later = one;
+    EXPECT_TRUE(later.repeats(one, 100ms));
+    one.drive(3, true, Time(0));
+    later.drive(3, true, Time(100ms));
+    EXPECT_TRUE(later.repeats(one, 100ms));
+    EXPECT_FALSE(later.repeats(one, 99ms));
+    DigitalIo exposing = later;
+    exposing.set_exposing(true, Time(100ms));
+    EXPECT_FALSE(exposing.repeats(one, 100ms));
+}
+
+TEST(DigitalIoTest, AnEncoderThatHasMovedIsNoRepetition) {
+    DigitalIo one;
+    ASSERT_EQ(one.set_config(4, with_func(func_t::quadrature_input_a)), 0);
+    ASSERT_EQ(one.set_config(5, with_func(func_t::quadrature_input_b)), 0);
+    DigitalIo later = one;
+    for (auto const& [pin, high] : {std::pair(4, true), {5, true}, {4, false}, {5, false}}) {
+        later.drive(static_cast<unsigned char>(pin), high, Time(0));
+    }
+    EXPECT_EQ(later.encoder_position(), 4);
+    EXPECT_FALSE(later.repeats(one, 0s));
+}
+
+TEST(DigitalIoTest, WhatIsDueCanBePostponed) {
+    DigitalIo pins = with_delayed_inputs();
+    pins.drive(2, true, Time(0));
+    pins.postpone(1s);
+    EXPECT_EQ(pins.next_change(), Time(1030ms));
+}
+
 }  // namespace
