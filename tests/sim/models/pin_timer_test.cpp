@@ -112,6 +112,10 @@ TEST(PinTimerTest, ResetTakesTheSignalAsSettled) {
     EXPECT_FALSE(timer.next_change());
     timer.set_signal(false, Time(2ms));
     EXPECT_FALSE(timer.state());
+    PinTimer other;
+    other.reset({}, true);
+    other.set_signal(false, Time(0));
+    EXPECT_FALSE(other.state());
 }
 
 TEST(PinTimerTest, StartsOff) {
