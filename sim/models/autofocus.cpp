@@ -173,10 +173,7 @@ int Autofocus::check_position(unsigned int position) const {
     if (calibrating() || homing_) {
         return EBUSY;
     }
-    unsigned short min = 0;
-    unsigned short max = 0;
-    get_position_limits(min, max);
-    return position < min || position > max ? ERANGE : 0;
+    return position < lowest() || position > highest() ? ERANGE : 0;
 }
 
 int Autofocus::set_position(unsigned int position) {
@@ -197,8 +194,8 @@ int Autofocus::put_position(unsigned int position) {
 }
 
 int Autofocus::get_position_limits(unsigned short& min, unsigned short& max) const {
-    min = maintenance_ ? 0 : kLowestAllowed;
-    max = maintenance_ ? kHighestStep : kHighestAllowed;
+    min = lowest();
+    max = highest();
     return 0;
 }
 
@@ -238,10 +235,7 @@ int Autofocus::reset() {
     raised_ = {};
     calibrated_at_.reset();
     frequency_hz_.reset();
-    unsigned short min = 0;
-    unsigned short max = 0;
-    get_position_limits(min, max);
-    target_ = min;
+    target_ = lowest();
     // One that is there already has nothing to do; that a stuck one cannot move off and back again takes its time.
     homing_ = position_ != target_ || !module.motor_free;
     return 0;
@@ -295,10 +289,7 @@ bool Autofocus::doe_active(bool exposing) const {
 
 void Autofocus::set_maintenance_mode(bool enabled) {
     maintenance_ = enabled;
-    unsigned short min = 0;
-    unsigned short max = 0;
-    get_position_limits(min, max);
-    target_ = std::clamp<double>(target_, min, max);
+    target_ = std::clamp<double>(target_, lowest(), highest());
 }
 
 }  // namespace sim

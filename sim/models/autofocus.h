@@ -96,6 +96,8 @@ public:
     bool calibrating() const { return calibrated_at_.has_value(); }
 
 private:
+    unsigned short lowest() const { return maintenance_ ? 0 : kLowestAllowed; }
+    unsigned short highest() const { return maintenance_ ? kHighestStep : kHighestAllowed; }
     int check_position(unsigned int position) const;
     void move(Duration length);
     void find_stuck();

@@ -448,6 +448,14 @@ TEST(AutofocusTest, WithoutPowerItForgetsTheFrequencyAndEndsACalibration) {
     EXPECT_EQ(autofocus.set_position(500), 0);
 }
 
+TEST(AutofocusTest, WithoutPowerItsErrorsAreForgotten) {
+    Autofocus autofocus;
+    autofocus.set_position(1);
+    EXPECT_TRUE(autofocus.errors().target_unreachable);
+    autofocus.lose_power();
+    EXPECT_FALSE(autofocus.errors().target_unreachable);
+}
+
 TEST(AutofocusTest, WithoutPowerNothingGoesOnAndItStaysSoForAModuleThatComes) {
     Autofocus autofocus;
     autofocus.set_position(1100);
