@@ -246,7 +246,6 @@ void Illumination::lose_power() {
     fresh.present_ = present_;
     fresh.ambient_ = ambient_;
     fresh.warmth_ = warmth_;
-    fresh.begin_course();
     *this = fresh;
 }
 

@@ -56,6 +56,7 @@ TEST(IlluminationTest, StartsWithTheSettingsOfTheFactory) {
 }
 
 TEST(IlluminationTest, LimitsAreThoseOfTheModule) {
+    EXPECT_EQ(Illumination::kFlashTimes.step, 1U) << "us";
     using Setting = Illumination::Setting;
     struct {
         Setting setting;
@@ -491,10 +492,10 @@ TEST(IlluminationTest, OneLongStepEndsWhereManyShortOnesDo) {
     EXPECT_EQ(one.lit(), many.lit());
 }
 
-TEST(IlluminationTest, YearsPassAtOnce) {
+TEST(IlluminationTest, AgesPassAtOnce) {
     Illumination illumination;
     shine(illumination);
-    illumination.advance(seconds(1'000'000'000), kNoSignal);
+    illumination.advance(seconds(1'000'000'000'000), kNoSignal);
     EXPECT_GE(illumination.internal_temperature(), 75.0 - 1e-6);
     EXPECT_LE(illumination.internal_temperature(), 85.0 + 1e-6);
 }
@@ -630,6 +631,31 @@ TEST(IlluminationTest, UnpluggedItComesBackAsAfterPowerOn) {
     EXPECT_FALSE(illumination.guards().dvs);
     EXPECT_TRUE(illumination.guards().autocal);
     EXPECT_TRUE(illumination.disturbances.bc);
+}
+
+TEST(IlluminationTest, WithoutPowerModuleAndSurroundingsStayWhatTheyAre) {
+    Illumination illumination;
+    illumination.module.rgbw = false;
+    illumination.advance(seconds(1), kNoSignal);
+    EXPECT_EQ(illumination.set_ambient_temperature(40), 0);
+    illumination.lose_power();
+    EXPECT_FALSE(illumination.module.rgbw);
+    EXPECT_EQ(illumination.ambient_temperature(), 40);
+    illumination.advance(seconds(2), kNoSignal);
+    EXPECT_GT(illumination.internal_temperature(), 25);
+    EXPECT_LT(illumination.internal_temperature(), 26);
+}
+
+TEST(IlluminationTest, TemperatureThatIsSetLaterGoesOnFromThereToo) {
+    Illumination illumination;
+    illumination.advance(seconds(1), kNoSignal);
+    EXPECT_EQ(illumination.set_external_temperature(50), 0);
+    illumination.advance(seconds(2), kNoSignal);
+    EXPECT_NEAR(illumination.external_temperature(), 50, 0.1);
+    EXPECT_EQ(illumination.set_internal_temperature(60), 0);
+    illumination.advance(seconds(3), kNoSignal);
+    EXPECT_NEAR(illumination.internal_temperature(), 60, 0.5);
+    EXPECT_NEAR(illumination.external_temperature(), 50, 0.2);
 }
 
 TEST(IlluminationTest, MissingModuleDoesNotAnswer) {
