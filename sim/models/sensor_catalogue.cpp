@@ -45,7 +45,7 @@ constexpr VirtualSensor rotation_vector(unsigned int id, std::string_view name, 
 }
 
 // Of something that happens.
-constexpr VirtualSensor event(unsigned int id, std::string_view name, bool wake_up, Trigger trigger, double angle = 0,
+constexpr VirtualSensor event(unsigned int id, std::string_view name, bool wake_up, Trigger trigger, double angle,
                               unsigned int event_size = 1) {
     return {id, name, trigger, angle, false, wake_up, kEventRate, kEventRate, 0, 1, event_size};
 }

@@ -87,6 +87,8 @@ TEST(SensorCatalogueTest, SensorsOfEventsHaveTheirAngle) {
     expect(77, Trigger::turn, 2);
     expect(37, Trigger::period, 0);
     expect(50, Trigger::never, 0);
+    expect(1, Trigger::period, 0);
+    expect(10, Trigger::period, 0);
 }
 
 TEST(SensorCatalogueTest, HasThePhysicalSensors) {
