@@ -22,6 +22,8 @@ device_state_te state_of(SystemState const& system) {
 
 TEST(SystemStateTest, StartsInBoot) {
     EXPECT_EQ(state_of(SystemState()), device_state_te::boot);
+    EXPECT_EQ(SystemState().heartbeats(), 0U);
+    EXPECT_EQ(SystemState().last_heartbeat(), 0s);
 }
 
 TEST(SystemStateTest, TakesEveryAssignedState) {
