@@ -64,7 +64,7 @@ LOGIC = {"&&": "||", "||": "&&"}
 TRUTH = {"true": "false", "false": "true"}
 # On one line, and no declaration: those that are left out do not compile without, or are a return that is needed.
 STATEMENT = re.compile(r"\s{4,}(?!return .|using |static_assert|case |default:|\S+ .*\b\w+ = |[\w:<>]+ (const )?\w+(\{.*\})?;)\S.*;$")
-COMMUTATIVE = ("min", "max", "hypot")
+COMMUTATIVE = ("min", "max", "hypot", "angle_between", "tilt_between")
 
 Mutant = collections.namedtuple("Mutant", "file number kind old new")
 

@@ -67,6 +67,7 @@ TEST(TiltAlarmTest, LimitOutOfRangeIsRefusedAndTheOldOneStays) {
 TEST(TiltAlarmTest, LimitsOfTheRangeAreTaken) {
     TiltAlarm alarm;
     EXPECT_TRUE(alarm.set_angle_limit(0));
+    EXPECT_EQ(alarm.judge(pitched(0)), std::nullopt) << "the limit itself is in position";
     EXPECT_EQ(alarm.judge(pitched(0.5)), Transition::left);
     EXPECT_TRUE(alarm.set_angle_limit(180));
     EXPECT_EQ(alarm.judge(pitched(90)), Transition::reached);
