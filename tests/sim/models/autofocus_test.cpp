@@ -63,7 +63,7 @@ TEST(AutofocusTest, MaintenanceReachesTheStopsAndLeavingItDrivesBack) {
     Autofocus autofocus;
     unsigned short min = 0;
     unsigned short max = 0;
-    autofocus.get_position_limits(min, max);
+    EXPECT_EQ(autofocus.get_position_limits(min, max), 0);
     EXPECT_EQ(min, 100);
     EXPECT_EQ(max, 2900);
     autofocus.set_maintenance_mode(true);
