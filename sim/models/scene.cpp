@@ -84,10 +84,7 @@ std::string Scene::text() const {
 std::optional<Target> Scene::look(double right, double down) const {
     double distance = first_;
     switch (shape_) {
-        case Shape::nothing:
-            return std::nullopt;
-        case Shape::plane:
-            break;
+        case Shape::plane:  // tilted by nothing
         case Shape::tilted: {
             double const nearing = right * std::tan(second_ * kDegree) + down * std::tan(third_ * kDegree);
             if (nearing >= 1.0) {
@@ -107,6 +104,8 @@ std::optional<Target> Scene::look(double right, double down) const {
                 distance = second_;
             }
             break;
+        case Shape::nothing:
+            return std::nullopt;
     }
     return Target{distance, reflectance_};
 }
