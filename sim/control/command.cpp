@@ -151,6 +151,27 @@ Reply duration_error(std::string const& word) {
     return Reply::error("bad duration " + word + ": as 3s, 250ms, 10us, 5min or 2h, at most one day");
 }
 
+Error take_stream_form(Words& words, std::string const& usage, StreamForm& form) {
+    constexpr std::chrono::milliseconds kMostOften{1};
+    auto word = words.begin();
+    for (; word != words.end() && word->compare(0, 2, "--") == 0; ++word) {
+        if (*word == "--json") {
+            form.json = true;
+        } else if (*word == "--every" && word + 1 != words.end()) {
+            ++word;
+            auto const every = parse_duration(*word);
+            if (!every) {
+                return duration_error(*word).text;
+            }
+            form.every = std::max(std::chrono::duration_cast<std::chrono::milliseconds>(*every), kMostOften);
+        } else {
+            return usage_error(usage).text;
+        }
+    }
+    words.erase(words.begin(), word);
+    return {};
+}
+
 bool split_words(std::string_view line, Words& words) {
     for (std::size_t at = 0; at < line.size();) {
         if (is_blank(line[at])) {

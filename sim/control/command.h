@@ -1,7 +1,9 @@
 // The control grammar: one-line commands, each a verb and its words.
 #pragma once
 
+#include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,16 +34,22 @@ public:
     virtual std::vector<std::string> waited_for() = 0;
 };
 
+// How lines are sent to a client that follows something.
+struct StreamForm {
+    bool json = false;
+    std::optional<std::chrono::milliseconds> every{};  // so often by the host's clock; nothing: as it happens
+};
+
 // Who gave the command.
 struct Caller {
     Device& device;
     // Lines for the caller while a command goes on; empty: nobody is told.
     std::function<void(std::string const& line)> tell{};
     // Sends the journal to the caller from now on; empty where there is no connection to send it on.
-    std::function<void(bool json)> follow_journal{};
+    std::function<void(StreamForm const& form)> follow_journal{};
     ProgramList* programs = nullptr;  // null: there are none
     // Sends the changes of these properties to the caller from now on; empty where there is no connection.
-    std::function<void(std::vector<std::string> const& prefixes, bool json)> watch{};
+    std::function<void(std::vector<std::string> const& prefixes, StreamForm const& form)> watch{};
     // Whether he has gone; empty where there is nobody who could wait.
     std::function<bool()> gone{};
     bool rehearses = false;  // what programs do is not there to be expected
@@ -85,6 +93,9 @@ Commands const& device_commands();
 Reply usage_error(std::string const& usage);
 // The error for a `word` that parse_duration refuses.
 Reply duration_error(std::string const& word);
+
+// Takes "--json" and "--every DURATION" off the front of `words`; an error for what else begins with "--".
+Error take_stream_form(Words& words, std::string const& usage, StreamForm& form);
 
 // Words are separated by blanks; between double quotes blanks count and \" and \\ stand for " and \. False when a
 // quote is not closed.

@@ -8,7 +8,7 @@ namespace sim {
 
 namespace {
 
-char const* const kWatchUsage = "watch [--json] [PREFIX...]";
+char const* const kWatchUsage = "watch [--json] [--every DURATION] [PREFIX...]";
 char const* const kWaitUsage = "wait NAME OP VALUE [--timeout DURATION]";
 char const* const kExpectUsage = "expect NAME OP VALUE";
 
@@ -17,7 +17,9 @@ char const* const kWatchDetails =
     "all the while is told 20 times a second, of the device's on a stepped clock. A\n"
     "reader that is slow misses values in between, never the last one. Without a\n"
     "PREFIX the time itself is not watched. --json: each line as a JSON object.\n"
-    "Example: watch system autofocus.position";
+    "--every: tells what is now, the time too, and then, so often by the host's\n"
+    "clock, what is other than before, not what was so in between.\n"
+    "Examples: watch system autofocus.position; watch --every 1s illumination";
 char const* const kWaitDetails =
     "OP is == or !=, for numbers also <, <=, > or >=; VALUE as \"set\" takes it.\n"
     "Fails when it does not hold within DURATION of the device's time. On a stepped\n"
@@ -31,8 +33,12 @@ char const* const kExpectDetails =
 constexpr std::chrono::milliseconds kPatience{50};  // after which is looked at who waits, and what time has changed
 
 Reply watch(Caller const& caller, Words const& words) {
-    bool const json = !words.empty() && words.front() == "--json";
-    Words const prefixes(words.begin() + (json ? 1 : 0), words.end());
+    Words prefixes = words;
+    StreamForm form;
+    Error const error = take_stream_form(prefixes, kWatchUsage, form);
+    if (!error.empty()) {
+        return Reply::error(error);
+    }
     {
         auto const device = caller.device.access();
         for (std::string const& prefix : prefixes) {
@@ -44,7 +50,7 @@ Reply watch(Caller const& caller, Words const& words) {
     if (!caller.watch) {
         return Reply::error("watch needs a connection");
     }
-    caller.watch(prefixes, json);
+    caller.watch(prefixes, form);
     return Reply::done();
 }
 

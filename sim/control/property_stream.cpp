@@ -17,24 +17,25 @@ namespace sim {
 class PropertyStream::Lines {
 public:
     Lines(Device& device, WatchRequest const& request)
-        : json_(request.json),
+        : json_(request.form.json),
+          pause_(static_cast<int>(request.form.every.value_or(PropertyWatch::kSpacing).count())),
           watch_(device, request.prefixes,
+                 request.form.every ? PropertyWatch::Manner::samples : PropertyWatch::Manner::changes,
                  [this](Time time, std::string const& name, Property const& property, Value const& value) {
                      return put(time, name, property, value);
                  }) {}
 
     void run(int connection) {
         while (true) {
-            // A line waits no longer than that: it need not wake anybody.
-            pollfd client{connection, POLLIN, 0};
-            char ignored[256];
-            if (::poll(&client, 1, static_cast<int>(PropertyWatch::kSpacing.count())) > 0 &&
-                ::recv(connection, ignored, sizeof ignored, MSG_DONTWAIT) <= 0) {
-                return;
-            }
             watch_.catch_up();
             std::string const lines = take();
             if (!lines.empty() && !send_all(connection, lines.data(), lines.size())) {
+                return;
+            }
+            // A line waits no longer than that: it need not wake anybody.
+            pollfd client{connection, POLLIN, 0};
+            char ignored[256];
+            if (::poll(&client, 1, pause_) > 0 && ::recv(connection, ignored, sizeof ignored, MSG_DONTWAIT) <= 0) {
                 return;
             }
         }
@@ -62,6 +63,7 @@ private:
     }
 
     bool const json_;
+    int const pause_;   // ms between two looks
     std::mutex mutex_;  // guards what follows; taken with the device's lock held
     std::vector<std::string> lines_;
     PropertyWatch watch_;  // calls put()

@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "sim/device/device.h"
+#include "sim/control/command.h"
 
 namespace sim {
 
-// Which properties, see PropertyWatch, and in which form: "TIME NAME VALUE", the time in seconds with six decimals, or
-// one JSON object with the members time, property, value and, of a choice, name.
+// Which properties, see PropertyWatch. A line is "TIME NAME VALUE", the time in seconds with six decimals, or one JSON
+// object with the members time, property, value and, of a choice, name.
 struct WatchRequest {
     std::vector<std::string> prefixes;
-    bool json = false;
+    StreamForm form;
 };
 
 // Watches from its construction on. Of what the client does not take kLongestQueue lines wait; beyond that, only the

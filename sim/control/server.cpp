@@ -66,7 +66,7 @@ private:
 class JournalStream {
 public:
     // Throws where the host has no descriptor left.
-    JournalStream(Device& device, bool json) : device_(device), json_(json) {
+    JournalStream(Device& device, StreamForm const& form) : device_(device), form_(form) {
         if (!wake_) {
             throw std::system_error(errno, std::generic_category());
         }
@@ -85,7 +85,7 @@ public:
     void run(int connection) {
         while (true) {
             pollfd waited[] = {{connection, POLLIN, 0}, {wake_.get(), POLLIN, 0}};
-            if (::poll(waited, 2, -1) < 0 && errno != EINTR) {
+            if (::poll(waited, 2, form_.every ? static_cast<int>(form_.every->count()) : -1) < 0 && errno != EINTR) {
                 return;
             }
             char ignored[256];
@@ -107,7 +107,7 @@ private:
     static constexpr std::size_t kAtOnce = 256;              // lines in one send
 
     std::string line_of(std::uint64_t sequence, Record const& record) const {
-        return (json_ ? record_json(sequence, record) : record_line(sequence, record)) + "\n";
+        return (form_.json ? record_json(sequence, record) : record_line(sequence, record)) + "\n";
     }
 
     void take(std::uint64_t sequence, Record const& record) {
@@ -120,7 +120,9 @@ private:
         }
         tell_gap();
         lines_.push_back(line_of(sequence, record));
-        ::eventfd_write(wake_.get(), 1);
+        if (!form_.every) {
+            ::eventfd_write(wake_.get(), 1);
+        }
     }
 
     // Says how many lines are missing here, if any.
@@ -149,7 +151,7 @@ private:
     }
 
     Device& device_;
-    bool const json_;
+    StreamForm const form_;
     Descriptor const wake_ = out_of_the_way(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     int follower_ = 0;
     std::mutex mutex_;  // guards what follows; taken with the device's lock held
@@ -168,11 +170,11 @@ void Server::refuse(int connection, std::string const& reason) {
 
 void Server::serve(int connection) {
     LineReader reader(connection);
-    std::optional<bool> follow;  // the journal, as JSON or not
+    std::optional<StreamForm> follow;  // the journal
     std::optional<WatchRequest> watch;
     Caller caller{device_, [&](std::string const& line) { send_text(connection, line + "\n"); },
-                  [&](bool json) { follow = json; }, programs_};
-    caller.watch = [&](std::vector<std::string> const& prefixes, bool json) { watch = {prefixes, json}; };
+                  [&](StreamForm const& form) { follow = form; }, programs_};
+    caller.watch = [&](Words const& prefixes, StreamForm const& form) { watch = {prefixes, form}; };
     caller.gone = [connection] { return has_gone(connection); };
     std::string line;
     bool too_long = false;

@@ -26,7 +26,7 @@ char const* const kNodeUsage = "node remove PATH\nnode restore PATH\nnode list";
 char const* const kClockUsage = "clock [real | scaled FACTOR | stepped]";
 char const* const kStepUsage = "step DURATION";
 char const* const kProgramsUsage = "programs";
-char const* const kJournalUsage = "journal follow [--json]";
+char const* const kJournalUsage = "journal follow [--json] [--every DURATION]";
 
 char const* const kShowDetails =
     "Shows all properties, or those whose name is a PREFIX or begins with one and\n"
@@ -63,7 +63,8 @@ char const* const kStepDetails =
 char const* const kProgramsDetails = "A line has name and number, process, and how many objects it has open.";
 char const* const kJournalDetails =
     "One line for each call, callback, command and program that comes or goes, from\n"
-    "now on, until one side ends. --json: each line as a JSON object.\n"
+    "now on, until one side ends. --json: each line as a JSON object. --every: the\n"
+    "lines come together, so often by the host's clock, which costs less.\n"
     "r47-sim has \"journal show\" and \"journal diff\" for journals in files.";
 
 constexpr double kSmallestFactor = 1e-3;
@@ -202,14 +203,22 @@ Reply programs(Caller const& caller, Words const& words) {
 }
 
 Reply journal(Caller const& caller, Words const& words) {
-    bool const json = words == Words{"follow", "--json"};
-    if (words != Words{"follow"} && !json) {
+    if (words.empty() || words.front() != "follow") {
+        return usage_error(kJournalUsage);
+    }
+    Words rest(words.begin() + 1, words.end());
+    StreamForm form;
+    Error const error = take_stream_form(rest, kJournalUsage, form);
+    if (!error.empty()) {
+        return Reply::error(error);
+    }
+    if (!rest.empty()) {
         return usage_error(kJournalUsage);
     }
     if (!caller.follow_journal) {
         return Reply::error("journal follow needs a connection");
     }
-    caller.follow_journal(json);
+    caller.follow_journal(form);
     return Reply::done();
 }
 

@@ -23,13 +23,18 @@ public:
     // stepped clock of the device's: what happens within a step is told as it would be otherwise.
     static constexpr std::chrono::milliseconds kSpacing{50};
 
-    // Watches what Properties::select answers; without a prefix not the time, which always changes.
-    PropertyWatch(Device& device, std::vector<std::string> const& prefixes, Report report);
+    enum class Manner {
+        changes,  // tells each change when it happens
+        samples   // tells at catch_up() what is other than at the one before, at the first one everything
+    };
+
+    // Watches what Properties::select answers; of changes without a prefix not the time, which always changes.
+    PropertyWatch(Device& device, std::vector<std::string> const& prefixes, Manner manner, Report report);
     PropertyWatch(PropertyWatch const&) = delete;
     PropertyWatch& operator=(PropertyWatch const&) = delete;
     ~PropertyWatch();
 
-    // Looks for what time alone has changed, and tells what waits. To be called each kSpacing.
+    // Looks for what time alone has changed, and tells what waits. To be called each kSpacing, or when a sample is due.
     void catch_up();
 
 private:
@@ -38,17 +43,18 @@ private:
     struct Watched {
         std::string name;
         Property property;
-        Value last;
-        Time told{-kSpacing};  // when that was
+        std::optional<Value> last;  // nothing: it is still to be told
+        Time told{-kSpacing};       // when that was
         HostTime told_by_host{};
     };
 
     void look(Time now, bool rests);
 
     Device& device_;
+    Manner const manner_;
     Report const report_;
     std::vector<Watched> watched_;
-    int observer_ = 0;
+    int observer_ = 0;  // of changes
 };
 
 }  // namespace sim

@@ -157,12 +157,15 @@ TEST_F(CommandTest, TheClockIsChosenAndStepped) {
 }
 
 TEST_F(CommandTest, FollowingTheJournalIsTheCallersMatter) {
-    std::optional<bool> as_json;
-    sim::Caller const caller{device_, {}, [&](bool json) { as_json = json; }};
+    std::optional<sim::StreamForm> form;
+    sim::Caller const caller{device_, {}, [&](sim::StreamForm const& wanted) { form = wanted; }};
     EXPECT_TRUE(sim::device_commands().run(caller, "journal follow").ok);
-    EXPECT_EQ(as_json, false);
-    EXPECT_TRUE(sim::device_commands().run(caller, "journal follow --json").ok);
-    EXPECT_EQ(as_json, true);
+    ASSERT_TRUE(form);
+    EXPECT_FALSE(form->json);
+    EXPECT_FALSE(form->every);
+    EXPECT_TRUE(sim::device_commands().run(caller, "journal follow --json --every 1s").ok);
+    EXPECT_TRUE(form->json);
+    EXPECT_EQ(form->every, 1s);
     EXPECT_EQ(refused("journal follow"), "journal follow needs a connection");
 }
 
@@ -322,6 +325,8 @@ TEST_F(CommandTest, BadCommandsAreRefusedAndChangeNothing) {
                              "journal",
                              "journal stop",
                              "journal follow me",
+                             "journal follow --every",
+                             "journal --json follow",
                              "\"show",
                              "\x01\xFF\xFE",
                              "--json"}) {

@@ -1,6 +1,7 @@
 // Tests of the commands that look at the device's state while it changes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <future>
@@ -76,6 +77,10 @@ TEST_F(ObservationTest, ABadConditionIsRefused) {
     EXPECT_EQ(refused("wait system.state == 1"), "wait needs a connection");
     EXPECT_EQ(refused("watch system"), "watch needs a connection");
     EXPECT_EQ(refused("watch sistem"), "unknown property sistem: did you mean system?");
+    EXPECT_EQ(refused("watch --every 5"), "bad duration 5: as 3s, 250ms, 10us, 5min or 2h, at most one day");
+    for (char const* const line : {"watch --every", "watch --often system"}) {
+        EXPECT_EQ(refused(line), "usage: watch [--json] [--every DURATION] [PREFIX...]");
+    }
 }
 
 TEST_F(ObservationTest, WaitIsDoneAtOnceWhereItHolds) {
@@ -147,7 +152,8 @@ protected:
 };
 
 TEST_F(WatchTest, ChangesWithinAStepAreToldWithTheirTimes) {
-    sim::PropertyWatch const watch(device_, {"system.state", "camera.fitted"}, report());
+    sim::PropertyWatch const watch(device_, {"system.state", "camera.fitted"}, sim::PropertyWatch::Manner::changes,
+                                   report());
     device_.timeline.at(1s, [this] { run("set system.state warning"); });
     device_.timeline.at(2s, [this] { run("fit imx567"); });
     device_.timeline.at(3s, [this] { run("set system.state boot"); });
@@ -159,7 +165,7 @@ TEST_F(WatchTest, ChangesWithinAStepAreToldWithTheirTimes) {
 }
 
 TEST_F(WatchTest, FastChangesAreToldTwentyTimesASecondAndTheLastOneIsNotMissed) {
-    sim::PropertyWatch watch(device_, {"illumination.segments"}, report());
+    sim::PropertyWatch watch(device_, {"illumination.segments"}, sim::PropertyWatch::Manner::changes, report());
     for (int ms = 1; ms <= 1001; ++ms) {
         device_.timeline.at(std::chrono::milliseconds(ms),
                             [this, ms] { run("set illumination.segments " + std::to_string(ms % 16)); });
@@ -175,7 +181,7 @@ TEST_F(WatchTest, FastChangesAreToldTwentyTimesASecondAndTheLastOneIsNotMissed) 
 }
 
 TEST_F(WatchTest, WhoHasNoRoomIsToldTheLastValueLater) {
-    sim::PropertyWatch watch(device_, {"system.state"}, report());
+    sim::PropertyWatch watch(device_, {"system.state"}, sim::PropertyWatch::Manner::changes, report());
     has_room_ = false;
     expect_done("set system.state warning");
     expect_done("set system.state error");
@@ -186,12 +192,36 @@ TEST_F(WatchTest, WhoHasNoRoomIsToldTheLastValueLater) {
 }
 
 TEST_F(WatchTest, TimeItselfIsWatchedByItsNameOnly) {
-    sim::PropertyWatch const all(device_, {}, report());
+    sim::PropertyWatch const all(device_, {}, sim::PropertyWatch::Manner::changes, report());
     expect_done("step 1s");
     EXPECT_TRUE(changes_.empty());
-    sim::PropertyWatch const clock(device_, {"clock"}, report());
+    sim::PropertyWatch const clock(device_, {"clock"}, sim::PropertyWatch::Manner::changes, report());
     expect_done("step 1s");
     EXPECT_EQ(changes_, (std::vector<Change>{{2s, "clock.time", "2"}}));
+}
+
+TEST_F(WatchTest, SamplesTellEverythingOnceThenOnlyWhatIsOtherThanBefore) {
+    sim::PropertyWatch samples(device_, {"system.state", "camera.fitted"}, sim::PropertyWatch::Manner::samples,
+                               report());
+    samples.catch_up();
+    EXPECT_EQ(changes_, (std::vector<Change>{{0s, "camera.fitted", "1 imx296"}, {0s, "system.state", "1 boot"}}));
+    changes_.clear();
+    expect_done("set system.state warning");
+    expect_done("fit imx567");
+    expect_done("fit imx296");
+    EXPECT_TRUE(changes_.empty());
+    samples.catch_up();
+    EXPECT_EQ(changes_, (std::vector<Change>{{0s, "system.state", "5 warning"}}));
+    samples.catch_up();
+    EXPECT_EQ(changes_.size(), 1U);
+}
+
+TEST_F(WatchTest, SamplesHaveTheTimeToo) {
+    sim::PropertyWatch samples(device_, {}, sim::PropertyWatch::Manner::samples, report());
+    expect_done("step 3s");
+    samples.catch_up();
+    Change const time{3s, "clock.time", "3"};
+    EXPECT_EQ(std::count(changes_.begin(), changes_.end(), time), 1);
 }
 
 }  // namespace

@@ -130,6 +130,14 @@ TEST_F(ServerTest, ChangesAreSentAsTheyHappen) {
     EXPECT_EQ(watcher.line(), "2.000000 system.state 6 error\n");
 }
 
+TEST_F(ServerTest, SamplesTellWhatIsNowAndThenWhatIsOther) {
+    Client watcher(path_);
+    EXPECT_EQ(watcher.ask("watch --every 1ms system.state power"), "ok\n");
+    EXPECT_EQ(watcher.lines(2), "0.000000 power true\n0.000000 system.state 1 boot\n");
+    EXPECT_EQ(Client(path_).ask("set system.state warning"), "ok\n");
+    EXPECT_EQ(watcher.line(), "0.000000 system.state 5 warning\n");
+}
+
 TEST_F(ServerTest, AWatcherThatDoesNotReadHurtsNobody) {
     Client watcher(path_);
     EXPECT_EQ(watcher.ask("watch --json"), "ok\n");
@@ -240,6 +248,16 @@ TEST_F(ServerTest, AFollowerGetsTheJournal) {
     EXPECT_EQ(client.line(), "2.000000 0.000000 1 call console.1 1 2 - - rtu_t::single_shot(true) = 0\n");
     EXPECT_EQ(Client(path_).ask("set system.state 3"), "ok\n");
     EXPECT_EQ(client.line(), "0.000000 0.000000 2 command - - - - - set system.state 3\n");
+}
+
+TEST_F(ServerTest, AFollowerMayHaveTheLinesTogether) {
+    Client client(path_);
+    EXPECT_EQ(client.ask("journal follow --every 1ms"), "ok\n");
+    device_.access()->journal.write(record(1));
+    device_.access()->journal.write(record(2));
+    EXPECT_EQ(client.lines(2),
+              "0.000001 0.000000 1 call console.1 1 2 - - rtu_t::single_shot(true) = 0\n"
+              "0.000002 0.000000 2 call console.1 1 2 - - rtu_t::single_shot(true) = 0\n");
 }
 
 TEST_F(ServerTest, AFollowerMayHaveTheJournalAsJson) {
