@@ -15,7 +15,7 @@ namespace {
 constexpr std::chrono::seconds kPatience{2};         // with a device that does not answer
 constexpr std::chrono::milliseconds kTryAgain{500};  // to find a device that has gone
 
-DeviceLink::Deadline after(std::chrono::milliseconds time) {
+ControlLink::Deadline after(std::chrono::milliseconds time) {
     return std::chrono::steady_clock::now() + time;
 }
 
@@ -74,8 +74,8 @@ Error Feed::look() {
     if (!error.empty()) {
         return error;
     }
-    DeviceLink state(directory);
-    DeviceLink journal(directory);
+    ControlLink state(directory);
+    ControlLink journal(directory);
     Reply const followed = journal.ask("journal follow --json", after(kPatience));
     while (is_looked_at()) {
         auto const next = after(kPeriod);

@@ -12,11 +12,11 @@
 #include <thread>
 
 #include "sim/control/command.h"
+#include "sim/control/control_link.h"
 #include "sim/control/device_directory.h"
 #include "sim/control/server.h"
 #include "sim/core/thread.h"
 #include "sim/panel/access.h"
-#include "sim/panel/device_link.h"
 #include "sim/panel/feed.h"
 #include "sim/panel/page.h"
 
@@ -201,7 +201,7 @@ Reply PanelServer::Parts::give(std::string const& line) const {
     if (!error.empty()) {
         return Reply::error(error);
     }
-    return DeviceLink(directory).ask(line, std::chrono::steady_clock::now() + kLongestCommand);
+    return ControlLink(directory).ask(line, std::chrono::steady_clock::now() + kLongestCommand);
 }
 
 }  // namespace sim

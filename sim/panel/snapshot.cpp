@@ -39,11 +39,11 @@ Json faults_of(std::string const& list) {
 
 }  // namespace
 
-Error read_snapshot(DeviceLink& link, DeviceLink::Deadline until, Snapshot& snapshot) {
+Error read_snapshot(ControlLink& link, ControlLink::Deadline until, Snapshot& snapshot) {
     link.give({"show --json", "node list", "fault list", "programs"});
     Reply replies[4];
     for (Reply& reply : replies) {
-        reply = link.reply(until);
+        reply = link.take_reply(until);
         if (!reply.ok) {
             return reply.text;
         }

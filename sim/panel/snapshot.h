@@ -3,8 +3,8 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include "sim/control/control_link.h"
 #include "sim/core/error.h"
-#include "sim/panel/device_link.h"
 
 namespace sim {
 
@@ -13,7 +13,7 @@ namespace sim {
 using Snapshot = nlohmann::json;
 
 // Reads it all; an error where the device has gone or does not answer in time. Blocks.
-Error read_snapshot(DeviceLink& link, DeviceLink::Deadline until, Snapshot& snapshot);
+Error read_snapshot(ControlLink& link, ControlLink::Deadline until, Snapshot& snapshot);
 // Of no device, and why.
 Snapshot lost_device(Error const& why);
 

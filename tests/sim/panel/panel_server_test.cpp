@@ -297,7 +297,7 @@ TEST_F(PanelServerTest, LostDeviceIsSaidAndFoundAgain) {
     page->next("state");
     end_device();
     EXPECT_EQ(page->next_with("device", "connected"), false);
-    EXPECT_EQ(give("clock"), json({{"ok", false}, {"text", "the device has gone"}}));
+    EXPECT_EQ(give("clock"), json({{"ok", false}, {"text", "the device ended"}}));
     start_device();
     EXPECT_EQ(page->next_with("device", "connected"), true);
     give("set system.state 5");
