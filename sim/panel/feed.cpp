@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "sim/control/control_link.h"
 #include "sim/control/device_directory.h"
 #include "sim/core/text.h"
 #include "sim/core/thread.h"
@@ -14,6 +15,10 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{2};         // with a device that does not answer
 constexpr std::chrono::milliseconds kTryAgain{500};  // to find a device that has gone
+// How old the lists of nodes, faults and programs get, where the journal has told something since, and where it has
+// not.
+constexpr std::chrono::milliseconds kListSpacing{200};
+constexpr std::chrono::milliseconds kOldestList{1000};
 
 ControlLink::Deadline after(std::chrono::milliseconds time) {
     return std::chrono::steady_clock::now() + time;
@@ -61,7 +66,7 @@ void Feed::run() {
         }
         Error const lost = look();
         if (!lost.empty()) {
-            publish(lost_device(lost));
+            publish(lost_device(lost), {});
             wait_to_try_again();
         }
     }
@@ -74,22 +79,40 @@ Error Feed::look() {
     if (!error.empty()) {
         return error;
     }
-    ControlLink state(directory);
+    ControlLink lists(directory);
+    ControlLink changes(directory);
     ControlLink journal(directory);
-    Reply const followed = journal.ask("journal follow --json", after(kPatience));
-    while (is_looked_at()) {
-        auto const next = after(kPeriod);
-        Snapshot snapshot;
-        error = followed.ok ? read_snapshot(state, after(kPatience), snapshot) : followed.text;
-        if (!error.empty()) {
-            return error;
-        }
-        keep(journal.lines());
-        publish(std::move(snapshot));
-        std::unique_lock<std::mutex> lock(mutex_);
-        changed_.wait_until(lock, next, [this] { return stopping_; });
+    std::string const every = " --json --every " + std::to_string(kPeriod.count()) + "ms";
+    Snapshot now;
+    // Read when the changes are followed already, so that none is missed in between.
+    for (Reply const& reply :
+         {changes.ask("watch" + every, after(kPatience)), journal.ask("journal follow" + every, after(kPatience))}) {
+        error = error.empty() && !reply.ok ? reply.text : error;
     }
-    return {};
+    error = error.empty() ? read_snapshot(lists, after(kPatience), now) : error;
+    auto listed = std::chrono::steady_clock::now();
+    bool is_told_more = false;  // by the journal, of what the lists may have
+    while (error.empty() && is_looked_at()) {
+        auto const next = after(kPeriod);
+        take_changes(changes.lines(), now);
+        std::vector<std::string> lines = journal.lines();
+        is_told_more = is_told_more || !lines.empty();
+        auto const age = std::chrono::steady_clock::now() - listed;
+        if (age >= (is_told_more ? kListSpacing : kOldestList)) {
+            error = read_lists(lists, after(kPatience), now);
+            listed = std::chrono::steady_clock::now();
+            is_told_more = false;
+        }
+        if (error.empty() && (!changes || !journal)) {
+            error = "the device ended";
+        }
+        if (error.empty()) {
+            publish(now, std::move(lines));
+            std::unique_lock<std::mutex> lock(mutex_);
+            changed_.wait_until(lock, next, [this] { return stopping_; });
+        }
+    }
+    return error;
 }
 
 bool Feed::is_looked_at() {
@@ -97,16 +120,11 @@ bool Feed::is_looked_at() {
     return pages_ > 0 && !stopping_;
 }
 
-void Feed::publish(Snapshot snapshot) {
-    auto const fresh = std::make_shared<Snapshot const>(std::move(snapshot));
+void Feed::publish(Snapshot const& snapshot, std::vector<std::string> lines) {
     std::lock_guard<std::mutex> const lock(mutex_);
-    snapshot_ = fresh;
-    changed_.notify_all();
-}
-
-// The pages are told with the next state.
-void Feed::keep(std::vector<std::string> lines) {
-    std::lock_guard<std::mutex> const lock(mutex_);
+    if (!snapshot_ || *snapshot_ != snapshot) {
+        snapshot_ = std::make_shared<Snapshot const>(snapshot);
+    }
     for (std::string& line : lines) {
         lines_.push_back(std::move(line));
         ++next_line_;
@@ -114,6 +132,7 @@ void Feed::keep(std::vector<std::string> lines) {
     while (lines_.size() > kKeptLines) {
         lines_.pop_front();
     }
+    changed_.notify_all();
 }
 
 void Feed::wait_to_try_again() {
@@ -140,8 +159,9 @@ std::optional<std::string> Feed::Page::next(std::chrono::milliseconds longest) {
     std::string messages;
     {
         std::unique_lock<std::mutex> lock(feed_.mutex_);
-        feed_.changed_.wait_for(lock, longest,
-                                [this] { return feed_.stopping_ || (feed_.snapshot_ && feed_.snapshot_ != told_); });
+        feed_.changed_.wait_for(lock, longest, [this] {
+            return feed_.stopping_ || (feed_.snapshot_ && (feed_.snapshot_ != told_ || feed_.next_line_ != next_line_));
+        });
         if (feed_.stopping_) {
             return std::nullopt;
         }

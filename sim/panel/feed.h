@@ -46,8 +46,7 @@ private:
     void run();
     Error look();
     bool is_looked_at();
-    void publish(Snapshot snapshot);
-    void keep(std::vector<std::string> lines);
+    void publish(Snapshot const& snapshot, std::vector<std::string> lines);
     void wait_to_try_again();
 
     std::string const device_;

@@ -40,28 +40,44 @@ Json faults_of(std::string const& list) {
 }  // namespace
 
 Error read_snapshot(ControlLink& link, ControlLink::Deadline until, Snapshot& snapshot) {
-    link.give({"show --json", "node list", "fault list", "programs"});
-    Reply replies[4];
+    Reply const shown = link.ask("show --json", until);
+    if (!shown.ok) {
+        return shown.text;
+    }
+    Json const all = Json::parse(shown.text, nullptr, false);
+    if (!all.is_object()) {
+        return "the device is of another build";
+    }
+    Json properties = Json::object();
+    for (auto const& [name, property] : all.items()) {
+        properties[name] = property.value("value", Json());
+    }
+    snapshot = {{"device", {{"connected", true}, {"message", ""}}}, {"properties", std::move(properties)}};
+    return read_lists(link, until, snapshot);
+}
+
+Error read_lists(ControlLink& link, ControlLink::Deadline until, Snapshot& snapshot) {
+    link.give({"node list", "fault list", "programs"});
+    Reply replies[3];
     for (Reply& reply : replies) {
         reply = link.take_reply(until);
         if (!reply.ok) {
             return reply.text;
         }
     }
-    Json const shown = Json::parse(replies[0].text, nullptr, false);
-    if (!shown.is_object()) {
-        return "the device is of another build";
-    }
-    Json properties = Json::object();
-    for (auto const& [name, property] : shown.items()) {
-        properties[name] = property.value("value", Json());
-    }
-    snapshot = {{"device", {{"connected", true}, {"message", ""}}},
-                {"properties", std::move(properties)},
-                {"nodes", nodes_of(replies[1].text)},
-                {"faults", faults_of(replies[2].text)},
-                {"programs", {{"list", replies[3].text}}}};
+    snapshot["nodes"] = nodes_of(replies[0].text);
+    snapshot["faults"] = faults_of(replies[1].text);
+    snapshot["programs"] = {{"list", replies[2].text}};
     return {};
+}
+
+void take_changes(std::vector<std::string> const& lines, Snapshot& snapshot) {
+    for (std::string const& line : lines) {
+        Json change = Json::parse(line, nullptr, false);
+        if (change.is_object() && change.contains("property") && change.contains("value")) {
+            snapshot["properties"][change["property"].get<std::string>()] = std::move(change["value"]);
+        }
+    }
 }
 
 Snapshot lost_device(Error const& why) {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
 
 #include "sim/control/control_link.h"
 #include "sim/core/error.h"
@@ -14,6 +16,10 @@ using Snapshot = nlohmann::json;
 
 // Reads it all; an error where the device has gone or does not answer in time. Blocks.
 Error read_snapshot(ControlLink& link, ControlLink::Deadline until, Snapshot& snapshot);
+// Reads of it what "watch" does not tell, the nodes, faults and programs; the same errors. Blocks.
+Error read_lists(ControlLink& link, ControlLink::Deadline until, Snapshot& snapshot);
+// Follows lines of "watch --json".
+void take_changes(std::vector<std::string> const& lines, Snapshot& snapshot);
 // Of no device, and why.
 Snapshot lost_device(Error const& why);
 

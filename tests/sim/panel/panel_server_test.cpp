@@ -231,6 +231,20 @@ TEST_F(PanelServerTest, FirstMessageTellsAllTheNextOnesOnlyDifferences) {
     EXPECT_EQ(page->next("state"), json({{"nodes", {{"/dev/i2c-2", false}}}}));
 }
 
+TEST_F(PanelServerTest, WhatTimeAloneChangesMovesOnThePage) {
+    auto const page = look();
+    page->next("state");
+    give("clock real");
+    double const before = page->next_with("properties", "clock.time");
+    EXPECT_GT(page->next_with("properties", "clock.time"), before);
+}
+
+TEST_F(PanelServerTest, PageThatTakesThePlaceOfTheLastOneIsToldAll) {
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_GT(look()->next("state")["properties"].size(), 150U) << i;
+    }
+}
+
 TEST_F(PanelServerTest, FaultRulesAreToldAndGo) {
     auto const page = look();
     page->next("state");

@@ -28,6 +28,14 @@ TEST(PanelSnapshotTest, WhatCameAndWhatWentIsTold) {
               json({{"device", {{"connected", nullptr}}}, {"faults", {{"1", nullptr}, {"2", {{"fired", "0"}}}}}}));
 }
 
+TEST(PanelSnapshotTest, ChangesAreTaken) {
+    json moment = {{"properties", {{"a", 1}, {"b", "x"}}}};
+    sim::take_changes({R"({"time":1.5,"property":"a","value":2,"name":"two"})",
+                       R"({"time":1.5,"property":"c","value":true})", "half a line"},
+                      moment);
+    EXPECT_EQ(moment, json({{"properties", {{"a", 2}, {"b", "x"}, {"c", true}}}}));
+}
+
 TEST(PanelSnapshotTest, LostDeviceTakesItsMembersAlong) {
     json const before = {{"properties", {{"a", 1}}}, {"device", {{"connected", true}, {"message", ""}}}};
     EXPECT_EQ(difference(before, sim::lost_device("gone")),
