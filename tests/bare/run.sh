@@ -119,6 +119,10 @@ expect "$works" first machine root "$first_run"
 ! grep -a '^\./run' "$roots/output" || fail "phases on standard output"
 ! in_root first machine root "command -v proot || dpkg -s libgtest-dev" || fail "more is installed than ./run needs"
 
+case_begins "./run --panel"
+expect "panel http://127.0.0.1:[0-9]*/[0-9a-f]*/" first machine root "$first_run --panel 2>&1"
+grep -aqx "$works" "$roots/output" || fail "the console does not start beside its panel"
+
 case_begins "./run, as a user who finds root's build directory, and with it gone"
 expect_refusal "belongs to root: sudo rm -r " 1 first machine engineer ./run
 in_root first machine root "chown -R engineer: build"
