@@ -10,31 +10,17 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <system_error>
 
 #include "sim/tool/execute.h"
 #include "sim/tool/exit_status.h"
+#include "sim/tool/program_file.h"
 #include "sim/tool/publisher.h"
 #include "sim/tool/sandbox.h"
 
 namespace sim {
 
 namespace {
-
-// The program that a script names in its first line; empty for what is none.
-std::string interpreter_of(std::string const& path) {
-    std::ifstream file(path);
-    std::string line;
-    if (file.get() != '#' || file.get() != '!' || !std::getline(file, line)) {
-        return {};
-    }
-    std::istringstream words(line);
-    std::string interpreter;
-    words >> interpreter;
-    return interpreter;
-}
 
 // Whether there is such a command, as a shell would say it.
 int check_command(std::string const& command) {
@@ -47,11 +33,8 @@ int check_command(std::string const& command) {
     if (!S_ISREG(status.st_mode)) {
         return fail(kNotExecutable, command + ": no program");
     }
-    std::string const interpreter = interpreter_of(path);
-    if (!interpreter.empty() && ::access(interpreter.c_str(), X_OK) != 0) {
-        return fail(kNotExecutable, command + ": its interpreter " + interpreter + ": " + std::strerror(errno));
-    }
-    return 0;
+    Error const error = why_not_startable(command, path);
+    return error.empty() ? 0 : fail(kNotExecutable, error);
 }
 
 pid_t child = -1;

@@ -169,6 +169,24 @@ TEST_P(EverySandboxTest, WhatIsNoProgramIsToldOf) {
     EXPECT_EQ(result.status, 126);
 }
 
+TEST_P(EverySandboxTest, ProgramWhoseLoaderIsMissingIsToldOf) {
+    std::string program = read(R47_PROBE);
+    std::size_t const loader = program.find(std::string("\0/lib", 5));  // its path stands before all other texts
+    ASSERT_NE(loader, std::string::npos);
+    program.replace(loader, 5, std::string("\0/no/", 5));
+    std::string const file = directory_.path() + "/program";
+    std::ofstream(file) << program;
+    std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+    Result const result = run("", file);
+    EXPECT_EQ(result.output.find("r47-sim: " + file + ": its loader /no/"), 0U) << result.output;
+    EXPECT_EQ(result.status, 126);
+    std::string const script = directory_.path() + "/script";
+    std::ofstream(script) << "#!" << file << "\n";
+    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+    EXPECT_EQ(run("", script).output.find("r47-sim: " + script + ": its interpreter " + file + ": its loader /no/"),
+              0U);
+}
+
 TEST_P(EverySandboxTest, WhatNobodyMayReadIsNotRead) {
     if (by_proot() && ::geteuid() != 0) {
         GTEST_SKIP() << "proot gives a user all his own files";
