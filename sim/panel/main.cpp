@@ -6,6 +6,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -21,35 +23,61 @@
 #include "sim/core/numbers.h"
 #include "sim/panel/panel_server.h"
 #include "sim/tool/exit_status.h"
+#include "sim/tool/options.h"
 
 namespace sim {
 
 namespace {
 
-struct PanelOptions {
+struct Settings {
     std::string device;
     std::uint16_t port = 0;
     std::optional<pid_t> beside;  // in the background, until this process ends
 };
 
-Error take_options(std::vector<std::string> const& words, PanelOptions& options) {
-    Error error;
-    for (std::size_t at = 0; at < words.size() && error.empty(); at += 2) {
-        if (at + 1 == words.size() || (words[at] != "--device" && words[at] != "--port" && words[at] != "--beside")) {
-            return "not understood: r47-sim panel [--device NAME] [--port N]";
-        }
-        std::string const& value = words[at + 1];
-        if (words[at] == "--device") {
-            options.device = value;
-        } else if (words[at] == "--port") {
-            options.port = parse_integer_as<std::uint16_t>(value).value_or(0);
-            error = options.port == 0 ? "bad port " + value + ": 1 to 65535" : Error();
-        } else {
-            options.beside = parse_integer_as<pid_t>(value);
-            error = options.beside.value_or(0) > 0 ? Error() : "bad process " + value;
+int say(std::string const& text) {
+    std::fputs(text.c_str(), stdout);
+    return 0;
+}
+
+// The status with which it ends, where it is asked for help or told what it does not understand.
+std::optional<int> read_options(std::vector<std::string> words, PanelOptions& options) {
+    CLI::App app{"Shows a device to a browser, and prints the address: what r47-sim panel becomes.", "r47-panel"};
+    app.set_version_flag("--version", "r47-panel " R47_VERSION, "prints the version");
+    add_panel_options(app, options);
+    app.allow_extras();
+    describe(app, "usage: r47-panel [OPTION...]\n");
+    std::reverse(words.begin(), words.end());  // as the library wants them
+    try {
+        app.parse(words);
+    } catch (CLI::CallForHelp const&) {
+        return say(app.help());
+    } catch (CLI::CallForVersion const& version) {
+        return say(std::string(version.what()) + "\n");
+    } catch (CLI::ParseError const& error) {
+        return fail(kNotUnderstood, error.what());
+    }
+    if (app.remaining_size() > 0) {
+        return fail(kNotUnderstood, unknown_option(app, app.remaining().front()));
+    }
+    return std::nullopt;
+}
+
+Error take(PanelOptions const& options, Settings& settings) {
+    settings.device = options.device;
+    if (!options.port.empty()) {
+        settings.port = parse_integer_as<std::uint16_t>(options.port).value_or(0);
+        if (settings.port == 0) {
+            return "bad port " + options.port + ": 1 to 65535";
         }
     }
-    return error;
+    if (!options.beside.empty()) {
+        settings.beside = parse_integer_as<pid_t>(options.beside);
+        if (settings.beside.value_or(0) <= 0) {
+            return "bad process " + options.beside;
+        }
+    }
+    return {};
 }
 
 // Away from the terminal and its signals. Before any thread is started; only the child comes back.
@@ -71,22 +99,26 @@ Error go_to_background() {
 }
 
 int run(std::vector<std::string> const& words) {
-    PanelOptions options;
-    Error error = take_options(words, options);
+    PanelOptions given;
+    if (auto const status = read_options(words, given)) {
+        return *status;
+    }
+    Settings settings;
+    Error error = take(given, settings);
     if (!error.empty()) {
         return fail(kNotUnderstood, error);
     }
-    if (options.device.empty()) {
-        error = find_device("", options.device);
+    if (settings.device.empty()) {
+        error = find_device("", settings.device);
         if (!error.empty()) {
             return fail(kRefused, error);
         }
     }
     Descriptor neighbour;
-    if (options.beside) {
-        neighbour = Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, *options.beside, 0)));
+    if (settings.beside) {
+        neighbour = Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, *settings.beside, 0)));
         if (!neighbour) {
-            return fail(kFailed, "no process " + std::to_string(*options.beside) + ": " + std::strerror(errno));
+            return fail(kFailed, "no process " + std::to_string(*settings.beside) + ": " + std::strerror(errno));
         }
     }
     sigset_t ending;
@@ -96,14 +128,14 @@ int run(std::vector<std::string> const& words) {
     }
     sigprocmask(SIG_BLOCK, &ending, nullptr);
     Descriptor const signals(::signalfd(-1, &ending, SFD_CLOEXEC));
-    PanelServer server(options.device);
-    error = server.listen(options.port);
+    PanelServer server(settings.device);
+    error = server.listen(settings.port);
     if (!error.empty()) {
         return fail(kFailed, error);
     }
     std::printf("panel %s\n", server.address().c_str());
     std::fflush(stdout);
-    if (options.beside) {
+    if (settings.beside) {
         error = go_to_background();
         if (!error.empty()) {
             return fail(kFailed, error);

@@ -5,12 +5,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 
 #include "sim/control/command.h"
 #include "sim/core/numbers.h"
-#include "sim/core/suggestion.h"
 #include "sim/tool/exit_status.h"
+#include "sim/tool/options.h"
 
 namespace sim {
 
@@ -37,21 +36,6 @@ bool asks_for_help(std::string const& word) {
     return word == "-h" || word == "--help";
 }
 
-class Formatter : public CLI::Formatter {
-public:
-    explicit Formatter(std::string usage) : usage_(std::move(usage)) {}
-
-    std::string make_usage(CLI::App const*, std::string) const override { return usage_; }
-
-private:
-    std::string const usage_;
-};
-
-void describe(CLI::App& app, std::string const& usage) {
-    app.formatter(std::make_shared<Formatter>(usage));
-    app.set_help_flag("-h,--help", "prints this help");
-}
-
 class Reader {
 public:
     explicit Reader(Texts const& words) : words_(words) {
@@ -71,11 +55,7 @@ public:
         run_.add_option("--publish", port_, "the same, but the console in it is reached at 127.0.0.1:PORT of this host")
             ->type_name("PORT");
         run_.add_flag("--require-faults", line_.run.require_faults, "fails where a fault rule never fired");
-        panel_.add_option("--device", line_.panel.device, "this running device, not the only one there is")
-            ->type_name("NAME");
-        panel_.add_option("--port", line_.panel.port, "the address's port, not any that is free")->type_name("N");
-        panel_.add_option("--beside", line_.panel.beside, "in the background, until that process ends")
-            ->type_name("PID");
+        add_panel_options(panel_, line_.panel);
         for (CLI::App* const task : {&run_, &device_, &panel_}) {
             task->allow_extras();
         }
@@ -137,7 +117,7 @@ private:
     CommandLine take() {
         for (CLI::App* const task : {&run_, &device_, &panel_}) {
             if (task->parsed() && task->remaining_size() > 0) {
-                return refuse(unknown(*task, task->remaining().front()));
+                return refuse(unknown_option(*task, task->remaining().front()));
             }
         }
         bool const has_control_options = !line_.control.device.empty() || !timeout_.empty();
@@ -183,7 +163,7 @@ private:
             return refuse("no command given: try r47-sim help");
         }
         if (command.front().compare(0, 1, "-") == 0 && command.front() != "-") {
-            return refuse(unknown(app_, command.front()));
+            return refuse(unknown_option(app_, command.front()));
         }
         if (command.size() > 1 && command[0] == "journal" && (command[1] == "show" || command[1] == "diff")) {
             return take_journal({command.begin() + 1, command.end()});
@@ -253,14 +233,6 @@ private:
     }
 
     std::string whole_help() const { return app_.help("", CLI::AppFormatMode::All); }
-
-    static std::string unknown(CLI::App const& app, std::string const& word) {
-        Texts names;
-        for (CLI::Option const* const option : app.get_options()) {
-            names.push_back(option->get_name());
-        }
-        return "unknown option " + word + did_you_mean(word, names, ": try r47-sim help");
-    }
 
     static CommandLine ended(int status) {
         CommandLine line;
