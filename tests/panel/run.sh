@@ -11,7 +11,8 @@ build=${1-build}
 packaging/install_packages.sh $(cat packaging/build_packages) libcpp-httplib-dev chromium chromium-driver python3-selenium \
     fonts-dejavu-core >&2
 if [ "$build" = build ]; then
-    cmake --preset release -DR47_PANEL=ON >/dev/null
+    [ -e build/build.ninja ] || cmake --preset release >/dev/null
+    cmake -B build -DR47_PANEL=ON >/dev/null
     cmake --build build --target r47-panel r47-sim r47-console -- --quiet >&2
 fi
 exec /usr/bin/python3 tests/panel/panel_test.py "$build/r47-sim" "$@"
