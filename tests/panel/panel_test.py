@@ -432,6 +432,19 @@ class PageTest(PanelTest):
             self.assertEqual(beyond, [], f"{width} pixels wide")
         self.browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
 
+    def test_picture_commands_and_journal_are_in_sight_without_scrolling(self):
+        self.set_view(1280, 720, "light")
+        self.device.give("\n".join(["drive 1 high", "drive 1 low"] * 50))
+        self.find("command").send_keys("set system.state 9", Keys.ENTER)
+        self.shows("command-list", "set system.state 9")
+        self.shows("lines", "set system.state 9")
+        below = self.browser.execute_script("""
+            scrollTo(0, 0);
+            const parts = ["#front", "#press", "#pin-list", "#command", "#command-list li", "#filter", "#lines", "#lines p:last-child"];
+            return parts.filter(part => document.querySelector(part).getBoundingClientRect().bottom > innerHeight);""")
+        self.assertEqual(below, [])
+        self.browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
+
     def test_text_has_contrast_in_light_and_dark(self):
         for scheme in ("light", "dark"):
             self.set_view(1280, 720, scheme)
