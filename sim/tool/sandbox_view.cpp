@@ -120,9 +120,9 @@ void add_device(SandboxView& view, std::string const& directory) {
     view.environment = {{"R47_SIM_DEVICE", kDevice}};
 }
 
-// Shows the directory of a program that the sandbox would hide; of a program that lies directly in one of the
+// Shows the directory of a program or library that the sandbox would hide; of one that lies directly in one of the
 // sandbox's own directories, the file alone.
-void add_program(Steps& steps, std::string const& path) {
+void show_file(Steps& steps, std::string const& path) {
     std::string const file = real_path(path);
     std::string const directory = directory_of(file);
     if (file.empty() || !is_below_own_directory(file)) {
@@ -130,6 +130,20 @@ void add_program(Steps& steps, std::string const& path) {
     }
     std::string const& shown = is_own_directory(directory) ? file : directory;
     steps.push_back({Kind::read_only, shown, shown});
+}
+
+// An installed library lies in a directory that nobody else searches. What the caller searches goes first, and in a
+// build directory there is none there: a program finds its library itself.
+void add_installed_library(SandboxView& view) {
+    std::string const own = real_path(program_path(program_invocation_name));
+    std::string const library = real_path(directory_of(own) + "/" R47_LIBRARY_DIRECTORY "/libhal.so.2");
+    if (library.empty()) {
+        return;
+    }
+    show_file(view.steps, library);
+    char const* const searched = std::getenv("LD_LIBRARY_PATH");
+    std::string const before = searched == nullptr || *searched == '\0' ? "" : std::string(searched) + ":";
+    view.environment.emplace_back("LD_LIBRARY_PATH", before + directory_of(library));
 }
 
 }  // namespace
@@ -154,8 +168,9 @@ SandboxView view_of(SandboxOptions const& options) {
     SandboxView view;
     add_host(view.steps);
     add_device(view, options.device);
-    add_program(view.steps, program_path(program_invocation_name));
-    add_program(view.steps, program_path(options.command.front()));
+    show_file(view.steps, program_path(program_invocation_name));
+    show_file(view.steps, program_path(options.command.front()));
+    add_installed_library(view);
     view.working_directory = real_path(".");
     if (!is_own_directory(view.working_directory)) {
         view.steps.push_back({Kind::writable, view.working_directory, view.working_directory});

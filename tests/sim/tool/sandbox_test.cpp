@@ -139,6 +139,20 @@ TEST_P(EverySandboxTest, AProgramIsFoundInADirectoryThatIsHidden) {
     }
 }
 
+TEST_P(EverySandboxTest, AnInstalledLibraryIsFoundBehindTheCallers) {
+    std::string const bin = directory_.path() + "/usr/bin";
+    std::string const library = std::filesystem::path(bin + "/" R47_LIBRARY_DIRECTORY).lexically_normal();
+    std::filesystem::create_directories(bin);
+    std::filesystem::create_directories(library);
+    std::filesystem::copy(R47_SIM, bin);
+    std::string const run = std::string(R47_SIM_EMULATOR) + " " + bin + "/r47-sim run -- sh -c ";
+    std::string const tell = "'cat ${LD_LIBRARY_PATH##*:}/libhal.so.2; echo $LD_LIBRARY_PATH'";
+    EXPECT_EQ(shell("LD_LIBRARY_PATH=/other " + run + "'echo $LD_LIBRARY_PATH'").output, "/other\n");
+    std::ofstream(library + "/libhal.so.2") << "the library\n";
+    EXPECT_EQ(shell("LD_LIBRARY_PATH= " + run + tell).output, "the library\n" + library + "\n");
+    EXPECT_EQ(shell("LD_LIBRARY_PATH=/other " + run + tell).output, "the library\n/other:" + library + "\n");
+}
+
 TEST_P(EverySandboxTest, DescriptorZeroStaysTheProgramsOwn) {
     EXPECT_EQ(run("", probe_ + " fd").output, "0\nrevision 0: 1.6 state 0: 1\n");
 }
