@@ -1,0 +1,117 @@
+#!/bin/sh
+# Proves the Debian packages of this machine's processor: tests/packages/run.sh, as root
+# They are made of the release build, where what is compiled already is not compiled again, and once more from nothing in
+# another place: both must be the same, byte for byte. Then lintian reads them, a bare Debian root installs them and runs the
+# console in the virtual device, and what r47-console-dev holds is built against, out of the tree.
+set -eu
+cd "$(dirname "$0")/../.."
+architecture=$(dpkg --print-architecture)
+packages=build-packages/$architecture
+roots=$(mktemp -d /var/tmp/r47-packages-XXXXXX)
+trap 'rm -rf "$roots"' EXIT
+trap 'exit 1' HUP INT TERM
+. tests/bare/roots.sh
+touch "$roots/output" "$roots/errors"
+
+# Runs a command that must succeed; what it prints is shown where it does not.
+must() {
+    "$@" >"$roots/output" 2>"$roots/errors" </dev/null || fail "status $? of: $*"
+}
+
+# The command prints the line.
+must_print() { # LINE COMMAND...
+    line=$1
+    shift
+    must "$@"
+    grep -aqx "$line" "$roots/output" || fail "no \"$line\" of: $*"
+}
+
+packaging/install_packages.sh lintian man-db mmdebstrap pkg-config
+
+case_begins "packages of the release build"
+must ./package "$architecture"
+
+case_begins "the same from nothing: another place, time zone, language and mask"
+mkdir "$roots/another place"
+git ls-files -z | xargs -0 cp --parents -t "$roots/another place"
+touch -d "2001-02-03" "$roots/another place/CHANGELOG.md"
+# (a compiler cache would hand out what the first build has made)
+(
+    umask 077
+    cd "$roots/another place"
+    must env CCACHE_DISABLE=1 TZ=Asia/Tokyo LC_ALL=C HOME="$roots" ./package "$architecture"
+)
+for package in "$packages"/*.deb; do
+    must cmp "$package" "$roots/another place/$package"
+done
+rm -rf "$roots/another place"
+
+case_begins "lintian, man pages, dependencies"
+must lintian --allow-root --fail-on error,warning "$packages"/*.deb
+for page in packaging/man/*; do
+    must env LC_ALL=C.UTF-8 MANWIDTH=80 man --warnings --local-file "$page"
+    [ ! -s "$roots/errors" ] || fail "warnings of: man $page"
+done
+for package in "$packages"/*.deb; do
+    dpkg-deb --extract "$package" "$roots/installed"
+done
+usr=$roots/installed/usr
+libraries=$usr/lib/$(gcc -print-multiarch)
+# The packages that are told as dependencies are those that Debian's own tool finds. The console's library is in none: it
+# is the device's.
+mkdir -p "$roots/source/debian"
+touch "$roots/source/debian/control"
+for package in console:bin/r47-console virtual-device:bin/r47-sim,bin/r47-panel,lib/$(gcc -print-multiarch)/r47/libhal.so.2; do
+    # shellcheck disable=SC2046
+    found=$(cd "$roots/source" && dpkg-shlibdeps -O --ignore-missing-info -l"$libraries/r47" \
+        $(echo "${package#*:}" | tr , '\n' | sed "s|^|-e$usr/|") 2>"$roots/errors") || fail "no dependencies of $package"
+    found=$(echo "$found" | sed 's/^shlibs:Depends=//; s/ ([^)]*)//g; s/, /\n/g' | sort)
+    told=$(dpkg-deb --field "$packages/r47-${package%%:*}"_*.deb Depends | sed 's/ ([^)]*)//g; s/, /\n/g' |
+        grep -vx bubblewrap | sort)
+    [ "$found" = "$told" ] || fail "r47-${package%%:*} depends on $found, and tells $told"
+done
+
+case_begins "a tool and a library, built against r47-console-dev"
+must cmake -S tests/packages/consumer -B "$roots/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$usr" \
+    -DSECOND_LIBRARY="$PWD/tests/second_library"
+must cmake --build "$roots/consumer"
+sim=$usr/bin/r47-sim
+must_print "exposure 10000" "$sim" run -- "$roots/consumer/tool"
+must_print "exposure 0" env LD_LIBRARY_PATH="$roots/consumer" "$sim" run -- "$roots/consumer/tool"
+# shellcheck disable=SC2046
+must g++ tests/packages/consumer/tool.cpp -o "$roots/tool" \
+    $(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs r47-hal)
+must_print "exposure 10000" "$sim" run -- "$roots/tool"
+
+case_begins "the console, built with another libhal.so.2 and its headers"
+must cmake -S . -B "$roots/device" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DR47_HAL_INCLUDE_DIR="$usr/include/r47" \
+    -DR47_HAL_LIBRARY="$roots/consumer/libhal.so.2"
+must cmake --build "$roots/device"
+must_print "sensor actual exposure: 0" sh -c "printf 'b\nE\nx\nx\n' | build/r47-sim run -- '$roots/device/r47-console'"
+
+case_begins "installed in a bare root"
+make_bare_root
+copy_root machine
+mkdir "$roots/machine/home/engineer/r47"
+cp "$packages"/*.deb "$roots/machine/home/engineer/r47"
+chroot "$roots/machine" chown -R engineer: /home/engineer/r47
+apt="DEBIAN_FRONTEND=noninteractive apt-get install -y"
+in_root machine machine root "apt-get update && $apt --no-install-recommends ./r47-console_*.deb ./r47-console-dev_*.deb" ||
+    fail "no installation"
+! in_root machine machine root r47-console || fail "a library is there before anybody has brought one"
+grep -q 'libhal\.so\.2: cannot open shared object file' "$roots/errors" || fail "another error than that of no library"
+in_root machine machine root "$apt ./r47-virtual-device_*.deb" || fail "no installation of the virtual device"
+for where in machine container; do
+    for who in root engineer; do
+        expect "File Error Code: 0" machine $where $who "printf 'A\nx\n' | r47-sim run -- r47-console"
+    done
+done
+expect "sensor error to get exposure" machine machine engineer "r47-sim device --name bench &
+    until r47-sim --device bench fault add rtu_t::get_exposure status -1; do :; done
+    printf 'b\nE\nx\nx\n' | r47-sim run --device bench -- r47-console"
+expect "panel http://127.0.0.1:[0-9]*/[0-9a-f]*/" machine machine engineer "r47-sim panel --device bench --beside \$\$"
+in_root machine machine root "DEBIAN_FRONTEND=noninteractive apt-get purge -y r47-console r47-virtual-device r47-console-dev" ||
+    fail "no removal"
+# (the directories of devices that were killed stay)
+in_root machine machine root "! find / -xdev '(' -path /home -o -path /tmp ')' -prune -o -name '*r47*' -print | grep ." ||
+    fail "removed, and something is left"
