@@ -26,7 +26,7 @@ must_print() { # LINE COMMAND...
     grep -aqx "$line" "$roots/output" || fail "no \"$line\" of: $*"
 }
 
-packaging/install_packages.sh lintian man-db mmdebstrap pkg-config
+packaging/install_packages.sh bash-completion lintian man-db mmdebstrap pkg-config
 
 case_begins "packages of the release build"
 must ./package "$architecture"
@@ -46,7 +46,7 @@ for package in "$packages"/*.deb; do
 done
 rm -rf "$roots/another place"
 
-case_begins "lintian, man pages, dependencies"
+case_begins "lintian, man pages, completion, dependencies"
 must lintian --allow-root --fail-on error,warning "$packages"/*.deb
 for page in packaging/man/*; do
     must env LC_ALL=C.UTF-8 MANWIDTH=80 man --warnings --local-file "$page"
@@ -56,6 +56,7 @@ for package in "$packages"/*.deb; do
     dpkg-deb --extract "$package" "$roots/installed"
 done
 usr=$roots/installed/usr
+must tests/packages/completion.sh "$usr/bin/r47-sim"
 libraries=$usr/lib/$(gcc -print-multiarch)
 # The packages that are told as dependencies are those that Debian's own tool finds. The console's library is in none: it
 # is the device's.
