@@ -16,7 +16,8 @@ def report_of(pytestconfig, tmp_path):
         report = tmp_path / "report.xml"
         options = [f"{name}={pytestconfig.getoption(name)}" for name in ("--r47-sim", "--r47-console")]
         result = subprocess.run([sys.executable, "-m", "pytest", "-q", "-p", "no:cacheprovider", EXAMPLE, *options,
-                                 "--r47-clock", "scaled 20", "--serial-number", "4711", "--junitxml", report, *words],
+                                 "--r47-clock", "scaled 20", "--r47-timeout", "60",
+                                 "--serial-number", "4711", "--junitxml", report, *words],
                                 stdout=subprocess.PIPE, text=True)
         return result, xml.parse(report).getroot().find("testsuite")
 
