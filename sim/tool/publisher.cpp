@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -157,8 +158,13 @@ void publish(Descriptor const& listener, SandboxOptions& options) {
 int run_published(std::vector<std::string> const& words) {
     int const listener = parse_integer_as<int>(words.front()).value_or(-1);
     ::fcntl(listener, F_SETFD, FD_CLOEXEC);  // the command has no need of it
+    pid_t const publisher = ::getpid();
     pid_t const child = ::fork();
     if (child == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // as the sandbox ends its command with r47-sim
+        if (::getppid() != publisher) {
+            ::_exit(kFailed);
+        }
         execute({words.begin() + 1, words.end()});
         ::_exit(fail(kNotExecutable, words[1] + ": " + std::strerror(errno)));
     }
