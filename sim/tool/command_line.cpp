@@ -1,6 +1,8 @@
 // The command line of r47-sim.
 #include "sim/tool/command_line.h"
 
+#include <arpa/inet.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdint>
@@ -18,11 +20,12 @@ namespace {
 using Task = CommandLine::Task;
 using Texts = std::vector<std::string>;
 
-Texts const kOwnCommands{"run", "device", "list", "panel"};
+Texts const kOwnCommands{"run", "fleet", "device", "list", "panel"};
 constexpr char const* kNoCommand = "no command given: r47-sim run [OPTION...] -- COMMAND [ARG...]";
 
 constexpr char const* kUsage =
     "usage: r47-sim run [OPTION...] -- COMMAND [ARG...]   runs COMMAND inside a virtual device\n"
+    "       r47-sim fleet N [OPTION...] -- COMMAND        runs it in the midst of N devices with consoles that serve\n"
     "       r47-sim device [OPTION...]                    runs a device until a signal ends it\n"
     "       r47-sim list                                  the devices that run, and their programs\n"
     "       r47-sim panel [OPTION...]                     shows a device to a browser, and prints the address\n"
@@ -53,14 +56,22 @@ public:
         run_.add_flag("--private-network", line_.run.sandbox.private_network,
                       "a network of its own, with nothing but a loopback interface");
         run_.add_option("--publish", port_, "the same, but the console in it is reached at 127.0.0.1:PORT of this host")
-            ->type_name("PORT");
+            ->type_name("[127.X.Y.Z:]PORT");
         run_.add_flag("--require-faults", line_.run.require_faults, "fails where a fault rule never fired");
+        fleet_.add_option("N", fleet_size_, "devices")->type_name("");
+        fleet_.add_option("--name", line_.fleet.name, "the devices are called NAME-1, NAME-2 and so on")
+            ->type_name("NAME");
+        fleet_.add_option("--console", line_.fleet.console, "the console's program, not the one beside r47-sim")
+            ->type_name("PATH");
+        fleet_.add_flag("--usage", line_.fleet.usage, "tells memory and processor of each device at the end");
+        add_start_options(fleet_, fleet_start_);
         add_panel_options(panel_, line_.panel);
-        for (CLI::App* const task : {&run_, &device_, &panel_}) {
+        for (CLI::App* const task : {&run_, &fleet_, &device_, &panel_}) {
             task->allow_extras();
         }
         describe(app_, kUsage);
         describe(run_, "usage: r47-sim run [OPTION...] -- COMMAND [ARG...]\n");
+        describe(fleet_, "usage: r47-sim fleet N [OPTION...] -- COMMAND [ARG...]\n");
         describe(device_, "usage: r47-sim device [OPTION...]\n");
         describe(list_, "usage: r47-sim list\n");
         describe(panel_, "usage: r47-sim panel [OPTION...]\n");
@@ -92,11 +103,16 @@ public:
 private:
     static void add_device_options(CLI::App& app, DeviceOptions& options) {
         app.add_option("--name", options.name, "of the device; with a slash, its directory")->type_name("NAME");
+        app.add_option("--journal", options.journal, "writes a line for each call of the library")->type_name("FILE");
+        app.add_flag("--json-journal", options.journal_as_json, "the lines as JSON");
+        add_start_options(app, options);
+    }
+
+    // Those that several devices may have alike.
+    static void add_start_options(CLI::App& app, DeviceOptions& options) {
         app.add_option("--without", options.without, "leaves this file of the device out; may be repeated")
             ->type_name("PATH")
             ->allow_extra_args(false);
-        app.add_option("--journal", options.journal, "writes a line for each call of the library")->type_name("FILE");
-        app.add_flag("--json-journal", options.journal_as_json, "the lines as JSON");
         app.add_option("--scenario", options.scenario, "commands that the device carries out by itself")
             ->type_name("FILE");
         auto const set_clock = [&options](Texts const& words) { options.clock = join_words(words); };
@@ -105,17 +121,18 @@ private:
             ->expected(1, 2);
     }
 
-    // What stands behind -- is the command of run, whatever it looks like.
+    // What stands behind -- is the command of run or fleet, whatever it looks like.
     void take_command(Texts& words) {
         auto const mark = std::find(words.begin(), words.end(), "--");
-        if (words.front() == "run" && mark != words.end()) {
-            line_.run.sandbox.command.assign(mark + 1, words.end());
+        bool const is_run = words.front() == "run";
+        if ((is_run || words.front() == "fleet") && mark != words.end()) {
+            (is_run ? line_.run.sandbox.command : line_.fleet.command).assign(mark + 1, words.end());
             words.erase(mark, words.end());
         }
     }
 
     CommandLine take() {
-        for (CLI::App* const task : {&run_, &device_, &panel_}) {
+        for (CLI::App* const task : {&run_, &fleet_, &device_, &panel_}) {
             if (task->parsed() && task->remaining_size() > 0) {
                 return refuse(unknown_option(*task, task->remaining().front()));
             }
@@ -126,6 +143,9 @@ private:
         }
         if (run_.parsed()) {
             return take_run();
+        }
+        if (fleet_.parsed()) {
+            return take_fleet();
         }
         if (!app_.get_subcommands().empty()) {
             line_.task = device_.parsed() ? Task::device : list_.parsed() ? Task::list : Task::panel;
@@ -141,9 +161,19 @@ private:
                 return run_.count(option->get_name()) > 0;
             });
         if (!port_.empty()) {
-            line_.run.port = parse_integer_as<std::uint16_t>(port_).value_or(0);
-            if (line_.run.port == 0) {
+            PublishedAt& published = line_.run.published;
+            std::size_t const colon = port_.rfind(':');
+            if (colon != std::string::npos) {
+                published.address = port_.substr(0, colon);
+            }
+            published.port = parse_integer_as<std::uint16_t>(port_.substr(colon + 1)).value_or(0);
+            in_addr address{};
+            if (published.port == 0) {
                 return refuse("bad port " + port_ + ": 1 to 65535");
+            }
+            if (::inet_pton(AF_INET, published.address.c_str(), &address) != 1 ||
+                published.address.compare(0, 4, "127.") != 0) {
+                return refuse("bad address " + published.address + ": 127.0.0.1 or another of this host alone");
             }
         }
         if (!line_.run.device.empty() && has_own) {
@@ -153,6 +183,35 @@ private:
             return refuse(kNoCommand);
         }
         line_.task = Task::run;
+        return line_;
+    }
+
+    CommandLine take_fleet() {
+        line_.fleet.count = parse_integer_as<int>(fleet_size_).value_or(0);
+        if (line_.fleet.count < 1 || line_.fleet.count > kLargestFleet) {
+            return refuse("bad number of devices " + fleet_size_ + ": 1 to " + std::to_string(kLargestFleet));
+        }
+        if (line_.fleet.command.empty()) {
+            return refuse("no command given: r47-sim fleet N [OPTION...] -- COMMAND [ARG...]");
+        }
+        Error const error = check(fleet_start_);
+        if (!error.empty()) {
+            return refuse(error);
+        }
+        Texts& member = line_.fleet.member;
+        for (std::string const& path : fleet_start_.without) {
+            member.insert(member.end(), {"--without", path});
+        }
+        if (!fleet_start_.scenario.empty()) {
+            member.insert(member.end(), {"--scenario", fleet_start_.scenario});
+        }
+        if (!fleet_start_.clock.empty()) {
+            member.push_back("--clock");
+            Words words;
+            split_words(fleet_start_.clock, words);
+            member.insert(member.end(), words.begin(), words.end());
+        }
+        line_.task = Task::fleet;
         return line_;
     }
 
@@ -223,7 +282,7 @@ private:
         if (words.empty()) {
             return say(whole_help());
         }
-        for (CLI::App const* const task : {&run_, &device_, &list_, &panel_}) {
+        for (CLI::App const* const task : {&run_, &fleet_, &device_, &list_, &panel_}) {
             if (words == Texts{task->get_name()}) {
                 return say(task->help("r47-sim"));
             }
@@ -251,8 +310,11 @@ private:
     CommandLine line_;
     std::string timeout_;
     std::string port_;
+    std::string fleet_size_;
+    DeviceOptions fleet_start_;
     CLI::App app_{"Runs programs inside the virtual device, and controls devices that run.", "r47-sim"};
     CLI::App& run_ = *app_.add_subcommand("run", "runs COMMAND in a device of its own, which ends with it");
+    CLI::App& fleet_ = *app_.add_subcommand("fleet", "runs COMMAND in the midst of N devices with consoles that serve");
     CLI::App& device_ = *app_.add_subcommand("device", "runs a device until SIGINT, SIGTERM or SIGHUP ends it");
     CLI::App& list_ = *app_.add_subcommand("list", "the devices that run, and their programs");
     CLI::App& panel_ = *app_.add_subcommand("panel", "shows a device to a browser, and prints the address");

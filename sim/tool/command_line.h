@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "sim/tool/control.h"
+#include "sim/tool/fleet.h"
 #include "sim/tool/journal_files.h"
 #include "sim/tool/panel.h"
 #include "sim/tool/run.h"
@@ -13,11 +14,12 @@
 namespace sim {
 
 struct CommandLine {
-    enum class Task { none, run, device, list, panel, control, show_journal, diff_journals };
+    enum class Task { none, run, fleet, device, list, panel, control, show_journal, diff_journals };
 
     Task task = Task::none;
     int status = 0;  // of none: help was printed, or what is wrong
     RunOptions run;
+    FleetOptions fleet;
     DeviceOptions device;
     PanelOptions panel;
     ControlOptions control;

@@ -21,6 +21,8 @@ int main(int argc, char* argv[]) {
             break;
         case sim::CommandLine::Task::run:
             return sim::run_command(line.run);
+        case sim::CommandLine::Task::fleet:
+            return sim::run_fleet(line.fleet);
         case sim::CommandLine::Task::device:
             return sim::run_device(line.device);
         case sim::CommandLine::Task::list:

@@ -32,20 +32,19 @@ namespace sim {
 
 namespace {
 
-constexpr std::uint16_t kConsolePort = 32360;
 constexpr int kBacklog = 16;
 constexpr std::chrono::milliseconds kPause{100};
 
-sockaddr_in loopback(std::uint16_t port) {
+sockaddr_in socket_address(in_addr_t host, std::uint16_t port) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_addr.s_addr = host;
     address.sin_port = htons(port);
     return address;
 }
 
 Descriptor connect_to_console() {
-    sockaddr_in const address = loopback(kConsolePort);
+    sockaddr_in const address = socket_address(htonl(INADDR_LOOPBACK), kConsolePort);
     Descriptor console(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     bool const connected =
         console && ::connect(console.get(), reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
@@ -136,14 +135,14 @@ private:
 
 }  // namespace
 
-Descriptor listen_for_console(std::uint16_t port, Error& error) {
-    sockaddr_in const address = loopback(port);
+Descriptor listen_for_console(PublishedAt const& place, Error& error) {
+    sockaddr_in const address = socket_address(::inet_addr(place.address.c_str()), place.port);
     int const yes = 1;
     Descriptor listener = out_of_the_way(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     ::setsockopt(listener.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     if (!listener || ::bind(listener.get(), reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0 ||
         ::listen(listener.get(), kBacklog) != 0) {
-        error = "cannot publish at 127.0.0.1:" + std::to_string(port) + ": " + std::strerror(errno);
+        error = "cannot publish at " + place.address + ":" + std::to_string(place.port) + ": " + std::strerror(errno);
         return {};
     }
     return listener;

@@ -14,9 +14,17 @@ namespace sim {
 // The word by which r47-sim is told, inside the sandbox, that it has a console to publish.
 constexpr char const* kPublished = "--published";
 
-// Listens at 127.0.0.1:PORT of this host's network, also for a process that then leaves it. Empty with `error` set
-// otherwise.
-Descriptor listen_for_console(std::uint16_t port, Error& error);
+// At which the console listens in its own network.
+constexpr std::uint16_t kConsolePort = 32360;
+
+// Where it is published.
+struct PublishedAt {
+    std::string address = "127.0.0.1";
+    std::uint16_t port = 0;
+};
+
+// Listens there in this host's network, also for a process that then leaves it. Empty with `error` set otherwise.
+Descriptor listen_for_console(PublishedAt const& place, Error& error);
 
 // Gives the sandbox a private network, and its command the way out. `listener` must stay open until the command runs.
 void publish(Descriptor const& listener, SandboxOptions& options);

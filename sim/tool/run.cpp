@@ -22,21 +22,6 @@ namespace sim {
 
 namespace {
 
-// Whether there is such a command, as a shell would say it.
-int check_command(std::string const& command) {
-    std::string const path = program_path(command);
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 || ::access(path.c_str(), X_OK) != 0) {
-        return errno == ENOENT ? fail(kNotFound, command + ": no such command")
-                               : fail(kNotExecutable, command + ": " + std::strerror(errno));
-    }
-    if (!S_ISREG(status.st_mode)) {
-        return fail(kNotExecutable, command + ": no program");
-    }
-    Error const error = why_not_startable(command, path);
-    return error.empty() ? 0 : fail(kNotExecutable, error);
-}
-
 pid_t child = -1;
 
 void pass_on(int signal) {
@@ -139,6 +124,20 @@ int run_in_running_device(RunOptions const& options) {
 
 }  // namespace
 
+int check_command(std::string const& command) {
+    std::string const path = program_path(command);
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || ::access(path.c_str(), X_OK) != 0) {
+        return errno == ENOENT ? fail(kNotFound, command + ": no such command")
+                               : fail(kNotExecutable, command + ": " + std::strerror(errno));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return fail(kNotExecutable, command + ": no program");
+    }
+    Error const error = why_not_startable(command, path);
+    return error.empty() ? 0 : fail(kNotExecutable, error);
+}
+
 int run_command(RunOptions options) {
     Error error = options.device.empty() ? check(options.own) : Error();
     if (!error.empty()) {
@@ -154,8 +153,8 @@ int run_command(RunOptions options) {
         return missing;
     }
     Descriptor published;
-    if (options.port != 0) {
-        published = listen_for_console(options.port, error);
+    if (options.published.port != 0) {
+        published = listen_for_console(options.published, error);
         if (!error.empty()) {
             return fail(kFailed, error);
         }

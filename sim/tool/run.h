@@ -1,9 +1,9 @@
 // Runs a command inside the virtual device.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
+#include "sim/tool/publisher.h"
 #include "sim/tool/running_device.h"
 #include "sim/tool/sandbox_view.h"
 
@@ -14,11 +14,14 @@ struct RunOptions {
     std::string device;  // a running one; empty: one of its own
     DeviceOptions own;
     bool require_faults = false;  // of the device's own rules that each fires
-    std::uint16_t port = 0;       // of this host, where the command's console is reached; 0: nowhere
+    PublishedAt published;        // where the command's console is reached; port 0: nowhere
 };
 
 // "r47-sim run": a command in a running device, or in one of its own that ends with it. Answers the exit status of the
 // command, 128 + number for a signal, or of r47-sim itself (exit_status.h).
 int run_command(RunOptions options);
+
+// Whether there is such a command, as a shell would say it: 0, or a status of exit_status.h, and then says why.
+int check_command(std::string const& command);
 
 }  // namespace sim

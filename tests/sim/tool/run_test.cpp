@@ -942,6 +942,8 @@ TEST_F(RunTest, WhatIsNotUnderstoodIsRefused) {
           Case{"--clock", "r47-sim: --clock: 1 required SETTING missing\n"},
           Case{"--publish 0", "r47-sim: bad port 0: 1 to 65535\n"},
           Case{"--publish 65536", "r47-sim: bad port 65536: 1 to 65535\n"},
+          Case{"--publish 10.0.0.1:4711", "r47-sim: bad address 10.0.0.1: 127.0.0.1 or another of this host alone\n"},
+          Case{"--publish 127.0.1:4711", "r47-sim: bad address 127.0.1: 127.0.0.1 or another of this host alone\n"},
           Case{"--device x --clock stepped",
                "r47-sim: --device names a device that runs already: it takes no options of a device's start\n"},
           Case{"--device x --require-faults",
@@ -951,9 +953,9 @@ TEST_F(RunTest, WhatIsNotUnderstoodIsRefused) {
         EXPECT_EQ(result.output, bad.message);
     }
     for (std::string const words :
-         {" run", " run -- ", " run --journal", " run --publish", " device --journal", " device --frobnicate", "",
-          " --device", " --device x", " --frobnicate", " --timeout 5 show", " --timeout 1s", " list all",
-          " help nothing", " --device x list"}) {
+         {" run", " run -- ", " fleet", " fleet 2", " fleet --frobnicate 2 -- true", " run --journal", " run --publish",
+          " device --journal", " device --frobnicate", "", " --device", " --device x", " --frobnicate",
+          " --timeout 5 show", " --timeout 1s", " list all", " help nothing", " --device x list"}) {
         EXPECT_EQ(shell(sim_ + words).status, 125) << words;
     }
 }
