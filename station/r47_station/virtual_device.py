@@ -175,6 +175,7 @@ class VirtualDevice:
             command += ["--without", path]
         if journal is not None:
             command += ["--journal", journal]
+        process = None
         try:
             process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                        stderr=subprocess.PIPE, text=True)
@@ -183,6 +184,9 @@ class VirtualDevice:
                 raise DeviceGone(process.stderr.read().strip())
             device = cls(directory, timeout=timeout)
         except BaseException:
+            if process is not None:
+                process.terminate()
+                process.communicate()
             own_directory.cleanup()
             raise
         device._process = process
