@@ -53,6 +53,18 @@ void end_with(pid_t parent) {
     }
 }
 
+volatile pid_t command = -1;
+volatile std::sig_atomic_t interrupted = 0;
+
+// Before there is a command it ends the start. What the terminal sends reaches the command by itself.
+void take_signal(int signal) {
+    if (command <= 0) {
+        interrupted = 1;
+    } else if (signal == SIGTERM || signal == SIGHUP) {
+        ::kill(command, signal);
+    }
+}
+
 // Devices whose consoles serve, until they are ended; those that end by themselves are nobody's concern.
 class Fleet {
 public:
@@ -135,6 +147,9 @@ private:
             if (member.process < 0 || ends_within(member.process, kPause)) {
                 return member.name + " ended before its console served a client";
             }
+            if (interrupted != 0) {
+                return "ended by a signal, before all consoles served a client";
+            }
             if (std::chrono::steady_clock::now() > end) {
                 return member.name + " did not come to serve a client";
             }
@@ -195,14 +210,6 @@ private:
     Descriptor kept_open_;
 };
 
-pid_t command = -1;
-
-void pass_on(int signal) {
-    if (command > 0) {
-        ::kill(command, signal);
-    }
-}
-
 int run_among(FleetOptions const& options) {
     pid_t const fleet = ::getpid();
     command = ::fork();
@@ -213,6 +220,9 @@ int run_among(FleetOptions const& options) {
         }
         execute(options.command);
         ::_exit(fail(kNotExecutable, options.command.front() + ": " + std::strerror(errno)));
+    }
+    if (command > 0 && interrupted != 0) {
+        ::kill(command, SIGTERM);  // the signal came between the start and the command
     }
     return command > 0 ? wait_for(command) : fail(kFailed, std::strerror(errno));
 }
@@ -237,11 +247,8 @@ int run_fleet(FleetOptions const& options) {
     if (!error.empty()) {
         return fail(kFailed, error);
     }
-    for (int const signal : {SIGTERM, SIGHUP}) {
-        std::signal(signal, pass_on);
-    }
-    for (int const signal : {SIGINT, SIGQUIT}) {
-        std::signal(signal, SIG_IGN);  // the terminal sends them to the command as well
+    for (int const signal : {SIGTERM, SIGHUP, SIGINT, SIGQUIT}) {
+        std::signal(signal, take_signal);
     }
     Fleet fleet(own);
     error = fleet.start();

@@ -78,6 +78,19 @@ def test_signal_goes_to_the_command_and_ends_all(fleet):
         assert process.wait() == 7
 
 
+def test_signal_ends_a_fleet_that_starts(fleet, pytestconfig, tmp_path):
+    never = tmp_path / "never"
+    never.write_text("#!/bin/sh\nsleep 1000\n")
+    never.chmod(0o755)
+    with fleet(2, "--console", never, "--", "true") as process:
+        while not subprocess.run([pytestconfig.getoption("--r47-sim"), "list"], stdout=subprocess.PIPE).stdout:
+            assert process.poll() is None
+        process.send_signal(signal.SIGINT)
+        _, errors = process.communicate()
+    assert process.returncode == 125
+    assert "ended by a signal" in errors
+
+
 def test_all_end_with_a_fleet_that_is_killed(fleet, tmp_path):
     with fleet(2, "--", "sh", "-c", "echo $R47_FLEET; read line", stdin=subprocess.PIPE) as process:
         file = pathlib.Path(process.stdout.readline().strip())
