@@ -94,8 +94,11 @@ public:
     Error start() {
         std::string const name = options_.name.empty() ? "fleet" + std::to_string(::getpid()) : options_.name;
         for (int i = 0; i < options_.count; ++i) {
-            members_.push_back({name + "-" + std::to_string(i + 1), address_of(i)});
-            start(members_.back());
+            Member member{name + "-" + std::to_string(i + 1), address_of(i)};
+            if (!start(member)) {
+                return member.name + ": " + std::strerror(errno);
+            }
+            members_.push_back(member);
         }
         for (Member const& member : members_) {
             Error error = wait_until_it_serves(member);
@@ -119,7 +122,7 @@ public:
     }
 
 private:
-    void start(Member& member) const {
+    bool start(Member& member) const {
         Arguments words{program_path(program_invocation_name),
                         "run",
                         "--name",
@@ -139,12 +142,13 @@ private:
             execute(words);
             ::_exit(fail(kFailed, words.front() + ": " + std::strerror(errno)));
         }
+        return member.process > 0;
     }
 
     static Error wait_until_it_serves(Member const& member) {
         auto const end = std::chrono::steady_clock::now() + kLongestStart;
         while (!session_listens(member.process, kConsolePort)) {
-            if (member.process < 0 || ends_within(member.process, kPause)) {
+            if (ends_within(member.process, kPause)) {
                 return member.name + " ended before its console served a client";
             }
             if (interrupted != 0) {
@@ -192,11 +196,11 @@ private:
             ask_to_end(member);
         }
         ::kill(member.process, SIGKILL);
-        wait_for(member.process);
         for (pid_t const process : processes_of_session(member.process)) {
             ::kill(process, SIGKILL);
             ends_within(process, kLongestEnd);
         }
+        wait_for(member.process);  // until here the number is nobody else's
         DeviceDirectory left;
         static_cast<void>(left.make(member.name));
     }
