@@ -16,7 +16,7 @@ function element({record, skipped}) {
   if (skipped) {
     return html("p", {class: "skipped"}, `${skipped} lines skipped`);
   }
-  const line = html("p", {"data-kind": record.kind}, html("time", {}, fixed(record.start, 3)),
+  const line = html("p", {"data-kind": record.kind, title: record.program ?? ""}, html("time", {}, fixed(record.start, 3)),
       html("span", {class: "who"}, record.program ?? "-"),
       html("span", {class: "what"}, record.text));
   if (record.error) {
