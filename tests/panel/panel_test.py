@@ -435,9 +435,10 @@ class PageTest(PanelTest):
     def test_picture_commands_and_journal_are_in_sight_without_scrolling(self):
         self.set_view(1280, 720, "light")
         self.device.give("\n".join(["drive 1 high", "drive 1 low"] * 50))
-        self.find("command").send_keys("set system.state 9", Keys.ENTER)
-        self.shows("command-list", "set system.state 9")
-        self.shows("lines", "set system.state 9")
+        for state in ("5", "6", "9"):
+            self.find("command").send_keys(f"set system.state {state}", Keys.ENTER)
+            self.until(lambda: self.attribute("command", "value") == "", "it is not given")
+            self.shows("lines", f"set system.state {state}")
         below = self.browser.execute_script("""
             scrollTo(0, 0);
             const parts = ["#front", "#press", "#pin-list", "#command", "#command-list li", "#filter", "#lines", "#lines p:last-child"];

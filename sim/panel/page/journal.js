@@ -7,6 +7,7 @@ const SHOWN = 150;
 let lines = [];  // {record, text, skipped}
 let paused = false;
 let waiting = false;
+let follows = true;  // until the person scrolls away from the end; not when the box gets smaller
 
 function textOf(record) {
   return [fixed(record.start, 6), record.kind, record.program, record.error, record.text].filter(Boolean).join(" ");
@@ -32,7 +33,6 @@ function show() {
   const fits = ({text}) => words.every(word => text.toLowerCase().includes(word));
   const chosen = words.length ? lines.filter(fits) : lines;
   const box = byId("lines");
-  const follows = box.scrollHeight - box.scrollTop - box.clientHeight < 40;
   box.replaceChildren(...chosen.slice(-SHOWN).map(element));
   if (follows) {
     box.scrollTop = box.scrollHeight;
@@ -56,6 +56,9 @@ export function start() {
     lines.push(...message.lines.map(record => ({record, text: textOf(record)})));
     lines = lines.slice(-KEPT);
     soon();
+  });
+  byId("lines").addEventListener("scroll", ({target: box}) => {
+    follows = box.scrollHeight - box.scrollTop - box.clientHeight < 40;
   });
   byId("filter").addEventListener("input", show);
   byId("journal-form").addEventListener("submit", event => event.preventDefault());
