@@ -6,9 +6,9 @@
 A mutant is a comparison, a constant, a sign or operator of arithmetic, or a logical operator changed, a statement removed, or
 two arguments swapped. It is built and tested in copies of the tree, build-mutate/, with builds of their own. What does not
 compile is no mutant; one that does not end, or fills the memory, counts as killed. Survivors are printed as they are found,
-then what was killed of each source (a header counts with its .cpp). Ends with 1 where less than 95 % of a source of
-sim/models, or 98 % of any other, is killed or has its reason in tests/survivors.txt; those without are written to
-build-mutate/survivors.txt, in that file's form.
+then what was killed of each source (a header counts with its .cpp), also where Ctrl-C ends it. Ends with 1 where less than
+95 % of a source of sim/models, or 98 % of any other, is killed or has its reason in tests/survivors.txt; those without are
+written to build-mutate/survivors.txt, in that file's form.
 """
 import argparse
 import collections
@@ -461,7 +461,8 @@ def main():
         finally:
             workshops.put(workshop)
 
-    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+    pool = concurrent.futures.ThreadPoolExecutor(options.jobs)
+    try:
         for mutant, result in pool.map(try_one, mutants):
             if result == "survived" and record(mutant) in accepted:
                 result = "explained"
@@ -469,6 +470,8 @@ def main():
                 unexplained.append(mutant)
                 print(shown(mutant), flush=True)
             counts[pathlib.PurePath(mutant.file).with_suffix("").as_posix()][result] += 1
+    except KeyboardInterrupt:
+        pool.shutdown(cancel_futures=True)
     return int(report(counts, unexplained))
 
 
