@@ -970,7 +970,7 @@ TEST_F(RunTest, HelpNamesOptionsAndCommands) {
 }
 
 TEST_F(RunTest, EachCommandHasItsHelp) {
-    for (std::string const command : {"run", "device", "list", "show", "fault"}) {
+    for (std::string const command : {"run", "fleet", "device", "list", "show", "fault"}) {
         Result const result = shell(sim_ + " help " + command);
         EXPECT_EQ(result.status, 0);
         EXPECT_NE(result.output.find(command), std::string::npos) << result.output;
@@ -978,9 +978,9 @@ TEST_F(RunTest, EachCommandHasItsHelp) {
             EXPECT_EQ(shell(sim_ + " " + command + option).output, result.output) << command << option;
         }
     }
-    EXPECT_NE(shell(sim_ + " help run").output.find("--publish PORT"), std::string::npos);
+    EXPECT_NE(shell(sim_ + " help run").output.find("--publish [127.X.Y.Z:]PORT"), std::string::npos);
     EXPECT_NE(shell(sim_ + " help device").output.find("usage: r47-sim device [OPTION...]\n"), std::string::npos);
-    EXPECT_EQ(shell(sim_ + " help device").output.find("--publish PORT"), std::string::npos);
+    EXPECT_EQ(shell(sim_ + " help device").output.find("--publish"), std::string::npos);
 }
 
 TEST_F(RunTest, TheVersionIsTold) {
