@@ -13,23 +13,25 @@ CODE = re.compile(r"`([^`]+)`")
 
 
 class Table:
-    """A table of a document: the heading it stands under, its first line and its rows, each a list of cells."""
+    """A table of a document: the headings it stands under, its first line and its rows, each a list of cells."""
 
-    def __init__(self, heading, head):
-        self.heading, self.head, self.rows = heading, head, []
+    def __init__(self, heading, subheading, head):
+        self.heading, self.subheading, self.head, self.rows = heading, subheading, head, []
 
 
 def tables(document):
-    heading, found, table = "", [], None
+    heading, subheading, found, table = "", "", [], None
     for line in document.read_text().splitlines():
-        if line.startswith("#"):
-            heading = line.lstrip("#").strip() if line.startswith("## ") else heading
+        if line.startswith("## "):
+            heading, subheading = line[3:], ""
+        if line.startswith("### "):
+            subheading = line[4:]
         if not line.startswith("|"):
             table = None
             continue
         cells = [cell.strip() for cell in re.split(r"(?<!\\)\|", line)[1:-1]]
         if table is None:
-            table = Table(heading, cells)
+            table = Table(heading, subheading, cells)
             found.append(table)
         elif not set(line) <= set("|-"):
             table.rows.append(cells)
