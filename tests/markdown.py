@@ -1,0 +1,34 @@
+#!/usr/bin/env python3
+"""Holds the documents to one width, but for the rows of tables, and what they name to what is there: the files and
+folders in `code` that begin with a folder of the tree, and the links to other documents with their headings."""
+
+import re
+import sys
+
+from documents import CODE, ROOT
+
+WIDTH = 120
+DOCUMENTS = sorted([*ROOT.glob("*.md"), *ROOT.glob("docs/*.md"), *ROOT.glob("bench/*.md")])
+FOLDERS = [path.name for path in ROOT.iterdir() if path.is_dir() and not path.name.startswith((".", "build"))]
+PATH = re.compile(rf"({'|'.join(FOLDERS)})/[\w./-]*")
+LINK = re.compile(r"\]\(([^)]+)\)")
+
+
+def faults(document):
+    text = document.read_text()
+    for number, line in enumerate(text.splitlines(), 1):
+        if len(line) > WIDTH and not line.startswith("|"):
+            yield f"{number}: {len(line)} columns"
+    prose = re.sub(r"```.*?```", "", text, flags=re.S)
+    for code in CODE.findall(prose):
+        path = code.split()[0] if code.split() else ""
+        if PATH.fullmatch(path) and not (ROOT / path).exists():
+            yield f"there is no {path}"
+    for link in LINK.findall(prose):
+        if "://" not in link and not (document.parent / link.partition("#")[0]).exists():
+            yield f"there is no {link}"
+
+
+wrong = [f"{document}: {fault}" for document in DOCUMENTS for fault in faults(document)]
+print("\n".join(wrong) or f"{len(DOCUMENTS)} documents keep to {WIDTH} columns and name what is there")
+sys.exit(bool(wrong) or not DOCUMENTS)
