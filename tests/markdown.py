@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Holds the documents to one width, but for the rows of tables, and what they name to what is there: the files and
-folders in `code` that begin with a folder of the tree, and the links to other documents with their headings."""
+folders in `code` that begin with a folder of the tree, and the links, to headings too."""
 
 import re
 import sys
@@ -14,6 +14,12 @@ PATH = re.compile(rf"({'|'.join(FOLDERS)})/[\w./-]*")
 LINK = re.compile(r"\]\(([^)]+)\)")
 
 
+def anchors(document):
+    """What a link to a heading of the document can name."""
+    headings = re.findall(r"^#+ (.*)", document.read_text(), re.M)
+    return {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings}
+
+
 def faults(document):
     text = document.read_text()
     for number, line in enumerate(text.splitlines(), 1):
@@ -25,7 +31,9 @@ def faults(document):
         if PATH.fullmatch(path) and not (ROOT / path).exists():
             yield f"there is no {path}"
     for link in LINK.findall(prose):
-        if "://" not in link and not (document.parent / link.partition("#")[0]).exists():
+        path, _, heading = link.partition("#")
+        target = document.parent / path if path else document
+        if "://" not in link and (not target.exists() or heading and heading not in anchors(target)):
             yield f"there is no {link}"
 
 

@@ -116,7 +116,8 @@ class Place:
         """The text without what is different each time."""
         text = text.replace(str(self.runtime), "/run/user/1000")
         text = re.sub(r"\b\d+ s  /", "N s  /", text)
-        return re.sub(r"127\.0\.0\.1:\d+/\w+/", "127.0.0.1:PORT/TOKEN/", text).splitlines()
+        text = re.sub(r"127\.0\.0\.1:\d+/\w+/", "127.0.0.1:PORT/TOKEN/", text)
+        return [line.rstrip() for line in text.splitlines()]
 
 
 def commands_of(block):
