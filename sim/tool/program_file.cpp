@@ -49,7 +49,7 @@ std::string loader_in(std::ifstream& file) {
             std::string path(segment.p_filesz, '\0');
             file.seekg(static_cast<std::streamoff>(segment.p_offset));
             file.read(path.data(), static_cast<std::streamsize>(path.size()));
-            return path.c_str();
+            return path.substr(0, path.find('\0'));
         }
     }
     return {};

@@ -91,7 +91,7 @@ Usage usage_of_session(pid_t session) {
 }
 
 bool session_listens(pid_t session, unsigned short port) {
-    std::array<char, 32> listening{};
+    std::array<char, 64> listening{};
     std::snprintf(listening.data(), listening.size(), " 00000000:%04X 00000000:0000 0A ", port);
     for (pid_t const process : processes_of_session(session)) {
         std::ifstream file(file_of(process, "net/tcp"));
