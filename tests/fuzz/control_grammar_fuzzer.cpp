@@ -125,7 +125,7 @@ public:
     Session() { state_ = state(); }
 
     void give(std::string const& line) {
-        sim::Reply const reply = sim::device_commands().run({device_, {}, [](bool) {}}, line);
+        sim::Reply const reply = sim::device_commands().run({device_, {}, [](sim::StreamForm const&) {}}, line);
         // What came by itself later would look like a change.
         device_.timeline.run_stepped();
         device_.timeline.step(sim::Duration(0));
