@@ -6,7 +6,7 @@ cd "$(dirname "$0")/../.."
 swept=${1:-build}
 stormed=${2:-build}
 ordered=${3:-build}
-consoles=${4:-2000}
+consoles=${4:-1000}
 commands=${5:-1000000}
 seeds=${6:-250}
 failed=0
