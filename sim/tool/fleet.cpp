@@ -17,8 +17,8 @@
 #include "sim/tool/execute.h"
 #include "sim/tool/exit_status.h"
 #include "sim/tool/private_network.h"
+#include "sim/tool/program_file.h"
 #include "sim/tool/publisher.h"
-#include "sim/tool/run.h"
 #include "sim/tool/sessions.h"
 
 namespace sim {

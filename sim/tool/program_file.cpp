@@ -1,7 +1,8 @@
-// Whether a program's file can be started: what the kernel starts in its place is there.
+// Whether a command can be started: there is such a program, and what the kernel starts in its place is there.
 #include "sim/tool/program_file.h"
 
 #include <elf.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +10,10 @@
 #include <cstring>
 #include <fstream>
 #include <sstream>
+
+#include "sim/core/error.h"
+#include "sim/tool/exit_status.h"
+#include "sim/tool/sandbox_view.h"
 
 namespace sim {
 
@@ -74,8 +79,7 @@ Starter starter_of(std::string const& path) {
     return script;
 }
 
-}  // namespace
-
+// Why the file cannot be started, with `name` in front.
 Error why_not_startable(std::string const& name, std::string const& path) {
     std::string who = name;
     std::string program = path;
@@ -91,6 +95,22 @@ Error why_not_startable(std::string const& name, std::string const& path) {
         program = starter.path;
     }
     return {};
+}
+
+}  // namespace
+
+int check_command(std::string const& command) {
+    std::string const path = program_path(command);
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || ::access(path.c_str(), X_OK) != 0) {
+        return errno == ENOENT ? fail(kNotFound, command + ": no such command")
+                               : fail(kNotExecutable, command + ": " + std::strerror(errno));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return fail(kNotExecutable, command + ": no program");
+    }
+    Error const error = why_not_startable(command, path);
+    return error.empty() ? 0 : fail(kNotExecutable, error);
 }
 
 }  // namespace sim

@@ -1,14 +1,13 @@
-// Whether a program's file can be started: what the kernel starts in its place is there.
+// Whether a command can be started: there is such a program, and what the kernel starts in its place is there.
 #pragma once
 
 #include <string>
 
-#include "sim/core/error.h"
-
 namespace sim {
 
-// Why it cannot: the interpreter of a script or the loader of an executable is missing, or what that needs in turn;
-// with `name` in front. Files of other machines are not looked into.
-Error why_not_startable(std::string const& name, std::string const& path);
+// Looks for the command as a shell does: 0, or a status of exit_status.h, and then says why on standard error. The
+// interpreter of a script and the loader of an executable are looked for too, and what these need in turn; files of
+// other machines are not looked into.
+int check_command(std::string const& command);
 
 }  // namespace sim

@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -123,20 +122,6 @@ int run_in_running_device(RunOptions const& options) {
 }
 
 }  // namespace
-
-int check_command(std::string const& command) {
-    std::string const path = program_path(command);
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 || ::access(path.c_str(), X_OK) != 0) {
-        return errno == ENOENT ? fail(kNotFound, command + ": no such command")
-                               : fail(kNotExecutable, command + ": " + std::strerror(errno));
-    }
-    if (!S_ISREG(status.st_mode)) {
-        return fail(kNotExecutable, command + ": no program");
-    }
-    Error const error = why_not_startable(command, path);
-    return error.empty() ? 0 : fail(kNotExecutable, error);
-}
 
 int run_command(RunOptions options) {
     Error error = options.device.empty() ? check(options.own) : Error();

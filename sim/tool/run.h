@@ -21,7 +21,4 @@ struct RunOptions {
 // command, 128 + number for a signal, or of r47-sim itself (exit_status.h).
 int run_command(RunOptions options);
 
-// Whether there is such a command, as a shell would say it: 0, or a status of exit_status.h, and then says why.
-int check_command(std::string const& command);
-
 }  // namespace sim
