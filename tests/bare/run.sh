@@ -13,7 +13,7 @@ trap 'exit 1' HUP INT TERM
 new_root() { # NAME
     copy_root "$1"
     mkdir "$roots/$1/home/engineer/r47"
-    git ls-files -z | xargs -0 cp --parents -t "$roots/$1/home/engineer/r47"
+    git ls-files -z | xargs -0 cp --parents --preserve=timestamps -t "$roots/$1/home/engineer/r47"
     chroot "$roots/$1" chown -R engineer: /home/engineer/r47
 }
 
@@ -44,6 +44,10 @@ case_begins "./run, as root, first"
 expect "$works" first machine root "$first_run"
 ! grep -a '^\./run' "$roots/output" || fail "phases on standard output"
 ! in_root first machine root "command -v proot || dpkg -s libgtest-dev" || fail "more is installed than ./run needs"
+# What ./run has built, ./test goes on with below.
+new_root second
+cp -a "$roots/first/home/engineer/r47/build" "$roots/second/home/engineer/r47"
+chroot "$roots/second" chown -R engineer: /home/engineer/r47/build
 
 case_begins "./run --panel"
 expect "panel http://127.0.0.1:[0-9]*/[0-9a-f]*/" first machine root "$first_run --panel 2>&1"
@@ -69,7 +73,6 @@ expect_refusal "^the virtual device needs namespaces (bwrap: .*) or else tracing
 rm -rf "$roots/first"
 
 case_begins "./test, as a user with sudo, first"
-new_root second
 in_root second machine root "apt-get update; apt-get install -y --no-install-recommends sudo; rm -r /var/lib/apt/lists
     echo 'engineer ALL=(ALL) NOPASSWD: ALL' >/etc/sudoers.d/engineer"
 expect "100% tests passed.*" second machine engineer ./test
