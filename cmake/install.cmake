@@ -47,7 +47,18 @@ if(NOT R47_HAL_LIBRARY)
     install(FILES ${PROJECT_BINARY_DIR}/r47-hal.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT console_dev)
     install(DIRECTORY hal DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/r47 COMPONENT console_dev FILES_MATCHING PATTERN *.h)
     install_documents(console_dev r47-console-dev)
-    list(APPEND components virtual_device console_dev)
+
+    # Debian's Python looks there, whatever the prefix's lib is called.
+    set(python_packages lib/python3/dist-packages)
+    install(DIRECTORY station/r47_station DESTINATION ${python_packages} COMPONENT station
+        FILES_MATCHING PATTERN *.py PATTERN py.typed PATTERN __pycache__ EXCLUDE)
+    configure_file(packaging/station/METADATA.in ${PROJECT_BINARY_DIR}/METADATA @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/METADATA packaging/station/entry_points.txt
+        DESTINATION ${python_packages}/r47_station-${PROJECT_VERSION}.dist-info COMPONENT station)
+    install(FILES station/examples/fleet.py station/examples/production_test.py station/examples/pytest.ini
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/python3-r47-station/examples COMPONENT station)
+    install_documents(station python3-r47-station)
+    list(APPEND components virtual_device console_dev station)
 endif()
 
 set(CPACK_GENERATOR DEB)
@@ -108,4 +119,20 @@ r47-hal.
 
 A tool is linked with the library of r47-virtual-device, or with another
 that it is told.")
+
+set(CPACK_DEBIAN_STATION_PACKAGE_NAME python3-r47-station)
+set(CPACK_DEBIAN_STATION_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_STATION_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_STATION_PACKAGE_DEPENDS "python3:any (>= 3.11)")
+set(CPACK_DEBIAN_STATION_PACKAGE_RECOMMENDS "python3-pexpect, python3-pytest")
+set(CPACK_DEBIAN_STATION_PACKAGE_SUGGESTS "r47-console, r47-virtual-device")
+set(station_scripts ${PROJECT_SOURCE_DIR}/packaging/debian/python3-r47-station)
+set(CPACK_DEBIAN_STATION_PACKAGE_CONTROL_EXTRA ${station_scripts}/postinst ${station_scripts}/prerm)
+set(CPACK_DEBIAN_STATION_DESCRIPTION "test stations for the R47 smart camera, in Python
+Drives a test console over TCP or at its terminal, from a test station's
+program: its commands as methods, its refusals as exceptions, all typed.
+Fixtures for pytest make a production test of it, with a report of what was
+measured.
+
+With r47-virtual-device a station is written and tried without a camera.")
 include(CPack)

@@ -111,7 +111,21 @@ expect "sensor error to get exposure" machine machine engineer "r47-sim device -
     until r47-sim --device bench fault add rtu_t::get_exposure status -1; do :; done
     printf 'b\nE\nx\nx\n' | r47-sim run --device bench -- r47-console"
 expect "panel http://127.0.0.1:[0-9]*/[0-9a-f]*/" machine machine engineer "r47-sim panel --device bench --beside \$\$"
-in_root machine machine root "DEBIAN_FRONTEND=noninteractive apt-get purge -y r47-console r47-virtual-device r47-console-dev" ||
+
+case_begins "a station in the bare root: the examples, as its user and as root"
+in_root machine machine root "$apt --no-install-recommends ./python3-r47-station_*.deb python3-pytest python3-pexpect" ||
+    fail "no installation of the station"
+in_root machine machine root "ls /usr/lib/python3/dist-packages/r47_station/__pycache__/console.*.pyc" || fail "not compiled"
+examples=/usr/share/doc/python3-r47-station/examples
+# (without the examples' pytest.ini: the package alone tells pytest of its fixtures)
+expect "=* 11 passed in .*" machine machine engineer "cp $examples/production_test.py .
+    pytest-3 production_test.py --r47-clock 'scaled 20' --r47-timeout 60"
+expect "=* 11 passed in .*" machine machine root "pytest-3 $examples --r47-clock 'scaled 20' --r47-timeout 60"
+expect "fleet[0-9]*-2  [0-9.]* s  passed" machine machine engineer "r47-sim fleet 2 -- python3 $examples/fleet.py"
+
+case_begins "removed from the bare root"
+in_root machine machine root "rm -r $examples/.pytest_cache $examples/__pycache__
+    DEBIAN_FRONTEND=noninteractive apt-get purge -y r47-console r47-virtual-device r47-console-dev python3-r47-station" ||
     fail "no removal"
 # (the directories of devices that were killed stay)
 in_root machine machine root "! find / -xdev '(' -path /home -o -path /tmp ')' -prune -o -name '*r47*' -print | grep ." ||
