@@ -64,8 +64,8 @@ def listed_keys(source):
 def sources_of_menus():
     """{key at the main menu: the source of the menu that it opens}"""
     definitions = {}
-    for path in [*ROOT.glob("app/*.cpp"), *ROOT.glob("menus/*/*.cpp")]:
+    for path in [*ROOT.glob("app/*.cpp"), *ROOT.glob("menus/*/*.cpp"), *ROOT.glob("net/*.cpp")]:
         for name in re.findall(r"^(?:int|void) (test_\w+)\(", path.read_text(), re.M):
             definitions[name] = path
-    opened = re.findall(r"case '(.)':\s+(test_\w+)\(", MAIN_MENU.read_text())
+    opened = re.findall(r"case '(.)':\s+(?:if \(!bsock\) {\s+)?(test_\w+)\(", MAIN_MENU.read_text())
     return {key: definitions[name] for key, name in opened}

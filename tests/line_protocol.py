@@ -26,13 +26,16 @@ ASKS = re.compile(r"(?:your option|a value for \w+): $")
 
 
 class Console:
-    """A console in socket mode with its operator's terminal, and the station that is connected with it."""
+    """A console in socket mode with its operator's terminal, and the station that is connected with it.
 
-    def __init__(self, sim, console):
-        self.process = subprocess.Popen([sim, "run", "--clock", "stepped", "--", console, "socket"],
+    It starts in that mode, or goes there by what is typed."""
+
+    def __init__(self, sim, console, typed=()):
+        self.process = subprocess.Popen([sim, "run", "--clock", "stepped", "--", console, *([] if typed else ["socket"])],
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self.shown, self.seen, self.news = "", 0, threading.Condition()
         threading.Thread(target=self.follow, daemon=True).start()
+        self.type(typed)
         self.wait_for("int test_socket()\n")
         self.station = self.connect()
 

@@ -7,7 +7,8 @@ Each heading "Key `b`: ..." has a table of this menu's keys, "Main menu" that of
 the menu's source handles or lists, and no other; "not listed" stands with those that work and are not listed, and
 "Nothing" with those that are listed and do nothing. Each row is played: its first cell is typed, and the code of its last
 cell must be printed in this order, where `N` is a number and `...` any text. The rows of the checklists are played, too.
-Each error text must stand in a source."""
+Each error text must stand in a source. To be run in a network of its own, as the port of socket mode is fixed
+(tests/support/own_network.sh)."""
 
 import concurrent.futures
 import re
@@ -15,10 +16,12 @@ import subprocess
 import sys
 
 from documents import CODE, EXIT_KEY, MAIN_MENU, ROOT, handled_keys, listed_keys, menu_keys, sources_of_menus, tables
+from line_protocol import Console
 
 GUIDE = ROOT / "docs" / "operator-guide.md"
 ENDS_THE_CONSOLE = ["0"]
-WAITS_FOR_A_STATION = ["L"]  # at the main menu; line_protocol.py plays it
+SOCKET_MODE = "L"
+INPUT_HAS_ENDED = "Entered Option = \0\n"
 ECHO = re.compile(r"(?:Entered|Your) [Oo]ption = (.)\n")
 
 
@@ -51,19 +54,37 @@ def runs_of(table):
     """The rows of a table as runs of the console: each a list of what is typed and what is printed."""
     rows = [(CODE.findall(row[0]), CODE.findall(row[-1])) for row in table.rows if row[0].startswith("`")]
     if not menu_keys(table.heading):
-        return [[row] for row in rows if row[0] != WAITS_FOR_A_STATION]  # each leads to another menu
+        return [[row] for row in rows]  # each leads to another menu
     last = [row for row in rows if row[0] == ENDS_THE_CONSOLE]
     leaving = [row for row in rows if row[0] == [EXIT_KEY]]
     return [[row for row in rows if row not in last + leaving] + leaving, *[[row] for row in last]]
 
 
-def play(sim, console, table):
-    """Tells what is not printed of a table."""
+def shown_in_socket_mode(sim, program):
+    """What is shown from its key on until its local menu has been left: then the main menu has no input any more."""
+    console = Console(sim, program, [SOCKET_MODE])
+    console.wait_for("Socket test menu")
+    console.wait_for("Please enter your option: ")
+    console.wait_for("Please enter your option: ")  # the station's main menu
+    console.type([EXIT_KEY])
+    console.wait_for(INPUT_HAS_ENDED)
+    console.wait_for(INPUT_HAS_ENDED)
+    console.process.terminate()
+    console.wait_for_exit()
+    return console.shown
+
+
+def play(sim, console, socket_mode, table):
+    """Tells what is not printed of a table. socket_mode: the future of what is shown there."""
     entry = menu_keys(table.heading)[:1]
     for run in runs_of(table):
         words = [*entry, *[word for typed, _ in run for word in typed], EXIT_KEY, EXIT_KEY]
-        shown = subprocess.run([sim, "run", "--clock", "stepped", "--", console], input="\n".join(words) + "\n",
-                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, encoding="utf-8", timeout=120).stdout
+        if words[0] == SOCKET_MODE:
+            shown = socket_mode.result()
+        else:
+            shown = subprocess.run([sim, "run", "--clock", "stepped", "--", console], input="\n".join(words) + "\n",
+                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, encoding="utf-8",
+                                   timeout=120).stdout
         pieces = ECHO.split(shown)
         answers = list(zip(pieces[1::2], pieces[2::2]))[len(entry):]
         for typed, expected in run:
@@ -100,7 +121,8 @@ def main():
             wrong += wrong_errors(table)
     wrong += [f"`{key}` of the main menu opens a menu that has no table" for key in unmet]
     with concurrent.futures.ThreadPoolExecutor(8) as pool:
-        for found in pool.map(lambda table: list(play(sim, console, table)), played):
+        socket_mode = pool.submit(shown_in_socket_mode, sim, console)
+        for found in pool.map(lambda table: list(play(sim, console, socket_mode, table)), played):
             wrong += found
     print("\n".join(f"{GUIDE}: {text}" for text in wrong) or f"{sum(len(t.rows) for t in played)} rows are so")
     return bool(wrong) or len(played) < 2
