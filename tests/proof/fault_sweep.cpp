@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <iterator>
@@ -64,6 +65,17 @@ struct Run {
     std::vector<std::string> problems;
 };
 
+// Empty where none is.
+std::string node_lost_by(std::vector<std::string> const& scenario) {
+    for (std::string const& line : scenario) {
+        std::size_t const at = line.find(kNodeRemove);
+        if (at != std::string::npos) {
+            return line.substr(at + std::strlen(kNodeRemove));
+        }
+    }
+    return "";
+}
+
 Run play(Session const& session, std::vector<std::string> const& scenario) {
     Run run;
     support::SessionOptions options = session.options;
@@ -77,7 +89,7 @@ Run play(Session const& session, std::vector<std::string> const& scenario) {
         }
         run.journal = console.journal();
         Verdict verdict = judge(session, {player.typed(), player.sent(), console.output(), console.errors(),
-                                          player.received(), run.journal});
+                                          player.received(), run.journal, node_lost_by(scenario)});
         run.observed = std::move(verdict.observed);
         run.problems.insert(run.problems.end(), verdict.problems.begin(), verdict.problems.end());
     } catch (std::exception const& error) {
@@ -169,8 +181,9 @@ void judge_fault(Run const& plain, Fault const& fault, Run& run) {
         }
         return all;
     };
-    if (fault.kind != Kind::delay && texts(lines) == texts(parsed(plain.journal))) {
-        run.problems.push_back("the fault did nothing");
+    bool const shows = texts(lines) != texts(parsed(plain.journal));
+    if (fault.kind != Kind::delay && shows != fault.shows) {
+        run.problems.push_back(shows ? "the fault changed the journal" : "the fault did nothing");
     }
 }
 

@@ -27,7 +27,7 @@ struct Call {
     std::string answer;   // behind the "=": the status and the results
     std::string node;     // of the device that its object works on; empty: none
     bool node_is_needed;  // by it or a call behind it
-    bool object_is_used;  // behind it, with success
+    bool object_is_used;  // behind it: it answers with success, or calls back
     bool in_callback;
     long start;  // microseconds
     bool builds;
@@ -53,6 +53,11 @@ bool has_status(JournalLine const& line) {
     std::size_t const equals = line.text.find(") = ");
     return equals != std::string::npos && std::isalpha(static_cast<unsigned char>(line.text[equals + 4])) == 0 &&
            operation_of(line).find("imxtype") == std::string::npos;
+}
+
+bool succeeds(JournalLine const& line) {
+    return has_status(line) ? line.text.find(") = 0") != std::string::npos
+                            : line.text.find(") = true") != std::string::npos;
 }
 
 // The node that a call needs. Where the constructor does not name it, its class does.
@@ -91,7 +96,7 @@ std::vector<Call> calls_in(std::vector<JournalLine> const& journal) {
         call.has_status = has_status(*line);
         call.node = node_of(*line, nodes);
         call.object_is_used = std::any_of(line + 1, journal.end(), [&](JournalLine const& later) {
-            return later.object == line->object && has_status(later) && later.text.find(") = 0") != std::string::npos;
+            return later.object == line->object && (later.kind == "callback" || succeeds(later));
         });
         call.in_callback = line->thread == "-";
         std::string start = line->start;
@@ -168,10 +173,15 @@ std::vector<Fault> single_faults(Call const& call) {
     return faults;
 }
 
+// Nobody asks the object that is not open: the console goes on as without the fault, and destroys it.
+Fault unnoticed_failure(Call const& call) {
+    return {Kind::fail, where(call), {rule(call, kFailure)}, 1, false};
+}
+
 Fault lost_node(Call const& call) {
     char line[128];
-    std::snprintf(line, sizeof line, "%.6fs node remove %s", (static_cast<double>(call.start) + kLateness / 2.0) / 1e6,
-                  call.node.c_str());
+    std::snprintf(line, sizeof line, "%.6fs %s%s", (static_cast<double>(call.start) + kLateness / 2.0) / 1e6,
+                  kNodeRemove, call.node.c_str());
     return {Kind::node,
             where(call) + " loses " + call.node,
             {rule(call, "delay " + std::to_string(kLateness / 1000)), line},
@@ -183,23 +193,29 @@ Fault lost_node(Call const& call) {
 std::vector<Fault> faults_of(Session const& session, std::vector<JournalLine> const& journal, unsigned long seed) {
     std::vector<Call> const calls = calls_in(journal);
     std::vector<std::string> const& without = session.options.without;
-    bool const can_lose_nodes = session.options.clock == "stepped" && !has_client(session);
+    bool const is_stepped = session.options.clock == "stepped";
     auto const loses_node = [&](Call const& call) {
-        return can_lose_nodes && !call.destroys && call.node_is_needed && !call.node.empty() &&
+        return is_stepped && !call.destroys && call.node_is_needed && !call.node.empty() &&
                std::find(without.begin(), without.end(), call.node) == without.end();
     };
     std::vector<Fault> faults;
     std::vector<std::pair<std::string, Fault>> for_pairs;  // with their operations
     for (Call const& call : calls) {
+        if (is_stepped && call.builds && !call.object_is_used) {
+            faults.push_back(unnoticed_failure(call));
+        }
+        if (loses_node(call)) {
+            faults.push_back(lost_node(call));
+        }
+        if (session.twin) {
+            continue;
+        }
         for (Fault& fault : single_faults(call)) {
             // Nothing that the first failure of a pair can take away.
             if (call.has_status && !call.in_callback && fault.kind != Kind::broken && call.operation != "tof_t::shot") {
                 for_pairs.emplace_back(call.operation, fault);
             }
             faults.push_back(std::move(fault));
-        }
-        if (loses_node(call)) {
-            faults.push_back(lost_node(call));
         }
         faults.push_back({Kind::delay, where(call), {rule(call, "delay " + std::to_string(kLateness / 1000))}, 1});
     }

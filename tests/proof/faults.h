@@ -27,13 +27,17 @@ struct Fault {
     std::string where;               // the call, for whoever reads of it
     std::vector<std::string> rules;  // lines of a scenario
     std::size_t firings;             // how many of the rules have to fire
+    bool shows = true;               // in the journal; otherwise that is the one of a run without it
 };
 
 // How much longer a delayed call takes, in microseconds.
 constexpr long kLateness = 20000;
 
-// All faults of one call that can do something to the session, whose journal without a fault is this; then its pairs,
-// one for each call, chosen by the seed.
+// The command, behind which its path stands, by which a node goes.
+constexpr char const* kNodeRemove = "node remove ";
+
+// All faults of one call that can do something to the session, whose journal without a fault is this, and failures of
+// constructors that must do nothing; then its pairs, one for each call, chosen by the seed.
 std::vector<Fault> faults_of(Session const& session, std::vector<support::JournalLine> const& journal,
                              unsigned long seed);
 

@@ -464,11 +464,20 @@ private:
         at_ = end;
     }
 
+    // At one of the calls so far.
+    bool a_rule_has_fired() const {
+        std::size_t const end = next_ == 0 ? 0 : calls_[next_ - 1] + 1;
+        return std::any_of(lines_.begin(), lines_.begin() + static_cast<std::ptrdiff_t>(end),
+                           [](JournalLine const& line) { return line.rule != "-"; });
+    }
+
     void look_at_files() {
         int code = 0;
         std::vector<std::string> const& missing = session_.options.without;
-        auto const is_missing = [&missing](std::string const& path) {
-            return std::find(missing.begin(), missing.end(), path) != missing.end();
+        bool const lost = a_rule_has_fired();
+        auto const is_missing = [&](std::string const& path) {
+            return std::find(missing.begin(), missing.end(), path) != missing.end() ||
+                   (lost && path == evidence_.lost_node);
         };
         for (auto const& [path, bit] : kFileBits) {
             code |= is_missing(path) ? bit : 0;

@@ -17,6 +17,7 @@ struct Evidence {
     std::string errors;
     std::string replies;               // all that the client got
     std::vector<std::string> journal;  // the lines of calls and callbacks
+    std::string lost_node;             // goes during the call that a rule delays; empty: none
 };
 
 struct Verdict {

@@ -35,6 +35,7 @@ struct Session {
     support::SessionOptions options;
     std::vector<Step> steps;
     Exit exit = Exit::operator_x;
+    bool twin = false;  // of a session in real time, for the faults that need a stepped clock
 };
 
 std::vector<Session> const& sweep_sessions();
