@@ -14,6 +14,11 @@ fail() {
     exit 1
 }
 
+# This machine's package sources, as mmdebstrap takes them.
+package_sources() {
+    find /etc/apt/sources.list /etc/apt/sources.list.d -name '*.list' -size +0 -o -name '*.sources' 2>/dev/null
+}
+
 # This machine's sources, keys and apt settings, proxies among them.
 take_package_sources() { # ROOT
     cp -a /etc/apt/. "$1/etc/apt/"
@@ -34,7 +39,7 @@ make_bare_root() {
     apt-config dump --format '%F "%v";%n' Acquire >"$roots/apt.conf"
     # shellcheck disable=SC2046
     mmdebstrap --quiet --mode=root --variant=minbase --aptopt="$roots/apt.conf" "$release" "$kept/$release/root" \
-        $(find /etc/apt/sources.list /etc/apt/sources.list.d -name '*.list' -size +0 -o -name '*.sources' 2>/dev/null)
+        $(package_sources)
     take_package_sources "$kept/$release/root"
     useradd --root "$kept/$release/root" --create-home --shell /bin/sh engineer
     touch "$kept/$release/done"
