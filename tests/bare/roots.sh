@@ -14,6 +14,11 @@ fail() {
     exit 1
 }
 
+# Runs a command that must succeed; what it prints is shown where it does not.
+must() {
+    "$@" >"$roots/output" 2>"$roots/errors" </dev/null || fail "status $? of: $*"
+}
+
 # This machine's package sources, as mmdebstrap takes them.
 package_sources() {
     find /etc/apt/sources.list /etc/apt/sources.list.d -name '*.list' -size +0 -o -name '*.sources' 2>/dev/null

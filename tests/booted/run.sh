@@ -11,10 +11,6 @@ touch "$roots/output" "$roots/errors"
 systems=/var/cache/r47-booted
 limit=1500 # s, which no working run ever reaches
 
-must() {
-    "$@" >"$roots/output" 2>"$roots/errors" </dev/null || fail "status $? of: $*"
-}
-
 # (systemd's tools, with which its package is configured on another root)
 # shellcheck disable=SC2046
 packaging/install_packages.sh $(cat packaging/build_packages) cpio e2fsprogs kmod mmdebstrap python3 python3-pexpect \

@@ -19,11 +19,6 @@ trap 'exit 1' HUP INT TERM
 . tests/bare/roots.sh
 touch "$roots/output" "$roots/errors"
 
-# Runs a command that must succeed; what it prints is shown where it does not.
-must() {
-    "$@" >"$roots/output" 2>"$roots/errors" </dev/null || fail "status $? of: $*"
-}
-
 # The command prints the line.
 must_print() { # LINE COMMAND...
     line=$1
