@@ -13,8 +13,8 @@ limit=1500 # s, which no working run ever reaches
 
 # (systemd's tools, with which its package is configured on another root)
 # shellcheck disable=SC2046
-packaging/install_packages.sh $(cat packaging/build_packages) cpio e2fsprogs kmod mmdebstrap python3 python3-pexpect \
-    qemu-system-arm systemd
+packaging/install_packages.sh $(cat packaging/build_packages) cpio device-tree-compiler e2fsprogs kmod mmdebstrap \
+    python3 python3-pexpect qemu-system-arm systemd
 
 # For another way to make it, or after a month, a new one.
 system=$systems/$(cat /etc/os-release tests/booted/make_system.sh | cksum | cut -d ' ' -f 1)

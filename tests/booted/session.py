@@ -32,8 +32,20 @@ RESET = struct.pack("ii", 1, 0)  # SO_LINGER: closing resets the connection
 INTERRUPT = "\x03"
 LIBRARY_DIRECTORY = "/usr/lib/aarch64-linux-gnu/r47"
 
+MACHINE = "-machine virt{options} -cpu cortex-a72 -smp 2 -m 1G -accel tcg,thread=multi -nodefaults -display none"
+# For the console's lines 481 and 492, which the kernel numbers from 511 down, a second GPIO chip, as the camera has: 32
+# lines that are read from a word of the empty flash memory.
+GPIO_CHIP = "/gpio@4000000"
+GPIO_CHIP_PROPERTIES = [
+    ("-ts", "compatible", "wd,mbl-gpio"),
+    ("-ts", "reg-names", "dat"),
+    ("-tx", "reg", "0", "4000000", "0", "4"),
+    ("-tx", "#gpio-cells", "2"),
+    ("-ts", "gpio-controller"),
+    ("-ts", "no-output"),
+]
 HARDWARE = f"""
-    -machine virt -cpu cortex-a72 -smp 2 -m 1G -accel tcg,thread=multi -nodefaults -display none -no-reboot -snapshot
+    -no-reboot -snapshot -dtb {{lines}}/tree
     -netdev user,id=network,restrict=on,hostfwd=tcp:127.0.0.1:{PORT}-10.0.2.15:{PORT}
     -device virtio-net-device,netdev=network
     -chardev socket,id=console,path={{lines}}/console -serial chardev:console
@@ -118,6 +130,10 @@ class Line(Terminal):
         print(f"--- {name}:", *self.transcript.splitlines()[-LINES_SHOWN:], sep="\n", flush=True)
 
 
+def qemu(words, *more):
+    return subprocess.Popen(["qemu-system-aarch64", *words.split(), *more], stdin=subprocess.DEVNULL)
+
+
 @contextlib.contextmanager
 def booting(system, packages):
     """A machine that begins to boot: its serial console, and a second line. Waits until it is switched off."""
@@ -129,9 +145,13 @@ def booting(system, packages):
             listeners[-1].settimeout(LIMIT)
             listeners[-1].bind(f"{lines}/{name}")
             listeners[-1].listen()
-        hardware = HARDWARE.format(lines=lines, system=system, packages=packages).split()
-        machine = subprocess.Popen(["qemu-system-aarch64", *hardware, "-append", KERNEL_WORDS],
-                                   stdin=subprocess.DEVNULL)
+        tree = f"{lines}/tree"
+        qemu(MACHINE.format(options=f",dumpdtb={tree}")).wait(LIMIT)
+        subprocess.run(["fdtput", "--create", tree, GPIO_CHIP], check=True)
+        for kind, *words in GPIO_CHIP_PROPERTIES:
+            subprocess.run(["fdtput", kind, tree, GPIO_CHIP, *words], check=True)
+        hardware = MACHINE.format(options="") + HARDWARE.format(lines=lines, system=system, packages=packages)
+        machine = qemu(hardware, "-append", KERNEL_WORDS)
         stack.callback(machine.wait)
         stack.callback(machine.kill)
         serial, second = (Line(listener) for listener in listeners)
@@ -184,11 +204,15 @@ def start_by_hand(serial, r47_sim, r47_console):
     serial.run(f"cd /home/engineer && printf {typed!r} >typed")
     check("in a virtual device", serial.run("r47-sim run -- r47-console <typed"), printed)
     check("as a user", serial.run("runuser -u engineer -- r47-sim run -- r47-console <typed"), printed)
-    # Nothing of a device is in this system's /dev and /opt, and its /sys/class/gpio has other lines.
+    # Of the device's files this system has the chip and the line that the console exports, in no sandbox's /sys.
+    lines = "ls -d /sys/class/gpio/gpio4??"
+    serial.run("echo 492 >/sys/class/gpio/export")
+    check("the lines before", serial.run(lines), "/sys/class/gpio/gpio492\n")
     check("in the system's own files", serial.run(f"LD_LIBRARY_PATH={LIBRARY_DIRECTORY} r47-console <typed 2>errors"),
-          printed.replace(there, "File Error Code: 503\n"))
+          printed.replace(there, "File Error Code: 215\n"))
     check("errors of the system's own files", serial.run("cat errors"),
-          "libhal: no device: start the program with r47-sim run\n" + 2 * "sh: 1: echo: echo: I/O error\n")
+          "libhal: no device: start the program with r47-sim run\n")
+    check("the lines after", serial.run(lines), "/sys/class/gpio/gpio481\n")
 
 
 class BenchHere:
