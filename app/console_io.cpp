@@ -88,13 +88,14 @@ bool collect(line_buffer& line) {
     return false;
 }
 
-// As sckt_read_line, but leaves the terminal to the menu that asks, where that has it.
+// As sckt_read_line, but leaves the terminal to the menu that asks, where that has it. What is told of the line is
+// flushed with what comes next.
 bool read_line(line_buffer& line) {
     std::cout << std::flush;
     if (!collect(line)) {
         return false;
     }
-    std::cout << "ReadLine: " << line.text() << std::endl;
+    std::cout << "ReadLine: " << line.text() << '\n';
     return true;
 }
 
@@ -140,6 +141,7 @@ void koscanf(char const*, int& value) {
     if (!read_line(line)) {
         throw no_answer();
     }
+    std::cout << std::flush;  // before the client sees its echo, and the library its call
     value = scan_int(line.text()).value_or(value);
     p_client_socket->write_data(std::string(line.text(), line.size()));
 }

@@ -88,6 +88,9 @@ bool typed_characters::is_standard_input() {
 }
 
 bool typed_characters::connection_ended() const {
+    if (connection_ == -1) {
+        return false;
+    }
     pollfd waited{connection_, POLLRDHUP, 0};
     return ::poll(&waited, 1, 0) > 0;
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -157,6 +158,15 @@ TEST_F(ConsoleIoTest, OptionIsTheExitKeyWhenTheClientHasGone) {
     char option = '\0';
     kogetchar(option);
     EXPECT_EQ(option, kExitKey);
+}
+
+TEST_F(ConsoleIoTest, NumberIsToldBeforeItsEcho) {
+    station_sends("7\n");
+    int value = 0;
+    koscanf("%d", value);
+    struct stat written {};
+    ASSERT_EQ(::fstat(STDOUT_FILENO, &written), 0);
+    EXPECT_EQ(written.st_size, static_cast<off_t>(std::string("ReadLine: 7\n").size()));
 }
 
 TEST_F(ConsoleIoTest, NumberIsScannedAndEchoedWithoutATerminator) {
