@@ -27,15 +27,15 @@ void run(Callback callback) {
     in_callback = false;
 }
 
-// The library's own thread, which runs one callback at a time.
+// The library's own thread, which runs one callback at a time; there is none before the first.
 class Thread {
 public:
-    Thread() {
-        std::thread([this] { serve(); }).detach();
-    }
-
     void start(Callback callback) {
         std::lock_guard<std::mutex> const lock(mutex_);
+        if (!started_) {
+            started_ = true;
+            std::thread([this] { serve(); }).detach();
+        }
         callback_ = std::move(callback);
         busy_ = true;
         changed_.notify_all();
@@ -63,6 +63,7 @@ private:
     std::mutex mutex_;
     std::condition_variable changed_;
     Callback callback_;
+    bool started_ = false;
     bool busy_ = false;
 };
 
