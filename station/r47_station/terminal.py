@@ -75,7 +75,9 @@ class Terminal:
     def ssh(cls, host: str, command: str = "r47-console", *, options: Sequence[str] = (),
             timeout: float = 10.0) -> Terminal:
         """Runs the command at `host` ("root@camera"), which must let this user in without a question."""
-        return cls.local(["ssh", "-tt", "-o", "BatchMode=yes", *options, host, command], timeout=timeout)
+        # Otherwise ssh tells the end of the connection, as if the console had printed it.
+        quiet = ["-o", "LogLevel=ERROR"]
+        return cls.local(["ssh", "-tt", "-o", "BatchMode=yes", *options, *quiet, host, command], timeout=timeout)
 
     @classmethod
     def serial(cls, device: str, speed: int = 115200, *, command: str = "r47-console",
