@@ -312,21 +312,23 @@ class Console:
 
     # Digital I/O.
 
-    def configure_pin(self, pin: int, configuration: PinConfiguration) -> None:
-        """Pins 0 to 5. Raises CommandRefused where the device does not take it."""
+    def _ask_of_pin(self, key: str, pin: int) -> None:
+        """Presses a key that asks for a pin first, and answers that."""
         _number("pin", pin, PINS)
         self._enter(_Menu.DIGITAL_IO)
-        self._key("f")
-        for number in [pin, *configuration.fields()]:
+        self._key(key)
+        self._answer(pin)
+
+    def configure_pin(self, pin: int, configuration: PinConfiguration) -> None:
+        """Pins 0 to 5. Raises CommandRefused where the device does not take it."""
+        self._ask_of_pin("f", pin)
+        for number in configuration.fields():
             self._answer(number)
         self._checked_status(f"configure_pin({pin})")
 
     def pin_configuration(self, pin: int) -> PinConfiguration:
         """Of pins 0 to 5. The protocol has no status for it: where the device fails, it is a new configuration."""
-        _number("pin", pin, PINS)
-        self._enter(_Menu.DIGITAL_IO)
-        self._key("F")
-        self._answer(pin)
+        self._ask_of_pin("F", pin)
         items = self._reply(11)
         try:
             configuration = PinConfiguration.from_fields(items[1:])
@@ -338,19 +340,13 @@ class Console:
 
     def set_pin(self, pin: int, high: bool) -> None:
         """Of pins 0 to 5. Raises CommandRefused where it is no output, and where the device fails."""
-        _number("pin", pin, PINS)
-        self._enter(_Menu.DIGITAL_IO)
-        self._key("h")
-        self._answer(pin)
+        self._ask_of_pin("h", pin)
         self._answer(int(high))
         self._checked_status(f"set_pin({pin}, {high})")
 
     def pin(self, pin: int) -> bool:
         """Whether pin 0 to 5 is high. The protocol has no status for it: where the device fails, it is low."""
-        _number("pin", pin, PINS)
-        self._enter(_Menu.DIGITAL_IO)
-        self._key("H")
-        self._answer(pin)
+        self._ask_of_pin("H", pin)
         value, again = self._reply(2)
         if value != again or value not in (0, 1):
             self._fail(UnexpectedReply("a value and the same again were expected", *self._seen()))
