@@ -18,4 +18,4 @@ skip() {
 
 export PYTHONPATH="$here/../../station" PYTHONDONTWRITEBYTECODE=1
 exec "$here/../support/own_network.sh" /usr/bin/python3 -m pytest -q -p no:cacheprovider -p r47_station.pytest_plugin \
-    -c "$here/pytest.ini" --r47-sim "$R47_SIM" --r47-console "$R47_CONSOLE" --r47-timeout 60 "$here" "$@"
+    -rs -c "$here/pytest.ini" --r47-sim "$R47_SIM" --r47-console "$R47_CONSOLE" --r47-timeout 60 "$here" "$@"
