@@ -23,7 +23,7 @@ constexpr std::uint8_t kHostInterfaceReady = 1U << 4U;
 constexpr std::uint8_t kFirmwareVerified = 1U << 5U;
 constexpr std::uint8_t kVerifyError = 1U << 6U;
 constexpr std::uint8_t kIdle = 1U << 7U;
-constexpr unsigned int kAsserted = 1U << 0U;
+constexpr unsigned int kAsserted = 1U;
 constexpr unsigned int kWakeUpFifo = 1;     // where its two bits begin
 constexpr unsigned int kNonWakeUpFifo = 3;  // the same
 constexpr unsigned int kResetOrFault = 1U << 7U;
@@ -90,7 +90,7 @@ int not_running(std::string& report) {
 }  // namespace
 
 Time SensorHub::Activity::sample_time(std::uint64_t number) const {
-    return start + Duration(std::llround(1e6 * static_cast<double>(number) / rate));
+    return start + period * static_cast<Duration::rep>(number);
 }
 
 // When the FIFO has no room for more, if every period until then brings something.
@@ -109,21 +109,11 @@ Time SensorHub::Activity::delivery_time(std::uint64_t so_many) const {
 }
 
 std::uint64_t SensorHub::Activity::due_until(Time time) const {
-    if (time < start) {
-        return 0;
-    }
-    auto number = static_cast<std::uint64_t>(static_cast<double>((time - start).count()) * 1e-6 * rate);
-    while (sample_time(number + 1) <= time) {
-        ++number;
-    }
-    while (number > 0 && sample_time(number) > time) {
-        --number;
-    }
-    return number;
+    return static_cast<std::uint64_t>(std::max(time - start, Duration::zero()) / period);
 }
 
 bool SensorHub::Activity::delivers_singly() const {
-    return 1e6 / rate > 1e3 * latency_ms + 1;  // more than what rounding moves
+    return period > std::chrono::milliseconds(latency_ms);
 }
 
 void SensorHub::Activity::pass(std::uint64_t number) {
@@ -189,7 +179,8 @@ int SensorHub::activate(unsigned int id, float rate, unsigned int latency_ms, Ti
     if (rate > 0.0F) {
         Rotation const lies = orientation_.at(now);
         Watch const watch{lies, lower_edge(lies, sensor->angle), now};
-        active_.emplace(id, Activity{*in_force, latency_ms, now, watch, 0, {}});
+        Duration const period(std::llround(1e6 / *in_force));  // a whole number at every rate that a sensor has
+        active_.emplace(id, Activity{*in_force, period, latency_ms, now, watch, 0, {}});
     }
     return 0;
 }
@@ -218,9 +209,6 @@ std::optional<Time> SensorHub::next_delivery() const {
 void SensorHub::advance(Time now) {
     for (auto& [id, activity] : active_) {
         VirtualSensor const& sensor = *find_virtual_sensor(id);
-        if (sensor.trigger == Trigger::never) {
-            continue;
-        }
         for (Time due = activity.sample_time(activity.taken + 1); due <= now;
              due = activity.sample_time(activity.taken + 1)) {
             ++activity.taken;
@@ -348,7 +336,7 @@ std::uint8_t SensorHub::boot_status() const {
 
 int SensorHub::report_firmware(std::string& report) const {
     std::uint8_t const status = boot_status();
-    unsigned int const version = running() ? image_->version : 0;
+    unsigned int const version = firmware_version();
     char const* image = "none";
     if (running()) {
         image = image_->variant == HubVariant::bhi260ap ? "BHI260AP" : "BHI260AB";

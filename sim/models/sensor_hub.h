@@ -111,10 +111,11 @@ private:
 
     struct Activity {
         double rate;  // Hz
+        Duration period;
         unsigned int latency_ms;
         Time start;
         Watch watch;
-        std::uint64_t taken = 0;     // periods so far
+        std::uint64_t taken;         // periods so far
         std::deque<Sample> pending;  // taken, to be delivered together
         Time sample_time(std::uint64_t number) const;
         Time full_time() const;
@@ -146,7 +147,7 @@ private:
     unsigned int callback_users_ = 0;
     bool damages_images_ = false;
     std::map<unsigned int, Activity> active_;
-    Time integrates_since_{0};           // where an orientation sensor is on
+    Time integrates_since_{};            // where an orientation sensor is on
     unsigned int upload_time_ms_ = 200;  // ours, for haste: a real image takes some 2 s on its bus
     unsigned long samples_ = 0;
 };

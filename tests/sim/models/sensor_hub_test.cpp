@@ -33,6 +33,12 @@ bool holds(std::string const& text, std::string const& part) {
     return text.find(part) != std::string::npos;
 }
 
+std::string interrupt_of(SensorHub& hub) {
+    std::string report;
+    EXPECT_EQ(hub.report_interrupt(report), 0);
+    return report;
+}
+
 // The times at which samples were taken, in milliseconds.
 std::vector<long> times(std::vector<SensorHub::Sample> const& samples) {
     std::vector<long> list;
@@ -53,6 +59,7 @@ TEST_F(SensorHubTest, BootsBothVariants) {
 }
 
 TEST_F(SensorHubTest, BootWithoutAnImageLeavesTheHubInItsBootLoader) {
+    expect_refused(hub.boot("no image"), EBADMSG);
     expect_refused(hub.boot(std::nullopt), ENOENT);
     EXPECT_FALSE(hub.running());
     hub.report_firmware(report);
@@ -106,6 +113,17 @@ TEST_F(SensorHubTest, UploadOfWhatIsNoImageLeavesTheHubRunning) {
     EXPECT_TRUE(hub.running());
 }
 
+TEST_F(SensorHubTest, CallbacksStayUntilTheLastObjectRemovesThem) {
+    EXPECT_FALSE(hub.callbacks_installed());
+    EXPECT_EQ(hub.install_callbacks(), 0);
+    EXPECT_EQ(hub.install_callbacks(), 0);
+    hub.boot(kImage);
+    hub.remove_callbacks();
+    EXPECT_TRUE(hub.callbacks_installed());
+    hub.remove_callbacks();
+    EXPECT_FALSE(hub.callbacks_installed());
+}
+
 TEST(SensorHubAtRestTest, NothingWorksBeforeTheFirstBoot) {
     SensorHub hub;
     std::string report;
@@ -122,7 +140,20 @@ TEST(SensorHubAtRestTest, NothingWorksBeforeTheFirstBoot) {
     expect_no_report(hub.report_physical_sensors(report));
     expect_no_report(hub.report_physical_sensor(1, report));
     EXPECT_EQ(hub.report_firmware(report), 0);
-    EXPECT_TRUE(holds(report, "none")) << report;
+    EXPECT_EQ(report,
+              "Sensor hub firmware\n"
+              "  product id          0x89\n"
+              "  image               none\n"
+              "  ROM version         5166\n"
+              "  kernel version      0\n"
+              "  user version        0\n"
+              "  boot status         0x90\n"
+              "                      host interface ready: yes\n"
+              "                      firmware verified: no\n"
+              "                      firmware verify error: no\n"
+              "                      idle: yes\n");
+    EXPECT_EQ(hub.report_interrupt(report), 0);
+    EXPECT_TRUE(holds(report, "0x81")) << report;
 }
 
 TEST_F(SensorHubTest, RatesOutsideOfTheLimitsAreRefusedAndTheOldOneStays) {
@@ -231,27 +262,41 @@ TEST_F(SensorHubTest, SamplesThatNobodyWantsAreCountedAsIfTheyWereTaken) {
         unsigned int latency_ms;
     };
     for (auto const& [rate, latency_ms] :
-         {Sensor{400, 0}, Sensor{400, 1}, Sensor{333.3F, 7}, Sensor{400, 60000}, Sensor{3, 250}, Sensor{1, 5000}}) {
+         {Sensor{400, 0}, Sensor{400, 1}, Sensor{333.3F, 7}, Sensor{400, 60000}, Sensor{3, 250}, Sensor{1, 5000},
+          Sensor{12.5F, 79}, Sensor{12.5F, 80}, Sensor{12.5F, 85}}) {
         SensorHub other = hub;
         SensorHub::Sample last{};
         for (SensorHub* const each : {&hub, &other}) {
             each->activate(37, rate, latency_ms, 1234us);
+            each->activate(31, 1.5625F, 100, 0s);
             each->activate(38, 7, 100, 5ms);
             each->activate(50, 1, 0, 0s);
         }
         hub.tilt({0, 0, 90}, 2s, 0s);  // which takes some that are not delivered yet
         other.tilt({0, 0, 90}, 2s, 0s);
-        for (auto const now : {2s + 0us, 2s + 1us, 3s + 1234us, 60s + 0us, 61s + 640000us, 200s + 7us}) {
+        for (auto const now : {2s + 0us, 2s + 1us, 2s + 300us, 3s + 1234us, 60s + 0us, 61s + 640000us, 200s + 7us}) {
             hub.pass_samples(now);
             for (auto const& sample : other.take_samples(now)) {
                 last = sample;
             }
             EXPECT_EQ(hub.samples(), other.samples()) << rate << " Hz, " << latency_ms << " ms at " << now.count();
             EXPECT_EQ(hub.next_delivery(), other.next_delivery());
+            EXPECT_EQ(interrupt_of(hub), interrupt_of(other))
+                << rate << " Hz, " << latency_ms << " ms at " << now.count();
         }
         EXPECT_GT(last.taken, 100s);
         EXPECT_EQ(times(hub.take_samples(300s)), times(other.take_samples(300s)));
     }
+}
+
+TEST_F(SensorHubTest, UnwantedSamplesAreNotCountedBeforeTheyCome) {
+    hub.activate(37, 12.5F, 10, 1s);
+    for (auto const now : {1s + 0ms, 1s + 5ms, 1s + 89ms}) {
+        hub.pass_samples(now);
+        EXPECT_EQ(hub.samples(), 0U) << now.count();
+    }
+    hub.pass_samples(1s + 90ms);
+    EXPECT_EQ(hub.samples(), 1U);
 }
 
 TEST_F(SensorHubTest, RateZeroSwitchesTheSensorOff) {
@@ -270,6 +315,16 @@ TEST_F(SensorHubTest, SensorsAtDifferentRatesComeInTheOrderOfDelivery) {
         EXPECT_EQ(sample.kind, hal::cb_struct_te::quaternion_s16);
     }
     EXPECT_EQ(order, "aabaaba");
+}
+
+TEST_F(SensorHubTest, NoSampleComesAlongBeforeItsLatencyIsOver) {
+    hub.activate(37, 12.5F, 0, 0s);
+    hub.activate(38, 6.25F, 100, 0s);
+    std::string order;
+    for (auto const& sample : hub.take_samples(400ms)) {
+        order += sample.sensor_id == 37 ? 'a' : 'b';
+    }
+    EXPECT_EQ(order, "aaabaa");
 }
 
 TEST_F(SensorHubTest, SensorsWithoutAnOrientationCarryNoQuaternion) {
@@ -393,7 +448,7 @@ TEST_F(SensorHubTest, HeadingRunsAwayFromWhenTheSensorsWereSwitchedOn) {
         EXPECT_EQ(hub.measure(37, now, sample), 0);
         return sim::angles_of(sim::rotation_of(sample)).yaw;
     };
-    hub.set_noise(0);
+    EXPECT_EQ(hub.set_noise(0), 0);
     hub.set_drift(6);
     hub.activate(4, 10, 1, 0s);
     hub.activate(37, 10, 1, 100s);
@@ -461,6 +516,9 @@ TEST_F(SensorHubTest, ReportsAreWholeTables) {
               "  event size          11\n"
               "  minimum rate        1.5625 Hz\n");
     hub.activate(10, 20, 30, 0s);
+    hub.report_firmware(report);
+    EXPECT_TRUE(holds(report, "0x30\n")) << report;
+    EXPECT_TRUE(holds(report, "idle: no\n")) << report;
     hub.report_configuration(10, report);
     EXPECT_EQ(report,
               "Configuration of virtual sensor 10: Gyroscope passthrough\n"
@@ -520,6 +578,7 @@ TEST_F(SensorHubTest, UploadTimeHasItsRange) {
 TEST_F(SensorHubTest, ConfigurationFollowsTheActivation) {
     EXPECT_EQ(hub.report_configuration(37, report), 0);
     EXPECT_TRUE(holds(report, " 0 Hz\n")) << report;
+    EXPECT_TRUE(holds(report, " 0 ms\n")) << report;
     hub.activate(37, 12.5F, 30, 0s);
     hub.report_configuration(37, report);
     EXPECT_TRUE(holds(report, "12.5 Hz\n")) << report;
@@ -577,6 +636,27 @@ TEST_F(SensorHubTest, InterruptStatusTellsTheFifosThatWaitToBeRead) {
     hub.boot(kImage);
     hub.report_interrupt(report);
     EXPECT_TRUE(holds(report, "0x81")) << report;
+}
+
+TEST_F(SensorHubTest, TheLastToSpeakOfAFifoIsHeard) {
+    interrupt_of(hub);
+    hub.activate(4, 12.5F, 80, 0s);
+    hub.activate(37, 12.5F, 0, 0s);
+    hub.take_samples(160ms);
+    EXPECT_TRUE(holds(interrupt_of(hub), "0x09")) << "of two at the same time, the one with the higher id";
+    hub.activate(37, 0, 0, 160ms);
+    hub.take_samples(320ms);
+    EXPECT_TRUE(holds(interrupt_of(hub), "0x11"));
+}
+
+TEST_F(SensorHubTest, TheLastToSpeakOfAFifoIsHeardWhereNobodyWantsTheSamples) {
+    interrupt_of(hub);
+    hub.activate(4, 400, 0, 0s);
+    hub.activate(7, 6.25F, 10, 0s);
+    hub.activate(37, 6.25F, 10, 0s);
+    hub.activate(38, 12.5F, 0, 0s);
+    hub.pass_samples(200ms);
+    EXPECT_TRUE(holds(interrupt_of(hub), "0x0D")) << "at 170 ms the wake-up FIFO, at 200 ms the other one";
 }
 
 TEST_F(SensorHubTest, InterruptControlTellsEveryBit) {
