@@ -3,12 +3,12 @@
 
     tests/mutate.py [OPTION...] [PATH...]      files or folders; sim/models where none is told
 
-A mutant is a comparison, a constant, a sign or operator of arithmetic, or a logical operator changed, a statement removed, or
-two arguments swapped. It is built and tested in copies of the tree, build-mutate/, with builds of their own. What does not
-compile is no mutant; one that does not end, or fills the memory, counts as killed. Survivors are printed as they are found,
-then what was killed of each source (a header counts with its .cpp), also where Ctrl-C ends it. Ends with 1 where less than
-95 % of a source of sim/models, or 98 % of any other, is killed or has its reason in tests/survivors.txt; those without are
-written to build-mutate/survivors.txt, in that file's form.
+A mutant is a comparison, a constant, a sign or operator of arithmetic, or a logical operator changed, a statement
+removed, or two arguments swapped. It is built and tested in copies of the tree, build-mutate/, with builds of their
+own. What does not compile is no mutant; one that does not end, or fills the memory, counts as killed. Survivors are
+printed as they are found, then what was killed of each source (a header counts with its .cpp), also where Ctrl-C ends
+it. Ends with 1 where less than 95 % of a source of sim/models, or 98 % of any other, is killed or has its reason in
+tests/survivors.txt; those without are written to build-mutate/survivors.txt, in that file's form.
 """
 import argparse
 import collections
@@ -39,6 +39,7 @@ SHORTEST_LIMIT = 5  # s
 REST_LIMIT = 900  # s, of all other tests
 MEMORY_LIMIT = 4 << 30  # bytes, of each process: a loop that does not end may fill all there is
 COMPILER = "clang++" if shutil.which("clang++") else "g++"
+CTEST = ["ctest", "-j2", "--timeout", str(SUITE_LIMIT), "--no-tests=ignore", "-R"]
 CACHE = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []  # of what is built once
 LINKER = next(([f"-fuse-ld={name}"] for name in ("lld", "gold") if shutil.which(f"ld.{name}")), [])
 # Without optimization, which takes longer than the tests; what reaches beyond an array ends there and then.
@@ -58,12 +59,13 @@ TOKEN = re.compile(
 
 COMPARISONS = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "=="}
 ARITHMETIC = {"+": "-", "-": "+", "*": "/", "/": "*", "%": "*", "&": "|", "|": "&", "^": "&", "<<": ">>", ">>": "<<",
-              "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "%=": "*=", "&=": "|=", "|=": "&=", "^=": "&=", "<<=": ">>=", ">>=": "<<=",
-              "++": "--", "--": "++"}
+              "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "%=": "*=", "&=": "|=", "|=": "&=", "^=": "&=",
+              "<<=": ">>=", ">>=": "<<=", "++": "--", "--": "++"}
 LOGIC = {"&&": "||", "||": "&&"}
 TRUTH = {"true": "false", "false": "true"}
 # On one line, and no declaration: those that are left out do not compile without, or are a return that is needed.
-STATEMENT = re.compile(r"\s{4,}(?!return .|using |static_assert|case |default:|\S+ .*\b\w+ = |[\w:<>]+ (const )?\w+(\{.*\})?;)\S.*;$")
+STATEMENT = re.compile(r"\s{4,}(?!return .|using |static_assert|case |default:|\S+ .*\b\w+ = |"
+                       r"[\w:<>]+ (const )?\w+(\{.*\})?;)\S.*;$")
 COMMUTATIVE = ("min", "max", "hypot", "angle_between", "tilt_between")
 
 Mutant = collections.namedtuple("Mutant", "file number kind old new")
@@ -91,7 +93,7 @@ def other_number(text):
 
 
 def arguments(line, start):
-    """(start, end) of each argument of the call whose parenthesis opens at `start`; none where it does not close here."""
+    """(start, end) of each argument of the call whose parenthesis opens at `start`; none where it ends elsewhere."""
     depth = 0
     parts = []
     begin = start + 1
@@ -256,7 +258,6 @@ class Workshop:
         self.limits = {}  # s, of each model's own tests
         self.broken = {}  # the tests that fail without a mutant, by the pattern that selects them
 
-
     def copy(self):
         self.tree.mkdir(parents=True, exist_ok=True)
         listed = subprocess.run(["git", "ls-files", "-z"], cwd=ROOT, check=True, capture_output=True).stdout
@@ -302,10 +303,10 @@ class Workshop:
         return target if status == 0 else None
 
     def suite(self, file, text, worker):
-        """Tests the model's `file` with this `text`, or as it is, with the tests of that model alone, linked on their own.
+        """Tests the model's `file` with this `text`, or as it is, with that model's tests alone, linked on their own.
 
-        The copy stays as it is: workers may do this at the same time. What else includes a header is built only for those
-        that live through this.
+        The copy stays as it is: workers may do this at the same time. What else includes a header is built only for
+        those that live through this.
         """
         objects = {name: self.object_of(name) for name in suite_of(file)}
         with tempfile.TemporaryDirectory(prefix=f"worker-{worker}-", dir=WORK) as name:
@@ -320,12 +321,14 @@ class Workshop:
                     if not objects[name]:
                         return "invalid"
             program = folder / "suite"
-            status, _ = run([COMPILER, *LINKER, "-Wl,--unresolved-symbols=ignore-all", "-o", program, *objects.values(),
-                             "-lgtest_main", "-lgtest", "-lpthread"], self.build, BUILD_LIMIT)
+            libraries = ["-lgtest_main", "-lgtest", "-lpthread"]
+            status, _ = run([COMPILER, *LINKER, "-Wl,--unresolved-symbols=ignore-all", "-o", program,
+                             *objects.values(), *libraries], self.build, BUILD_LIMIT)
             if status != 0:
                 return "invalid"
             began = time.monotonic()
-            status, _ = run([program, "--gtest_brief=1", "--gtest_fail_fast"], self.build, self.limits.get(file, SUITE_LIMIT))
+            limit = self.limits.get(file, SUITE_LIMIT)
+            status, _ = run([program, "--gtest_brief=1", "--gtest_fail_fast"], self.build, limit)
             if text is None:
                 self.limits[file] = max(SLOWER * (time.monotonic() - began), SHORTEST_LIMIT)
             return "survived" if status == 0 else "killed"
@@ -338,10 +341,8 @@ class Workshop:
         if status != 0:
             return "invalid"
         for pattern in selections:
-            command = ["ctest", "--stop-on-failure", "-j2", "--timeout", str(SUITE_LIMIT), "--no-tests=ignore", "-R", pattern]
-            if self.broken.get(pattern):
-                command += ["-E", self.broken[pattern]]
-            status, _ = run(command, self.build, REST_LIMIT)
+            without = ["-E", self.broken[pattern]] if self.broken.get(pattern) else []
+            status, _ = run([*CTEST, pattern, *without, "--stop-on-failure"], self.build, REST_LIMIT)
             if status != 0:
                 return "killed"
         return "survived"
@@ -350,21 +351,22 @@ class Workshop:
         """A test that fails without a mutant says nothing of one."""
         for pattern in selections:
             if pattern not in self.broken:
-                _, output = run(["ctest", "-j2", "--timeout", str(SUITE_LIMIT), "--no-tests=ignore", "-R", pattern], self.build, None)
+                _, output = run([*CTEST, pattern], self.build, None)
                 failed = re.findall(r"^\s*\d+ - (\S+) \(", output, re.MULTILINE)
                 self.broken[pattern] = "^(" + "|".join(map(re.escape, failed)) + ")$" if failed else ""
 
 
 def plan_of(file):
-    """What is built, and the tests in the order in which they are run, for a file that is not tested by a suite of its own."""
+    """What is built, and the tests in their order, for a file that no suite of its own tests."""
     folder = pathlib.PurePath(file).parent.as_posix()
     stem = pathlib.PurePath(file).stem
     if folder.startswith("sim"):
-        own, all_of_them, targets = suites_in(folder, stem + "_test"), suites_in("sim"), ["sim_tests", "r47-sim", "sim_probe"]
+        own, all_of_them = suites_in(folder, stem + "_test"), suites_in("sim")
+        targets = ["sim_tests", "r47-sim", "sim_probe"]
     else:
         own = suites_in(folder, stem)
         all_of_them = [suite for room in ("app", "net", "menus", "hal") for suite in suites_in(room)]
-        targets = ["all"]
+        targets = ["unit_tests", "transcript_tests"]
     patterns = [f"^({'|'.join(suites)})\\." for suites in (own, all_of_them) if suites]
     return targets, patterns
 
@@ -437,7 +439,8 @@ def main():
         by_source = {source: [m for m in all_of_it if record(m) in wanted] for source, all_of_it in by_source.items()}
     if options.sample:
         chosen = random.Random(options.seed)
-        by_source = {source: chosen.sample(all_of_it, min(options.sample, len(all_of_it))) for source, all_of_it in by_source.items()}
+        by_source = {source: chosen.sample(all_of_it, min(options.sample, len(all_of_it)))
+                     for source, all_of_it in by_source.items()}
     mutants = [mutant for all_of_it in by_source.values() for mutant in all_of_it]
     if options.list:
         print("\n".join(map(shown, mutants)))
