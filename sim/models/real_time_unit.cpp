@@ -65,7 +65,7 @@ public:
         if (earlier_ && unit_.repeats(*earlier_)) {
             unit_.repeat_since(*earlier_, (until_ - at) / (at - *earlier_->last_accepted_));
             over_ = true;
-        } else if (!earlier_ || unit_.accepted_ - earlier_->accepted_ == distance_) {
+        } else if (!earlier_ || unit_.accepted_since(*earlier_) == distance_) {
             distance_ *= 2;
             earlier_ = unit_;
         }
@@ -109,11 +109,16 @@ bool RealTimeUnit::repeats(RealTimeUnit const& earlier) const {
            pins_.repeats(earlier.pins_, period);
 }
 
+// While the misses are not reset.
+unsigned long RealTimeUnit::accepted_since(RealTimeUnit const& earlier) const {
+    return triggers_ - earlier.triggers_ - static_cast<unsigned long>(missed_ - earlier.missed_);
+}
+
 // What happened since `earlier` happens so many times more.
 void RealTimeUnit::repeat_since(RealTimeUnit const& earlier, std::int64_t times) {
     Duration const length = times * (*last_accepted_ - *earlier.last_accepted_);
     auto const count = static_cast<unsigned long>(times);
-    unsigned long const frames = sensor_ != nullptr ? count * (accepted_ - earlier.accepted_) : 0;
+    unsigned long const frames = sensor_ != nullptr ? count * accepted_since(earlier) : 0;
     own_triggers_.sent += times * (own_triggers_.sent - earlier.own_triggers_.sent);
     if (waiting_) {
         waiting_ = {waiting_->start + length, waiting_->end + length, waiting_->ready + length, waiting_->signal,
@@ -129,7 +134,6 @@ void RealTimeUnit::repeat_since(RealTimeUnit const& earlier, std::int64_t times)
     if (sensor_ != nullptr) {
         sensor_->take_frames(frames);
     }
-    accepted_ += count * (accepted_ - earlier.accepted_);
     triggers_ += count * (triggers_ - earlier.triggers_);
     acquired_ += count * (acquired_ - earlier.acquired_);
     missed_frame_id_ += missed_ != earlier.missed_ ? frames : 0;
@@ -149,15 +153,10 @@ void RealTimeUnit::lose_power() {
 }
 
 std::optional<Time> RealTimeUnit::next_event() const {
-    std::optional<Time> next = next_event_but_own_trigger();
+    std::optional<Time> next = pins_.next_change();
     if (continuous_ && powered_) {
         keep_earlier(next, own_triggers_.due());
     }
-    return next;
-}
-
-std::optional<Time> RealTimeUnit::next_event_but_own_trigger() const {
-    std::optional<Time> next = pins_.next_change();
     for (OutsideTrain const& outside : outside_triggers_) {
         keep_earlier(next, outside.train.due());
     }
@@ -206,16 +205,13 @@ void RealTimeUnit::run_event(Time due) {
     }
 }
 
-// All of the unit's own triggers at once that are missed before anything else happens: a day of them takes no longer
-// than the exposures in it.
+// All of the unit's own triggers at once that are missed, whatever else happens meanwhile: a day of them takes no
+// longer than the exposures in it.
 void RealTimeUnit::pass_missed_triggers(Time until) {
     if (!continuous_ || !powered_) {
         return;
     }
-    std::optional<Time> end = until + Duration(1);
-    keep_earlier(end, next_event_but_own_trigger());
-    keep_earlier(end, accepts_from());
-    std::int64_t const count = own_triggers_.due_before(*end);
+    std::int64_t const count = own_triggers_.due_before(std::min(until + Duration(1), accepts_from()));
     if (count > 0) {
         own_triggers_.sent += count;
         triggers_ += static_cast<unsigned long>(count);
@@ -275,7 +271,6 @@ void RealTimeUnit::trigger(Time now, Train const* train) {
         miss(1);
         return;
     }
-    ++accepted_;
     last_accepted_ = now;
     if (sensor_ != nullptr) {
         sensor_->take_frames(1);

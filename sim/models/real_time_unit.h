@@ -138,10 +138,10 @@ private:
     class Repetition;
 
     std::optional<Time> next_event() const;
-    std::optional<Time> next_event_but_own_trigger() const;
     void run_event(Time due);
     void pass_missed_triggers(Time until);
     bool repeats(RealTimeUnit const& earlier) const;
+    unsigned long accepted_since(RealTimeUnit const& earlier) const;
     void repeat_since(RealTimeUnit const& earlier, std::int64_t times);
     void restart_own_triggers();
     // `train` is the one that the trigger belongs to and that goes on after it; null for one that comes alone.
@@ -180,7 +180,6 @@ private:
     SignalFollower follower_;
 
     unsigned long triggers_ = 0;
-    unsigned long accepted_ = 0;
     long missed_ = 0;
     unsigned long missed_frame_id_ = 0;
     std::set<unsigned int> acquiring_cameras_;

@@ -52,6 +52,35 @@ TEST_F(RealTimeUnitTest, ContinuousTriggerTakesRateTimesSecondsFrames) {
     EXPECT_EQ(missed(), std::make_pair(0L, 0UL));
 }
 
+TEST_F(RealTimeUnitTest, SettingsBeforeAnyoneTouchesThem) {
+    EXPECT_EQ(unit_.exposure(), 10'000U);
+    EXPECT_EQ(unit_.rate(), 10U);
+    EXPECT_EQ(unit_.prohibited_time(), 0U);
+    EXPECT_EQ(unit_.exposure_offset(), 0U);
+    EXPECT_FALSE(unit_.continuous());
+    EXPECT_EQ(unit_.acquired(), 0U);
+    hal::color_t const light_bar = unit_.light_bar();
+    EXPECT_EQ(light_bar.brightness + light_bar.red + light_bar.green + light_bar.blue, 0);
+}
+
+TEST_F(RealTimeUnitTest, TimesAreReadBackAsTheyWereSet) {
+    ASSERT_EQ(unit_.set_prohibited_time(123), 0);
+    ASSERT_EQ(unit_.set_exposure_offset(456), 0);
+    unsigned int prohibited = 0;
+    unsigned int offset = 0;
+    EXPECT_EQ(unit_.get_prohibited_time(prohibited), 0);
+    EXPECT_EQ(unit_.get_exposure_offset(offset), 0);
+    EXPECT_EQ(prohibited, 123U);
+    EXPECT_EQ(offset, 456U);
+}
+
+TEST_F(RealTimeUnitTest, AllPinsAreReadAtOnce) {
+    ASSERT_EQ(unit_.set_pin_value(4, true), 0);
+    std::bitset<sim::DigitalIo::kPins> values;
+    EXPECT_EQ(unit_.get_pin_values(values), 0);
+    EXPECT_EQ(values.to_string(), "010000");
+}
+
 // Event by event this would not end.
 TEST_F(RealTimeUnitTest, ThirtyYearsOfTriggersAreCountedToTheLast) {
     constexpr int kDays = 30 * 365;
@@ -106,6 +135,17 @@ TEST_F(RealTimeUnitTest, ProhibitedTimeMissesTriggersAndTellsTheFrame) {
     EXPECT_EQ(missed(), std::make_pair(15L, 15UL));
     ASSERT_EQ(unit_.reset_missed_triggers(), 0);
     EXPECT_EQ(missed(), std::make_pair(0L, 0UL));
+}
+
+TEST_F(RealTimeUnitTest, MissedTriggersAreCountedWhenTheyCome) {
+    run_until(Time(0));
+    ASSERT_EQ(unit_.set_prohibited_time(150'000), 0);
+    start(10);
+    run_until(Time(200ms - 1us));
+    EXPECT_EQ(unit_.triggers(), 1U);
+    EXPECT_EQ(missed(), std::make_pair(0L, 0UL));
+    run_until(Time(200ms));
+    EXPECT_EQ(missed(), std::make_pair(1L, 1UL));
 }
 
 TEST_F(RealTimeUnitTest, TriggerAtTheEndOfTheProhibitedTimeIsAccepted) {
@@ -190,6 +230,16 @@ TEST_F(RealTimeUnitTest, TriggersFromOutsideComeAtTheirRate) {
     EXPECT_EQ(sensor_.frames(), 3U);
     run_until(Time(10s));
     EXPECT_EQ(sensor_.frames(), 5U);
+    EXPECT_EQ(missed().first, 0);
+}
+
+TEST_F(RealTimeUnitTest, TwoTriggersFromOutsideComeAtTheirRateToo) {
+    run_until(Time(0));
+    unit_.trigger_from_outside(2, 10U);
+    run_until(Time(100ms - 1us));
+    EXPECT_EQ(sensor_.frames(), 1U);
+    run_until(Time(1s));
+    EXPECT_EQ(sensor_.frames(), 2U);
     EXPECT_EQ(missed().first, 0);
 }
 
@@ -411,10 +461,10 @@ TEST_F(RealTimeUnitTest, ChangedImagerTypeAppliesItsLimits) {
 
 TEST_F(RealTimeUnitTest, ImagerTypeThatAllowsTheRateKeepsTheTriggersGoing) {
     run_until(Time(0));
-    start(10);
-    run_until(Time(150ms));
+    start(60);
+    run_until(Time(25ms));
     ASSERT_EQ(unit_.set_imager_type(hal::imx_te::imx296), 0);
-    run_until(Time(200ms));
+    run_until(Time(33'334us));
     EXPECT_EQ(sensor_.frames(), 2U);
 }
 
@@ -424,8 +474,12 @@ TEST_F(RealTimeUnitTest, WithoutPowerNothingTriggers) {
     unit_.lose_power();
     run_until(Time(1s));
     ASSERT_EQ(unit_.single_shot(true), 0);
+    start(10);
+    run_until(Time(1050ms));
     EXPECT_FALSE(unit_.exposing());
     EXPECT_EQ(unit_.triggers(), 0U);
+    EXPECT_EQ(missed().first, 0);
+    ASSERT_EQ(unit_.set_continuous(false), 0);
     EXPECT_EQ(sensor_.frames(), 1U);
     unit_.gain_power();
     run_until(Time(1500ms));
@@ -711,6 +765,42 @@ TEST_F(ExposureSignalTest, TriggerInputIsASignalToo) {
     expect_now(1e6 / 16'666, 10'000);
 }
 
+TEST_F(ExposureSignalTest, ChangeOfAPinLeavesTheSignalAsItIs) {
+    hal::dio_pin_config_t config;
+    config.func = hal::dio_pin_config_t::pin_func::illumination_output;
+    config.on_delay_active = true;
+    config.on_delay_time = 5;
+    ASSERT_EQ(unit_.set_pin_config(1, config), 0);
+    ASSERT_EQ(unit_.single_shot(true), 0);
+    run_until(Time(5ms));
+    EXPECT_TRUE(unit_.pins().values().test(1));
+    expect_now(1e6 / 16'666, 10'000);
+}
+
+// At an uneven rate the prohibited time is over now before the fifth trigger, now after it.
+TEST_F(ExposureSignalTest, LongTimeTellsEachStretch) {
+    ASSERT_EQ(unit_.set_prohibited_time(714'286), 0);
+    start(7);
+    run_until(Time(100s));
+    std::vector<Stretch> const in_one = stretches_;
+    RealTimeUnit unit;
+    stretches_.clear();
+    unit.follow_signal([this](Time until, sim::ExposureSignal const& signal) {
+        stretches_.emplace_back(until, signal.rate, signal.time_us);
+    });
+    ImageSensor sensor{sim::imx296_facts()};
+    unit.advance(Time(0), &sensor);
+    ASSERT_EQ(unit.set_prohibited_time(714'286), 0);
+    ASSERT_EQ(unit.set_rate(7), 0);
+    ASSERT_EQ(unit.set_continuous(true), 0);
+    for (Time now(0); now < Time(100s); now += 50ms) {
+        unit.advance(now, &sensor);
+    }
+    unit.advance(Time(100s), &sensor);
+    EXPECT_GT(in_one.size(), 50U);
+    EXPECT_EQ(in_one, stretches_);
+}
+
 TEST_F(ExposureSignalTest, EndsWithTheSensorAndWithThePower) {
     start(10);
     run_until(Time(1050ms));
@@ -770,7 +860,7 @@ protected:
         Time now = 123us;
         for (Time const end : {Time(1s), Time(1001ms), Time(4s + 567us), Time(9s + 10ms)}) {
             in_one.advance(end, of_long);
-            for (; now < end; now += 7us) {
+            for (; now < end; now += 97us) {
                 in_many.advance(now, of_short);
             }
             in_many.advance(end, of_short);
