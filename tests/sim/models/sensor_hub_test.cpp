@@ -59,9 +59,15 @@ TEST_F(SensorHubTest, BootsBothVariants) {
 }
 
 TEST_F(SensorHubTest, BootWithoutAnImageLeavesTheHubInItsBootLoader) {
-    expect_refused(hub.boot("no image"), EBADMSG);
     expect_refused(hub.boot(std::nullopt), ENOENT);
     EXPECT_FALSE(hub.running());
+    hub.report_firmware(report);
+    EXPECT_TRUE(holds(report, "0x90")) << report;
+}
+
+TEST_F(SensorHubTest, BootWithoutAnImageForgetsTheVerifyError) {
+    expect_refused(hub.boot("no image"), EBADMSG);
+    expect_refused(hub.boot(std::nullopt), ENOENT);
     hub.report_firmware(report);
     EXPECT_TRUE(holds(report, "0x90")) << report;
 }
