@@ -367,7 +367,8 @@ def plan_of(file):
         own = suites_in(folder, stem)
         all_of_them = [suite for room in ("app", "net", "menus", "hal") for suite in suites_in(room)]
         targets = ["unit_tests", "transcript_tests"]
-    patterns = [f"^({'|'.join(suites)})\\." for suites in (own, all_of_them) if suites]
+    # (the name of an instantiation stands before that of a suite with parameters)
+    patterns = [f"^(.*/)?({'|'.join(suites)})\\." for suites in (own, all_of_them) if suites]
     return targets, patterns
 
 
