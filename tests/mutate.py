@@ -14,6 +14,7 @@ import argparse
 import collections
 import concurrent.futures
 import json
+import math
 import os
 import pathlib
 import queue
@@ -26,17 +27,17 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 WORK = ROOT / "build-mutate"
 ACCEPTED = ROOT / "tests" / "survivors.txt"
 MODELS = "sim/models"
 BUILD_LIMIT = 900  # s, of one mutant
-SUITE_LIMIT = 60  # s, of a source's own tests
-SLOWER = 10  # times what the own tests take without a mutant: then they do not end
-SHORTEST_LIMIT = 5  # s
-REST_LIMIT = 900  # s, of all other tests
+SUITE_LIMIT = 60  # s, of a test
+CPU_LIMIT = 600  # s of the processor, of a model's own tests without a mutant
+SLOWER = 10  # times that of the processor: then they do not end, however busy the machine is
+SHORTEST_LIMIT = 5  # s of the processor
+RUN_LIMIT = 900  # s, of the tests of one mutant
 MEMORY_LIMIT = 4 << 30  # bytes, of each process: a loop that does not end may fill all there is
 COMPILER = "clang++" if shutil.which("clang++") else "g++"
 CTEST = ["ctest", "-j2", "--timeout", str(SUITE_LIMIT), "--no-tests=ignore", "-R"]
@@ -255,7 +256,7 @@ class Workshop:
         self.tree = WORK / f"tree-{number}"
         self.build = WORK / f"build-{number}"
         self.commands = {}  # that compile each source
-        self.limits = {}  # s, of each model's own tests
+        self.limits = {}  # s of the processor, of each model's own tests
         self.broken = {}  # the tests that fail without a mutant, by the pattern that selects them
 
     def copy(self):
@@ -326,11 +327,12 @@ class Workshop:
                              *objects.values(), *libraries], self.build, BUILD_LIMIT)
             if status != 0:
                 return "invalid"
-            began = time.monotonic()
-            limit = self.limits.get(file, SUITE_LIMIT)
-            status, _ = run([program, "--gtest_brief=1", "--gtest_fail_fast"], self.build, limit)
+            before = resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime
+            limited = ["prlimit", f"--cpu={self.limits.get(file, CPU_LIMIT)}", program]
+            status, _ = run([*limited, "--gtest_brief=1", "--gtest_fail_fast"], self.build, RUN_LIMIT)
             if text is None:
-                self.limits[file] = max(SLOWER * (time.monotonic() - began), SHORTEST_LIMIT)
+                used = resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime - before
+                self.limits[file] = max(math.ceil(SLOWER * used), SHORTEST_LIMIT)
             return "survived" if status == 0 else "killed"
 
     def rest(self, mutant, selections, targets):
@@ -342,7 +344,7 @@ class Workshop:
             return "invalid"
         for pattern in selections:
             without = ["-E", self.broken[pattern]] if self.broken.get(pattern) else []
-            status, _ = run([*CTEST, pattern, *without, "--stop-on-failure"], self.build, REST_LIMIT)
+            status, _ = run([*CTEST, pattern, *without, "--stop-on-failure"], self.build, RUN_LIMIT)
             if status != 0:
                 return "killed"
         return "survived"

@@ -665,6 +665,13 @@ TEST_F(SensorHubTest, TheLastToSpeakOfAFifoIsHeardWhereNobodyWantsTheSamples) {
     EXPECT_TRUE(holds(interrupt_of(hub), "0x0D")) << "at 170 ms the wake-up FIFO, at 200 ms the other one";
 }
 
+TEST_F(SensorHubTest, FullFifoIsToldWhereNobodyWantsTheSamples) {
+    interrupt_of(hub);
+    hub.activate(37, 400, 60000, 0s);
+    hub.pass_samples(700ms);
+    EXPECT_TRUE(holds(interrupt_of(hub), "0x19"));
+}
+
 TEST_F(SensorHubTest, InterruptControlTellsEveryBit) {
     EXPECT_EQ(hub.report_interrupt_control(report), 0);
     for (char const* part : {"0x0C", " wake-up FIFO on", "status FIFO off", "debug off", "active high", "level"}) {
