@@ -211,6 +211,13 @@ TEST_F(RealTimeUnitTest, WithoutASensorTheUnitTimesItsExposures) {
     EXPECT_EQ(unit_.triggers(), 2U);
 }
 
+TEST_F(RealTimeUnitTest, WithoutASensorTheVeryFirstMomentCanExpose) {
+    unit_.advance(Time(0), nullptr);
+    ASSERT_EQ(unit_.single_shot(true), 0);
+    EXPECT_TRUE(unit_.exposing());
+    EXPECT_EQ(missed().first, 0);
+}
+
 TEST_F(RealTimeUnitTest, WithoutASensorAThousandTriggersASecondAreAccepted) {
     unit_.advance(Time(0), nullptr);
     ASSERT_EQ(unit_.set_exposure(1), 0);
