@@ -18,8 +18,8 @@ extern std::string send_string;      // the reply being built
 extern socket_tcp* p_client_socket;  // the connected client, or null
 
 // One option character, from the terminal (as read_option) or as the first of the client's next line.
-// When the client has gone it becomes kExitKey, so that every menu unwinds through its own exit. What was printed of the
-// line is not flushed: every menu echoes its option next, and that is.
+// When the client has gone it becomes kExitKey, so that every menu unwinds through its own exit. What was printed of
+// the line is not flushed: every menu echoes its option next, and that is.
 void kogetchar(char& option);
 
 // One number, from the terminal (as read_number) or from the client's next line, scanned as by "%d", the one format,
