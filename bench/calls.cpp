@@ -7,8 +7,10 @@
 
 namespace {
 
-constexpr int kRounds = 400;
-constexpr int kCallsOfRound = 50;
+// As in client.cpp the fastest round's median counts: which processors the system gives to the two ends makes more of a
+// difference than all else, and stays so while they talk.
+constexpr int kRounds = 100;
+constexpr int kCallsOfRound = 200;
 constexpr int kThreadRounds = 15;
 constexpr int kPending = 1000;
 constexpr int kThreads = 8;
@@ -21,21 +23,26 @@ void call(hal::rtu_t& rtu) {
     }
 }
 
+template <typename Act>
+double median_time(Act act) {
+    std::vector<double> times;
+    for (int i = 0; i < kCallsOfRound; ++i) {
+        times.push_back(bench::time_of(act));
+    }
+    return bench::median(times);
+}
+
 void compare_with_bare(hal::rtu_t& rtu) {
     using Operation = sim::operations::rtu_t::get_exposure;
-    bench::BareAnswerer bare(
-        bench::size_on_socket(message_of(sim::MessageKind::call, sim::Call{Operation::kId, 1, 1})),
-        bench::size_on_socket(message_of(sim::MessageKind::reply, sim::CallReply{}, Operation::Results{})));
-    std::vector<double> bare_times;
-    std::vector<double> call_times;
+    double bare_time = 1;
+    double call_time = 1;
     for (int round = 0; round < kRounds; ++round) {
-        for (int i = 0; i < kCallsOfRound; ++i) {
-            bare_times.push_back(bench::time_of([&] { bare.ask(); }));
-            call_times.push_back(bench::time_of([&] { call(rtu); }));
-        }
+        bench::BareAnswerer bare(
+            bench::size_on_socket(message_of(sim::MessageKind::call, sim::Call{Operation::kId, 1, 1})),
+            bench::size_on_socket(message_of(sim::MessageKind::reply, sim::CallReply{}, Operation::Results{})));
+        bare_time = std::min(bare_time, median_time([&] { bare.ask(); }));
+        call_time = std::min(call_time, median_time([&] { call(rtu); }));
     }
-    double const bare_time = bench::median(bare_times);
-    double const call_time = bench::median(call_times);
     std::printf("call: %.1f us, bare request and answer: %.1f us, ratio %.2f (goal: at most 2)\n", call_time * 1e6,
                 bare_time * 1e6, call_time / bare_time);
 }
