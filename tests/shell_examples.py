@@ -13,7 +13,7 @@ without one has a device of its own with the clock stepped.
     <!-- example: stays -->          its command waits for input: it goes on until a block that is not beside it
     <!-- example: beside -->         beside the command that stays; with `prints TEXT`, it prints this
     <!-- example: help -->           the commands themselves, with --help alone, as they install and build
-    <!-- example: needs PROGRAM -->  is left out where this was not built
+    <!-- example: needs FILE... -->  is left out where one of these was not built, or is not installed
     <!-- example: needs networks --> is left out where the host lets nobody make a network namespace
 
 What goes on until Ctrl-C, or in the background, is waited for until it has said something. To be run in a network of its
@@ -98,7 +98,9 @@ class Place:
         (build / "r47-console").symlink_to(console)
         (directory / "run").write_text(RUN)
         (directory / "run").chmod(0o755)
+        (directory / "station").symlink_to(ROOT / "station")
         self.environment = {**os.environ, "XDG_RUNTIME_DIR": str(self.runtime), "NO_COLOR": "1",
+                            "PYTHONDONTWRITEBYTECODE": "1", "PYTEST_ADDOPTS": "-p no:cacheprovider",
                             "PATH": f"{build}:{os.environ['PATH']}"}
         self.environment.pop("R47_SIM_DEVICE", None)
 
@@ -124,7 +126,7 @@ class Place:
 def commands_of(block):
     """[command, its output] of a block, and whether its outputs stand there."""
     if block["fenced"] is not None:
-        return [[line, ""] for line in block["fenced"].splitlines() if line], False
+        return [[line, ""] for line in block["fenced"].replace("\\\n", "").splitlines() if line], False
     commands = []
     for line in block["indented"].splitlines():
         if line.startswith("    $ "):
@@ -237,7 +239,7 @@ def main():
             wrong += [f"{document}: ```{word} is not played, ```sh is" for word in OTHER_NAMES.findall(text)]
             for block in BLOCK.finditer(text):
                 mark = block["mark"] or ""
-                if mark.startswith("needs ") and not has(sim, mark.split()[1]):
+                if mark.startswith("needs ") and not all(has(sim, what) for what in mark.split()[1:]):
                     left_out += 1
                     continue
                 commands, has_outputs = commands_of(block)
@@ -245,7 +247,7 @@ def main():
                 wrong += [f"{document}: {fault}" for fault in player.play(mark, commands, has_outputs)]
                 count += len(commands)
             player.clear()
-    print("\n".join(wrong) or f"{count} commands do what they say, {left_out} blocks need what was not built")
+    print("\n".join(wrong) or f"{count} commands do what they say, {left_out} blocks need what is not there")
     return bool(wrong) or not count
 
 

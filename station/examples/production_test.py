@@ -1,6 +1,6 @@
 """The production test of a camera, ten steps, with a report for the line's database:
 
-    PYTHONPATH=station pytest station/examples/production_test.py --serial-number 4711 --junitxml report.xml
+    PYTHONPATH=station pytest-3 station/examples/production_test.py --serial-number 4711 --junitxml report.xml
 
 Each step is about one component, which the report names with what was measured and its limits. So tested is a virtual
 device, whose r47-sim and r47-console are in the search path; a real one with --r47-address and --r47-terminal.

@@ -156,6 +156,7 @@ def test_operated_menu_asks_the_client_and_leaves_its_items(virtual_device, r47_
                 with pytest.raises(RuntimeError, match="real_time_unit"):
                     console.pins()
                 terminal.wait_for("Rtu Low Level Control v0.1")
+                terminal.wait_for("option: ")  # before it the keys are still the local menu's
                 terminal.type("t")
                 answers.give(40)
                 terminal.wait_for("sensor set  fps: 40\n")
