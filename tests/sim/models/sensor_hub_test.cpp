@@ -251,6 +251,15 @@ TEST_F(SensorHubTest, FullFifoIsDeliveredBeforeTheLatencyIsOver) {
     EXPECT_EQ(hub.take_samples(640ms).size(), 256U);
 }
 
+TEST_F(SensorHubTest, NoStepIsReportedOfADeviceThatTurns) {
+    hub.activate(50, 1, 0, 0s);
+    hub.activate(37, 100, 0, 0s);
+    hub.tilt({0, 0, 90}, 1s, 0s);
+    for (auto const& sample : hub.take_samples(2s)) {
+        EXPECT_EQ(sample.sensor_id, 37);
+    }
+}
+
 TEST_F(SensorHubTest, LateReaderGetsEverySampleOnce) {
     hub.activate(37, 400, 1, 0s);
     std::size_t samples = 0;
@@ -277,6 +286,7 @@ TEST_F(SensorHubTest, SamplesThatNobodyWantsAreCountedAsIfTheyWereTaken) {
             each->activate(31, 1.5625F, 100, 0s);
             each->activate(38, 7, 100, 5ms);
             each->activate(50, 1, 0, 0s);
+            each->activate(77, 1, 0, 0s);
         }
         hub.tilt({0, 0, 90}, 2s, 0s);  // which takes some that are not delivered yet
         other.tilt({0, 0, 90}, 2s, 0s);
