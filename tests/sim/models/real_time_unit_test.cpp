@@ -501,6 +501,7 @@ TEST_F(RealTimeUnitTest, RateIsLimitedByTheImager) {
     for (auto const& limit : limits) {
         SCOPED_TRACE(limit.imager);
         ASSERT_EQ(unit_.set_imager_type(static_cast<hal::imx_te>(limit.imager)), 0);
+        EXPECT_EQ(unit_.set_rate(1), 0);
         EXPECT_EQ(unit_.set_rate(limit.fastest), 0);
         EXPECT_EQ(unit_.set_rate(limit.fastest + 1), -1);
         EXPECT_EQ(unit_.set_rate(0), -1);
