@@ -1,12 +1,11 @@
 // How much processor 400 samples a second take, of the device and the program that gets them together, a program of its
 // own or the console that prints them: against two bare processes that wake each other as often.
-#include <fcntl.h>
-
 #include <atomic>
 #include <fstream>
 #include <thread>
 
 #include "bench/bench.h"
+#include "bench/program.h"
 #include "hal/gyro.h"
 #include "hal/gyro_delegate.h"
 #include "sim/calls/connection.h"
@@ -99,34 +98,19 @@ pid_t descendant(pid_t pid, std::string const& name) {
 class Showing {
 public:
     Showing(std::string const& start, std::string const& image)
-        : hub_("/dev/i2c-2", 2, image.c_str(), "/sys/class/gpio/gpio481/value", 200) {
-        int in[2];
-        int out[2];
-        if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0 || (starter_ = ::fork()) < 0) {
-            std::perror("console");
-            std::exit(1);
-        }
-        if (starter_ == 0) {
-            ::dup2(in[0], STDIN_FILENO);
-            ::dup2(out[1], STDOUT_FILENO);
-            ::execl("/bin/sh", "sh", "-c", ("exec " + start).c_str(), nullptr);
-            ::_exit(127);
-        }
-        ::close(in[0]);
-        ::close(out[1]);
-        input_ = in[1];
-        output_ = out[0];
-        type("h\n");
-        wait_for("toggle run");
+        : hub_("/dev/i2c-2", 2, image.c_str(), "/sys/class/gpio/gpio481/value", 200),
+          starter_({"sh", "-c", "exec " + start}) {
+        starter_.type("h\n");
+        starter_.wait_for("toggle run");
         reader_ = std::thread([this] { read(); });
-        console_ = descendant(starter_, "r47-console");
+        console_ = descendant(starter_.pid(), "r47-console");
     }
     Showing(Showing const&) = delete;
     Showing& operator=(Showing const&) = delete;
     ~Showing() {
-        type("x\nx\n");
-        ::waitpid(starter_, nullptr, 0);
+        starter_.type("x\nx\n");
         reader_.join();
+        starter_.wait();
     }
 
     double share(pid_t device) {
@@ -139,36 +123,16 @@ public:
     }
 
 private:
-    void type(std::string const& keys) const {
-        [[maybe_unused]] auto const count = ::write(input_, keys.data(), keys.size());
-    }
-    std::string printed() const {
-        char bytes[4096];
-        ssize_t const count = ::read(output_, bytes, sizeof bytes);
-        return {bytes, static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
-    }
-    void wait_for(char const* text) const {
-        for (std::string all; all.find(text) == std::string::npos;) {
-            std::string const more = printed();
-            if (more.empty()) {
-                std::fprintf(stderr, "the console says nothing more behind: %s\n", all.c_str());
-                std::exit(1);
-            }
-            all += more;
-        }
-    }
     // Counts the lines that are printed, up to the console's end.
     void read() {
-        for (std::string text; !(text = printed()).empty();) {
+        for (std::string text; !(text = starter_.read()).empty();) {
             lines_ += static_cast<int>(std::count(text.begin(), text.end(), '\n'));
         }
     }
 
     hal::gyro_t hub_;
-    pid_t starter_ = -1;
+    bench::Program starter_;
     pid_t console_ = 0;
-    int input_ = -1;
-    int output_ = -1;
     std::atomic<int> lines_{0};
     std::thread reader_;
 };
