@@ -16,7 +16,7 @@ import subprocess
 import sys
 
 from documents import CODE, EXIT_KEY, MAIN_MENU, ROOT, handled_keys, listed_keys, menu_keys, sources_of_menus, tables
-from line_protocol import Console
+from socket_mode import Console
 
 GUIDE = ROOT / "docs" / "operator-guide.md"
 ENDS_THE_CONSOLE = ["0"]
