@@ -23,7 +23,7 @@ done
 # shellcheck disable=SC2016
 # (expanded by mmdebstrap's shell)
 download='cd "$1/../../packages" && export APT_CONFIG=$MMDEBSTRAP_APT_CONFIG &&
-    apt-get download -o APT::Sandbox::User=root bubblewrap busybox-static \
+    apt-get download -o APT::Sandbox::User=root bubblewrap libcpp-httplib0.11 libbrotli1 libssl3 zlib1g busybox-static \
         $(apt-cache depends linux-image-arm64 | sed -n "s/^ *Depends: //p")'
 # shellcheck disable=SC2086,SC2046
 bwrap --ro-bind / / --dev /dev --proc /proc --tmpfs /tmp --tmpfs /run --bind "$made" "$made" \

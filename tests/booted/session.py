@@ -9,7 +9,10 @@ all must be the same. Needs a network of its own. What fails is shown with the e
 import codecs
 import contextlib
 import difflib
+import json
+import pathlib
 import queue
+import shlex
 import socket
 import struct
 import subprocess
@@ -17,6 +20,7 @@ import sys
 import tempfile
 import threading
 import time
+import urllib.parse
 
 import pexpect
 
@@ -30,6 +34,7 @@ LINES_SHOWN = 200
 PROMPT_END = "]> "  # before it stand a bracket and the status of the last command
 RESET = struct.pack("ii", 1, 0)  # SO_LINGER: closing resets the connection
 INTERRUPT = "\x03"
+PAGE = pathlib.Path(__file__).resolve().parents[2] / "sim/panel/page/index.html"
 LIBRARY_DIRECTORY = "/usr/lib/aarch64-linux-gnu/r47"
 
 MACHINE = "-machine virt{options} -cpu cortex-a72 -smp 2 -m 1G -accel tcg,thread=multi -nodefaults -display none"
@@ -345,6 +350,25 @@ def compare_sessions(there, r47_sim, r47_console):
             check(f"{name}: the pins", pins_there, pins)
 
 
+def open_panel(there):
+    """The front panel: its page, and a command that the page gives."""
+    begin("front panel")
+    address = urllib.parse.urlsplit(there.second.run("r47-sim panel --device bench --beside $$").split()[1])
+
+    def ask(method, name, body=""):
+        request = "\r\n".join([f"{method} {address.path}{name} HTTP/1.0", f"Host: {address.netloc}",
+                               f"Origin: http://{address.netloc}", f"Content-Length: {len(body)}", "", body])
+        connect = f"exec 3<>/dev/tcp/{address.hostname}/{address.port} && printf {request!r} >&3 && cat <&3"
+        answer = there.second.run(f"bash -c {shlex.quote(connect)}").replace("\r\n", "\n")
+        headers, _, content = answer.partition("\n\n")
+        check(f"the answer to {method}", headers.partition("\n")[0], "HTTP/1.1 200 OK")
+        return content
+
+    check("the page", ask("GET", ""), PAGE.read_text())
+    check("a command of the page", json.loads(ask("POST", "command", "show dio.2.value")),
+          {"ok": True, "text": "".join(f"{line}\n" for line in there.control("show dio.2.value"))})
+
+
 def end_by_signals(there):
     begin("signals")
     for name, status in ("TERM", 143), ("HUP", 129), ("INT", 130):
@@ -383,6 +407,7 @@ def main(system, packages, r47_sim, r47_console):
         start_by_hand(serial, r47_sim, r47_console)
         there = BenchThere(serial, second)
         compare_sessions(there, r47_sim, r47_console)
+        open_panel(there)
         end_by_signals(there)
         end_service(there)
         begin("power off")
