@@ -15,6 +15,7 @@ without one has a device of its own with the clock stepped.
     <!-- example: help -->           the commands themselves, with --help alone, as they install and build
     <!-- example: needs FILE... -->  is left out where one of these was not built, or is not installed
     <!-- example: needs networks --> is left out where the host lets nobody make a network namespace
+    <!-- example: packaged -->       is left out: it needs the packages, whose stage plays it (tests/packages/run.sh)
 
 What goes on until Ctrl-C, or in the background, is waited for until it has said something. To be run in a network of its
 own, as the console's port is fixed (tests/support/own_network.sh)."""
@@ -239,6 +240,8 @@ def main():
             wrong += [f"{document}: ```{word} is not played, ```sh is" for word in OTHER_NAMES.findall(text)]
             for block in BLOCK.finditer(text):
                 mark = block["mark"] or ""
+                if mark == "packaged":
+                    continue
                 if mark.startswith("needs ") and not all(has(sim, what) for what in mark.split()[1:]):
                     left_out += 1
                     continue

@@ -27,6 +27,11 @@ must_print() { # LINE COMMAND...
     grep -aqx "$line" "$roots/output" || fail "no \"$line\" of: $*"
 }
 
+# The commands of a block of docs/porting.md that begins so, for another device's directory than /sdk.
+example() { # WORDS
+    sed -n "/^$1 /,/^\`\`\`/p" docs/porting.md | grep -v '^```' | sed "s|/sdk|$roots/sdk|g"
+}
+
 packaging/install_packages.sh bash-completion lintian man-db mmdebstrap pkg-config
 
 case_begins "packages of the release build"
@@ -77,16 +82,18 @@ must cmake --build "$roots/consumer"
 sim=$usr/bin/r47-sim
 must_print "exposure 10000" "$sim" run -- "$roots/consumer/tool"
 must_print "exposure 0" env LD_LIBRARY_PATH="$roots/consumer" "$sim" run -- "$roots/consumer/tool"
-# shellcheck disable=SC2046
-must g++ tests/packages/consumer/tool.cpp -o "$roots/tool" \
-    $(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs r47-hal)
-must_print "exposure 10000" "$sim" run -- "$roots/tool"
+cp tests/packages/consumer/tool.cpp "$roots"
+must env -C "$roots" PKG_CONFIG_PATH="$libraries/pkgconfig" sh -euxc "$(example g++)"
+must_print "exposure 10000" "$sim" run -- "$roots/a.out"
 
 case_begins "the console, built with another libhal.so.2 and its headers"
-must cmake -S . -B "$roots/device" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG= \
-    -DR47_HAL_INCLUDE_DIR="$usr/include/r47" -DR47_HAL_LIBRARY="$roots/consumer/libhal.so.2"
-must cmake --build "$roots/device"
-must_print "sensor actual exposure: 0" sh -c "printf 'b\nE\nx\nx\n' | build/r47-sim run -- '$roots/device/r47-console'"
+mkdir "$roots/sdk"
+ln -s "$roots/consumer" "$roots/sdk/lib"
+ln -s "$usr/include/r47" "$roots/sdk/include"
+# (not optimized, which would take longer)
+must env -C "$roots/another place" CMAKE_BUILD_TYPE=None sh -euxc "$(example "cmake -B build-device")"
+must_print "sensor actual exposure: 0" sh -c "printf 'b\nE\nx\nx\n' |
+    build/r47-sim run -- '$roots/another place/build-device/r47-console'"
 
 case_begins "installed in a bare root"
 make_bare_root
