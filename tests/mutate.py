@@ -33,14 +33,14 @@ WORK = ROOT / "build-mutate"
 ACCEPTED = ROOT / "tests" / "survivors.txt"
 MODELS = "sim/models"
 BUILD_LIMIT = 900  # s, of one mutant
-SUITE_LIMIT = 60  # s, of a test
+LONGEST_LIMIT = 60  # s, of a test
 CPU_LIMIT = 600  # s of the processor, of a model's own tests without a mutant
-SLOWER = 10  # times that of the processor: then they do not end, however busy the machine is
-SHORTEST_LIMIT = 5  # s of the processor
+SLOWER = 10  # times as long: then they do not end, however busy the machine is
+SHORTEST_LIMIT = 5  # s
 RUN_LIMIT = 900  # s, of the tests of one mutant
 MEMORY_LIMIT = 4 << 30  # bytes, of each process: a loop that does not end may fill all there is
 COMPILER = "clang++" if shutil.which("clang++") else "g++"
-CTEST = ["ctest", "-j2", "--timeout", str(SUITE_LIMIT), "--no-tests=ignore", "-R"]
+CTEST = ["ctest", "-j4", "--no-tests=ignore"]  # most tests wait for a process of their own
 CACHE = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []  # of what is built once
 LINKER = next(([f"-fuse-ld={name}"] for name in ("lld", "gold") if shutil.which(f"ld.{name}")), [])
 # Without optimization, which takes longer than the tests; what reaches beyond an array ends there and then.
@@ -257,7 +257,7 @@ class Workshop:
         self.build = WORK / f"build-{number}"
         self.commands = {}  # that compile each source
         self.limits = {}  # s of the processor, of each model's own tests
-        self.broken = {}  # the tests that fail without a mutant, by the pattern that selects them
+        self.selections = {}  # by their patterns: the words for ctest that select a source's tests
 
     def copy(self):
         self.tree.mkdir(parents=True, exist_ok=True)
@@ -335,27 +335,29 @@ class Workshop:
                 self.limits[file] = max(math.ceil(SLOWER * used), SHORTEST_LIMIT)
             return "survived" if status == 0 else "killed"
 
-    def rest(self, mutant, selections, targets):
-        """Builds all that depends on the mutant, and runs the tests of each selection until one fails."""
+    def rest(self, mutant, patterns, targets):
+        """Builds all that depends on the mutant, and runs the tests of each pattern until one fails."""
         status, _ = run(["ninja", "-j1", *targets], self.build, BUILD_LIMIT)
         if status is None:
             sys.exit(f"the build did not end: {shown(mutant)}")
         if status != 0:
             return "invalid"
-        for pattern in selections:
-            without = ["-E", self.broken[pattern]] if self.broken.get(pattern) else []
-            status, _ = run([*CTEST, pattern, *without, "--stop-on-failure"], self.build, RUN_LIMIT)
+        for pattern in patterns:
+            status, _ = run([*CTEST, *self.selections[pattern], "--stop-on-failure"], self.build, RUN_LIMIT)
             if status != 0:
                 return "killed"
         return "survived"
 
-    def learn_what_is_broken(self, selections):
-        """A test that fails without a mutant says nothing of one."""
-        for pattern in selections:
-            if pattern not in self.broken:
-                _, output = run([*CTEST, pattern], self.build, None)
-                failed = re.findall(r"^\s*\d+ - (\S+) \(", output, re.MULTILINE)
-                self.broken[pattern] = "^(" + "|".join(map(re.escape, failed)) + ")$" if failed else ""
+    def learn(self, pattern):
+        """How the tests of this pattern are run: a test that fails without a mutant says nothing of one, and one that
+        takes much longer than they all do without one does not end."""
+        _, output = run([*CTEST, "--timeout", str(LONGEST_LIMIT), "-R", pattern], self.build, None)
+        failed = re.findall(r"^\s*\d+ - (\S+) \(", output, re.MULTILINE)
+        longest = max(map(float, re.findall(r" ([\d.]+) sec$", output, re.MULTILINE)), default=LONGEST_LIMIT)
+        limit = min(max(math.ceil(SLOWER * longest), SHORTEST_LIMIT), LONGEST_LIMIT)
+        self.selections[pattern] = ["--timeout", str(limit), "-R", pattern]
+        if failed:
+            self.selections[pattern] += ["-E", f"^({'|'.join(map(re.escape, failed))})$"]
 
 
 def plan_of(file):
@@ -384,13 +386,17 @@ def verdict(workshop, suites, mutant, quick):
         if result != "survived" or quick:
             return result
     targets, patterns = plan_of(mutant.file)
-    if any(pattern not in workshop.broken for pattern in patterns):
+    if quick:
+        patterns = patterns[:1]
+    unknown = [pattern for pattern in patterns if pattern not in workshop.selections]
+    if unknown:
         workshop.prepare(targets)
-        workshop.learn_what_is_broken(patterns)
+    for pattern in unknown:
+        workshop.learn(pattern)
     source = workshop.tree / mutant.file
     try:
         source.write_text(text, encoding="utf-8")
-        return workshop.rest(mutant, patterns[:1] if quick else patterns, targets)
+        return workshop.rest(mutant, patterns, targets)
     finally:
         source.write_text(original, encoding="utf-8")
 
