@@ -11,6 +11,7 @@ shift 2
 echo "unpacking $* for $architecture ..." >&2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM
 mkdir -p "$work/lists/partial" "$work/archives/partial"
 # This machine's package sources and keys, with lists of that processor's packages.
 export APT_CONFIG="$work/apt.conf"
