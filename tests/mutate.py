@@ -27,6 +27,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import threading
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 WORK = ROOT / "build-mutate"
@@ -250,6 +251,9 @@ def concerns(name, header):
 class Workshop:
     """A copy of the tree and its build, for one mutant at a time."""
 
+    learning = threading.Lock()
+    selections = {}  # of all workshops, by their patterns: the words for ctest that select a source's tests
+
     def __init__(self, number, jobs):
         self.number = number
         self.jobs = jobs  # of the builds before the mutants
@@ -257,7 +261,6 @@ class Workshop:
         self.build = WORK / f"build-{number}"
         self.commands = {}  # that compile each source
         self.limits = {}  # s of the processor, of each model's own tests
-        self.selections = {}  # by their patterns: the words for ctest that select a source's tests
 
     def copy(self):
         self.tree.mkdir(parents=True, exist_ok=True)
@@ -348,16 +351,24 @@ class Workshop:
                 return "killed"
         return "survived"
 
-    def learn(self, pattern):
-        """How the tests of this pattern are run: a test that fails without a mutant says nothing of one, and one that
-        takes much longer than they all do without one does not end."""
+    def learn(self, targets, patterns):
+        """Prepares for the tests of these patterns: one workshop after the other, so that their times are true."""
+        with self.learning:
+            unknown = [pattern for pattern in patterns if pattern not in self.selections]
+            if unknown or not self.commands:
+                self.prepare(targets)
+            for pattern in unknown:
+                self.selections[pattern] = self.selection(pattern)
+
+    def selection(self, pattern):
+        """How the tests of a pattern are selected: one that fails without a mutant says nothing of one, and one that
+        takes much longer than any of them does without one does not end."""
         _, output = run([*CTEST, "--timeout", str(LONGEST_LIMIT), "-R", pattern], self.build, None)
         failed = re.findall(r"^\s*\d+ - (\S+) \(", output, re.MULTILINE)
-        longest = max(map(float, re.findall(r" ([\d.]+) sec$", output, re.MULTILINE)), default=LONGEST_LIMIT)
+        longest = max(map(float, re.findall(r"Passed +([\d.]+) sec$", output, re.MULTILINE)), default=LONGEST_LIMIT)
         limit = min(max(math.ceil(SLOWER * longest), SHORTEST_LIMIT), LONGEST_LIMIT)
-        self.selections[pattern] = ["--timeout", str(limit), "-R", pattern]
-        if failed:
-            self.selections[pattern] += ["-E", f"^({'|'.join(map(re.escape, failed))})$"]
+        left_out = ["-E", f"^({'|'.join(map(re.escape, failed))})$"] if failed else []
+        return ["--timeout", str(limit), "-R", pattern, *left_out]
 
 
 def plan_of(file):
@@ -388,11 +399,7 @@ def verdict(workshop, suites, mutant, quick):
     targets, patterns = plan_of(mutant.file)
     if quick:
         patterns = patterns[:1]
-    unknown = [pattern for pattern in patterns if pattern not in workshop.selections]
-    if unknown:
-        workshop.prepare(targets)
-    for pattern in unknown:
-        workshop.learn(pattern)
+    workshop.learn(targets, patterns)
     source = workshop.tree / mutant.file
     try:
         source.write_text(text, encoding="utf-8")
@@ -458,11 +465,11 @@ def main():
     resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     accepted = read_records(ACCEPTED, explained=True)
-    suites = Workshop(0, options.jobs)  # of what all share; the others are for one at a time
+    suites = Workshop(0, options.jobs)  # of what all share; the others are for one mutant at a time
     prepare_suites(suites, sorted({mutant.file for mutant in mutants if has_suite(mutant.file)}))
     workshops = queue.SimpleQueue()
     for number in range(1, options.jobs + 1):
-        workshops.put(Workshop(number, 1))
+        workshops.put(Workshop(number, options.jobs))
     counts = collections.defaultdict(collections.Counter)
     unexplained = []
 
