@@ -4,9 +4,11 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <fstream>
 #include <future>
@@ -31,6 +33,23 @@ std::string thrown_by(Action action) {
 bool is_open(int descriptor) {
     return ::fcntl(descriptor, F_GETFD) != -1;
 }
+
+std::atomic<bool> listening_fails{false};
+std::atomic<int> last_backlog{0};
+
+}  // namespace
+
+// In this program the C library's gives way to it: no other way to have the kernel refuse.
+extern "C" int listen(int descriptor, int backlog) noexcept {
+    last_backlog = backlog;
+    if (listening_fails) {
+        errno = ENOBUFS;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_listen, descriptor, backlog));
+}
+
+namespace {
 
 TEST(SocketTest, AddressesConvertBothWays) {
     socket_tcp const socket;
@@ -82,6 +101,14 @@ TEST(SocketTest, FailuresOfReadWriteAndCloseAreTheirResults) {
 TEST(SocketTest, PortInUseThrows) {
     server_tcp const first("127.0.0.1", kPort);
     EXPECT_EQ(thrown_by([] { server_tcp("127.0.0.1", kPort); }), "Bind failed");
+}
+
+TEST(SocketTest, FailureToListenThrows) {
+    listening_fails = true;
+    EXPECT_EQ(thrown_by([] { server_tcp("127.0.0.1", kPort); }), "Listen failed");
+    listening_fails = false;
+    EXPECT_EQ(thrown_by([] { server_tcp("127.0.0.1", kPort); }), "nothing");
+    EXPECT_EQ(last_backlog, 4096);
 }
 
 TEST(SocketTest, ClientAndServerTalk) {
