@@ -161,7 +161,8 @@ def mutants_of(path):
             for kind, new in changes:
                 yield Mutant(path, number, kind, line, line[:token.start()] + new + line[token.end():])
         if path.endswith(".cpp"):
-            if STATEMENT.fullmatch(code) and not code.endswith("= delete;") and previous.endswith(("{", "}", ";", ":", ")", "else")):
+            begins_here = previous.endswith(("{", "}", ";", ":", ")", "else"))
+            if begins_here and STATEMENT.fullmatch(code) and not code.endswith("= delete;"):
                 yield Mutant(path, number, "removed", line, line[:len(line) - len(line.lstrip())] + ";")
             for changed in swaps(code):
                 yield Mutant(path, number, "swapped", line, changed + line[len(code):])
