@@ -12,6 +12,7 @@
 #include "app/no_answer.h"
 #include "app/terminal_input.h"
 #include "net/socket.h"
+#include "tests/support/interrupted_wait.h"
 
 namespace {
 
@@ -77,6 +78,12 @@ TEST_F(ConsoleIoTest, CarriageReturnIsDropped) {
     station_sends("a\r\n");
     EXPECT_EQ(read_line(), "a");
     EXPECT_EQ(printed(), "ReadLine: a\n");
+}
+
+TEST_F(ConsoleIoTest, ASignalDoesNotEndALine) {
+    std::string line;
+    interrupt_while_it_waits([&] { line = read_line(); }, [&] { station_sends("ab\n"); });
+    EXPECT_EQ(line, "ab");
 }
 
 TEST_F(ConsoleIoTest, EmptyLinesAreSkippedWithoutATrace) {

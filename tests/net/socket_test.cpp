@@ -9,12 +9,11 @@
 
 #include <atomic>
 #include <cerrno>
-#include <csignal>
-#include <fstream>
-#include <future>
 #include <stdexcept>
 #include <string>
 #include <thread>
+
+#include "tests/support/interrupted_wait.h"
 
 namespace {
 
@@ -68,6 +67,11 @@ TEST(SocketTest, UnparsableAddressIsAnError) {
 
 TEST(SocketTest, CreationFailureThrows) {
     EXPECT_EQ(thrown_by([] { socket_base(AF_INET, -1, 0, socket_base::blocking); }), "Cannot create socket");
+}
+
+TEST(SocketTest, ModesHaveTheirNumbers) {
+    EXPECT_EQ(socket_base::blocking, 0);
+    EXPECT_EQ(socket_base::non_blocking, 1);
 }
 
 TEST(SocketTest, NonBlockingModeIsSet) {
@@ -141,42 +145,13 @@ TEST(SocketTest, AcceptOnAClosedServerThrows) {
         testing::ExitedWithCode(0), "");
 }
 
-// The state of a thread of this process, as the kernel tells it: 'S' while it waits.
-char state_of(pid_t thread) {
-    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string line;
-    std::getline(file, line);
-    std::size_t const name_end = line.rfind(')');
-    return name_end != std::string::npos && name_end + 2 < line.size() ? line[name_end + 2] : '\0';
-}
-
-std::atomic<int> signals_seen{0};
-
 TEST(SocketTest, ASignalDoesNotEndAnAccept) {
-    struct sigaction interrupting {};  // without SA_RESTART
-    interrupting.sa_handler = [](int) { ++signals_seen; };
-    struct sigaction before {};
-    ASSERT_EQ(::sigaction(SIGUSR1, &interrupting, &before), 0);
     server_tcp const server("127.0.0.1", kPort + 5);
-    std::promise<pid_t> accepting;
-    std::string thrown;
-    std::thread acceptor([&] {
-        accepting.set_value(::gettid());
-        thrown = thrown_by([&] { server.accept(); });
-    });
-    pid_t const thread = accepting.get_future().get();
-    while (state_of(thread) != 'S') {
-        std::this_thread::yield();
-    }
-    ::pthread_kill(acceptor.native_handle(), SIGUSR1);
-    while (signals_seen == 0) {
-        std::this_thread::yield();
-    }
     socket_tcp client;
-    EXPECT_EQ(client.connect_to_host("127.0.0.1", kPort + 5), 0);
-    acceptor.join();
+    std::string thrown;
+    interrupt_while_it_waits([&] { thrown = thrown_by([&] { server.accept(); }); },
+                             [&] { EXPECT_EQ(client.connect_to_host("127.0.0.1", kPort + 5), 0); });
     EXPECT_EQ(thrown, "nothing");
-    ::sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST(SocketTest, ShutdownWakesAPendingRead) {
