@@ -377,14 +377,14 @@ def plan_of(file):
     folder = pathlib.PurePath(file).parent.as_posix()
     stem = pathlib.PurePath(file).stem
     if folder.startswith("sim"):
-        own, all_of_them = suites_in(folder, stem + "_test"), suites_in("sim")
+        selections = [suites_in(folder, stem + "_test"), suites_in("sim")]
         targets = ["sim_tests", "r47-sim", "sim_probe"]
     else:
-        own = suites_in(folder, stem)
         all_of_them = [suite for room in ("app", "net", "menus", "hal") for suite in suites_in(room)]
+        selections = [suites_in(folder, stem), suites_in(folder), all_of_them]
         targets = ["unit_tests", "transcript_tests"]
     # (the name of an instantiation stands before that of a suite with parameters)
-    patterns = [f"^(.*/)?({'|'.join(suites)})\\." for suites in (own, all_of_them) if suites]
+    patterns = [f"^(.*/)?({'|'.join(suites)})\\." for suites in selections if suites]
     return targets, patterns
 
 
