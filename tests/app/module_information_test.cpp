@@ -124,6 +124,18 @@ TEST(ModuleInformationTest, SerialNumberPrintsNothing) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
+TEST(ModuleInformationTest, EachOfItsKeysActsAndOthersDoNot) {
+    Answering<hal::rtu_t> module(0, "/dev/none", 2);
+    auto const printed_of = [&](char key, bool is_ours) {
+        return printed_by([&](hal::base_t* it) { return run_module_option(key, it) == is_ours ? 0 : -1; }, &module)
+            .first;
+    };
+    EXPECT_EQ(printed_of('1', true), "Status of the Module: \tDone!\n");
+    EXPECT_EQ(printed_of('2', true).substr(0, 24), "Revision of the Module: ");
+    EXPECT_EQ(printed_of('3', true), "");
+    EXPECT_EQ(printed_of('4', false), "");
+}
+
 TEST(ModuleInformationDeathTest, ExitKeySaysGoodByeAndEndsTheProcess) {
     EXPECT_EXIT(
         {

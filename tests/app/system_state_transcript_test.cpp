@@ -38,6 +38,10 @@ TEST(SystemStateTest, StateWithoutANameGoesToTheLibraryUnchanged) {
     expect_run(kSystem, {{'f', "7\n", "Enter device state: ", {"system_t::set_device_status(7) = -1"}}});
 }
 
+TEST(SystemStateTest, TextThatIsNoNumberSetsStateZero) {
+    expect_run(kSystem, {{'f', "warning\n", "Enter device state: ", {"system_t::set_device_status(0) = -1"}}});
+}
+
 TEST(SystemStateTest, EchoIsFollowedByAWaitBeforeTheKeyActs) {
     support::SessionOptions options;
     options.entry_point = "system_state_waits";
