@@ -69,6 +69,8 @@ TEST(TypedNumbersTest, FloatsAreDecimal) {
     EXPECT_EQ(read<typed_float>("12.5"), "12.5| = 12.5");
     EXPECT_EQ(read<typed_float>("-.5e1x"), "-.5e1|x = -5");
     EXPECT_EQ(read<typed_float>("5.e-1.2"), "5.e-1|.2 = 0.5");
+    EXPECT_EQ(read<typed_float>("1e5.5"), "1e5|.5 = 100000");
+    EXPECT_EQ(read<typed_float>("1.2.3"), "1.2|.3 = 1.200000048");
     EXPECT_EQ(read<typed_float>("0x10"), "0|x10 = 0");
     for (std::string const text : {"1e", "1e+", ".", "-", "+.", "1e99"}) {
         EXPECT_EQ(read<typed_float>(text), text + "| = nothing");
@@ -108,6 +110,7 @@ TEST(TypedNumbersTest, FloatsOfMoreThan1023CharactersDoNotConvert) {
     std::string const zeros(1022, '0');
     EXPECT_EQ(read<typed_float>(zeros + "1"), zeros + "1| = 1");
     EXPECT_EQ(read<typed_float>(zeros + "01"), zeros + "01| = nothing");
+    EXPECT_EQ(read<typed_float>(zeros + "001"), zeros + "00|1 = nothing");
     EXPECT_EQ(read<scanned_float>(zeros + "1"), zeros + "1| = 1");
     EXPECT_EQ(read<scanned_float>(zeros + "001"), zeros + "00|1 = nothing");
 }
@@ -115,6 +118,7 @@ TEST(TypedNumbersTest, FloatsOfMoreThan1023CharactersDoNotConvert) {
 TEST(TypedNumbersTest, NumberOfALineIsItsBeginning) {
     EXPECT_EQ(scan_int("25"), 25);
     EXPECT_EQ(scan_int(" \t-3;"), -3);
+    EXPECT_EQ(scan_int("\n\v\f\r4"), 4);
     EXPECT_EQ(scan_int("99999999999"), std::nullopt);
     EXPECT_EQ(scan_int("abc"), std::nullopt);
     EXPECT_EQ(scan_int(""), std::nullopt);
