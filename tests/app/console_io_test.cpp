@@ -80,6 +80,17 @@ TEST_F(ConsoleIoTest, CarriageReturnIsDropped) {
     EXPECT_EQ(printed(), "ReadLine: a\n");
 }
 
+TEST_F(ConsoleIoTest, NothingIsWrittenBehindTheLine) {
+    std::string written = "....";
+    station_sends("5\n");
+    EXPECT_TRUE(sckt_read_line(written.data()));
+    EXPECT_EQ(written, std::string("5\0..", 4));
+    station_leaves();
+    written = "....";
+    EXPECT_FALSE(sckt_read_line(written.data()));
+    EXPECT_EQ(written, std::string("\0...", 4));
+}
+
 TEST_F(ConsoleIoTest, ASignalDoesNotEndALine) {
     std::string line;
     interrupt_while_it_waits([&] { line = read_line(); }, [&] { station_sends("ab\n"); });
