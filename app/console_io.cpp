@@ -36,7 +36,7 @@ bool read_byte(char& byte) {
     return count == 1 && !client_dismissed;
 }
 
-// A line while it is read. What does not fit is dropped.
+// A line while it is read. What does not fit is dropped; what is not stored yet is zero.
 class line_buffer {
 public:
     char const* text() const { return text_; }
@@ -45,7 +45,6 @@ public:
     void store(char c) {
         if (size_ < kLineSize - 1) {
             text_[size_++] = c;
-            text_[size_] = '\0';
         }
     }
 

@@ -1,4 +1,5 @@
 // Transcripts of the low-level menu of the sensor hub.
+#include <algorithm>
 #include <tuple>
 
 #include "tests/menus/motion/motion_run.h"
@@ -297,6 +298,11 @@ TEST(GyroMenuTest, FirmwareFollowsTheCommandWord) {
     support::expect_transcript(options, "gxx",
                                kStart + "11\n" + main_menu('g') + menu.start + gyro_menu('x') + main_menu('x'),
                                calls_of_visit(menu, {}));
+}
+
+TEST(GyroMenuTest, NoOtherKeyChoosesTheFirmware) {
+    Calls const calls = run_console("axAbxcxexExfxkxtxpx?gxx", stepped()).calls;
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), kGyro.opening.front()), 1);
 }
 
 TEST(GyroMenuTest, UploadTakesTheImageBesideTheConsole) {
