@@ -29,6 +29,12 @@ TEST(SystemStateTest, FailedReadPrintsZero) {
                with_scenario({"fault add system_t::get_device_status status -1"}));
 }
 
+TEST(SystemStateTest, ReadReturnsNought) {
+    support::SessionOptions options;
+    options.entry_point = "device_state";
+    EXPECT_EQ(support::run_console("", options).output, "Read Device state1\nreturned 0\n");
+}
+
 TEST(SystemStateTest, StateThatIsSetIsReadBack) {
     expect_run(kSystem, {{'f', "10\n", "Enter device state: ", {"system_t::set_device_status(10) = 0"}},
                          {'F', "", "Read Device state10\n", {"system_t::get_device_status() = 0 [10]"}}});

@@ -461,7 +461,7 @@ TEST(SocketConsoleKeyTest, SecondModeServesItsClientToo) {
         EXPECT_TRUE(client.ended());
         client.reset();  // else the system would hold the port
     }
-    session.wait_for(kStart + main_menu());
+    session.wait_for("returned 0\n" + kStart + main_menu());
     session.type("bxL\n");
     session.wait_for(menus::kRtu.start);
     session.wait_for("Your Option = x\n" + main_menu('L') + "int test_socket()\n");

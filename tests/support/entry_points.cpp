@@ -29,11 +29,15 @@
 #include "menus/imaging/dio.h"
 #include "menus/imaging/image_sensor.h"
 #include "menus/imaging/rtu.h"
+#include "menus/light/autofocus.h"
 #include "menus/light/illumination.h"
 #include "menus/light/illumination_object.h"
 #include "menus/motion/alarm_old.h"
 #include "menus/motion/button.h"
+#include "menus/motion/gyro.h"
+#include "menus/motion/gyro_alarm.h"
 #include "menus/motion/gyro_delegate.h"
+#include "menus/ranging/tof.h"
 #include "net/socket.h"
 #include "net/socket_console.h"
 
@@ -73,6 +77,25 @@ void print_result(int result) {
     std::cout << "returned " << result << std::endl;
 }
 
+// Every menu that returns and needs no argument, one after the other, and the result of each.
+void menu_results() {
+    int (*const menus[])() = {test_dio,
+                              test_rtu,
+                              test_illumination,
+                              test_autofocus,
+                              test_camera,
+                              test_gyro,
+                              test_gyro_alarm,
+                              test_gyro_delegate,
+                              test_button,
+                              test_tof,
+                              test_gyro_delegate_and_alarm,
+                              test_alarm_old};
+    for (auto* const menu : menus) {
+        print_result(menu());
+    }
+}
+
 void socket_mode_while_active() {
     bsock = true;
     print_result(test_socket());
@@ -107,7 +130,7 @@ void two_hundred_socket_modes() {
 // Socket mode, and then the console with the standard input that its end closes.
 void console_after_socket_mode() {
     int const input = ::dup(STDIN_FILENO);
-    test_socket();
+    print_result(test_socket());
     ::dup2(input, STDIN_FILENO);
     console_main(1, nullptr);
 }
@@ -164,6 +187,11 @@ void rtu_version() {
 void print_button_irq_line() {
     int const line = get_button_irq_line();
     std::cout << "\nline " << line << std::endl;
+}
+
+void print_device_state() {
+    hal::system_t system("/dev/r47-rtu-driver", 2);
+    print_result(get_device_status(system));
 }
 
 void print_device_type() {
@@ -260,9 +288,9 @@ constexpr EntryPoint kEntryPoints[] = {
     {"alarm_old", [] { test_alarm_old(); }},
     {"alarm_old_waits", [] { tell_waits(test_alarm_old); }},
     {"button_irq_line", print_button_irq_line},
-    {"camera", [] { print_result(test_camera()); }},
     {"console_after_socket_mode", console_after_socket_mode},
     {"console_waits", [] { tell_waits([] { console_main(1, nullptr); }); }},
+    {"device_state", print_device_state},
     {"device_type", print_device_type},
     {"illumination_client", serve_illumination_client},
     {"illumination_get_brightness", [] { on_illumination(get_brightness); }},
@@ -271,6 +299,7 @@ constexpr EntryPoint kEntryPoints[] = {
     {"illumination_set_segments", [] { on_illumination(set_segments); }},
     {"image_sensor", [] { print_result(test_imx(1)); }},
     {"lightbar_actions", lightbar_actions},
+    {"menu_results", [] { tell_waits(menu_results); }},
     {"nothing", [] {}},
     {"orientation_printer", orientation_printer},
     {"samples_of_a_minute", samples_of_a_minute},

@@ -76,12 +76,6 @@ TEST(CameraTest, EveryKeyDoesItsCommand) {
         stepped());
 }
 
-TEST(CameraTest, MenuReturnsNought) {
-    support::SessionOptions options;
-    options.entry_point = "camera";
-    EXPECT_EQ(run_console("x", options).output, camera_menu('x') + "returned 0\n");
-}
-
 // Every command but 'k', which cannot fail, after a failure of the library with `status`.
 std::vector<Step> failing_steps(std::string const& status) {
     std::string const failed = "() = " + status;
