@@ -70,7 +70,7 @@ STATEMENT = re.compile(r"\s{4,}(?!return .|using |static_assert|case |default:|\
                        r"[\w:<>]+ (const )?\w+(\{.*\})?;)\S.*;$")
 COMMUTATIVE = ("min", "max", "hypot", "angle_between", "tilt_between")
 
-Mutant = collections.namedtuple("Mutant", "file number kind old new")
+Mutant = collections.namedtuple("Mutant", "file number kind old new place")
 
 
 def shown(mutant):
@@ -79,7 +79,7 @@ def shown(mutant):
 
 def record(mutant):
     """As survivors.txt has it: by the text of the line, so that it stays true when lines move."""
-    return f"{mutant.file}: {mutant.old.strip()} => {mutant.new.strip()}"
+    return f"{mutant.file}: {mutant.place}{mutant.old.strip()} => {mutant.new.strip()}"
 
 
 def other_number(text):
@@ -129,9 +129,14 @@ def swaps(line):
 def mutants_of(path):
     """Every mutant of the file at `path`, relative to the tree."""
     lines = (ROOT / path).read_text(encoding="utf-8").splitlines()
+    same = collections.Counter(map(str.strip, lines))
     in_comment = False
+    above = ""
     previous = "{"
     for number, line in enumerate(lines, 1):
+        # Which it is of the lines with the same text, by the line above it.
+        place = f"{above} | " if same[line.strip()] > 1 else ""
+        above = line.strip()
         if in_comment or line.lstrip().startswith(("#", "/*")):
             in_comment = ("/*" in line or in_comment) and "*/" not in line
             continue
@@ -159,13 +164,13 @@ def mutants_of(path):
             elif token.lastgroup == "word" and text in TRUTH:
                 changes = [("constant", TRUTH[text])]
             for kind, new in changes:
-                yield Mutant(path, number, kind, line, line[:token.start()] + new + line[token.end():])
+                yield Mutant(path, number, kind, line, line[:token.start()] + new + line[token.end():], place)
         if path.endswith(".cpp"):
             begins_here = previous.endswith(("{", "}", ";", ":", ")", "else"))
             if begins_here and STATEMENT.fullmatch(code) and not code.endswith("= delete;"):
-                yield Mutant(path, number, "removed", line, line[:len(line) - len(line.lstrip())] + ";")
+                yield Mutant(path, number, "removed", line, line[:len(line) - len(line.lstrip())] + ";", place)
             for changed in swaps(code):
-                yield Mutant(path, number, "swapped", line, changed + line[len(code):])
+                yield Mutant(path, number, "swapped", line, changed + line[len(code):], place)
         previous = code.rstrip()
 
 
