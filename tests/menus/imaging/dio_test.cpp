@@ -439,6 +439,8 @@ TEST_F(DioClientTest, PinCommandsEchoAndAnswer) {
     EXPECT_EQ(client.receive_reply(), "none1;1;\\n");
     client.send("F\n256\n");
     EXPECT_EQ(client.receive_reply(), "256256;0;0;0;0;0;0;0;0;0;0;\\n");
+    client.send("F\nnone\n");
+    EXPECT_EQ(client.receive_reply(), "none0;0;0;0;0;0;0;0;0;0;0;\\n");
     client.send("x\n");
     end();
 }

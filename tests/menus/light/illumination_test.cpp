@@ -434,6 +434,17 @@ TEST(IlluminationUnboundTest, ClientSendsTheNumbersAndGetsEchoesAndStatuses) {
                   kFailure + "\t\t get brightness: 0 ,min: 0, max: 0\n" + kFailure);
 }
 
+TEST(IlluminationUnboundTest, TextOfTheClientThatIsNoNumberIsZero) {
+    support::SessionOptions options;
+    options.entry_point = "illumination_client";
+    support::ConsoleSession session(options);
+    support::StationClient client;
+    client.send("all\n3\n");
+    EXPECT_EQ(client.receive_reply(), "all30;0;0;0;\\n");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    EXPECT_NE(session.output().find("\t\t get segments: 0 ,min: 0, max: 15\n"), std::string::npos);
+}
+
 TEST(IlluminationUnboundTest, QuestionWithoutAnAnswerEndsTheCommand) {
     support::SessionOptions options;
     options.entry_point = "illumination_set_brightness";
