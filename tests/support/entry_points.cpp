@@ -44,6 +44,7 @@
 namespace {
 
 std::atomic<bool> waits_are_told{false};
+std::function<void()> at_told_wait = [] {};
 
 // Runs `function` with its waits printed in their place, and not waited for.
 template <typename Function>
@@ -66,6 +67,7 @@ int __wrap_nanosleep(timespec const* length, timespec* left) {
     auto const waited = std::chrono::seconds(length->tv_sec) + std::chrono::nanoseconds(length->tv_nsec);
     std::cout << "waited " << std::chrono::duration_cast<std::chrono::milliseconds>(waited).count() << " ms"
               << std::endl;
+    at_told_wait();
     return 0;
 }
 
@@ -144,6 +146,13 @@ void output_that_recovers() {
     std::cout << "before" << std::endl;
     ::dup2(output, STDOUT_FILENO);
     std::cout << "after" << std::endl;
+}
+
+// The legacy tilt alarm test, with the other sensor of its records activated too, which the test itself leaves alone.
+void alarm_old_with_both_sensors() {
+    static hal::gyro_t gyro("/dev/i2c-2", 2, g_gyro_firmware, "/sys/class/gpio/gpio481/value", 200);
+    at_told_wait = [] { gyro.activate_vsensor(38, 1, 1); };  // behind the test's boot
+    tell_waits(test_alarm_old);
 }
 
 void sensor_set_of_a_refusing_module() {
@@ -286,6 +295,7 @@ struct EntryPoint {
 
 constexpr EntryPoint kEntryPoints[] = {
     {"alarm_old", [] { test_alarm_old(); }},
+    {"alarm_old_with_both_sensors", alarm_old_with_both_sensors},
     {"alarm_old_waits", [] { tell_waits(test_alarm_old); }},
     {"button_irq_line", print_button_irq_line},
     {"console_after_socket_mode", console_after_socket_mode},

@@ -1,4 +1,6 @@
 // Transcripts of the legacy tilt alarm test, which r47-entry-points starts.
+#include <algorithm>
+
 #include "tests/menus/motion/motion_run.h"
 #include "tests/support/screens/motion.h"
 
@@ -195,6 +197,24 @@ TEST(LegacyAlarmStartTest, HubIsGiven3SecondsBeforeTheMenu) {
     options.entry_point = "alarm_old_waits";
     EXPECT_EQ(support::run_console("x", options).output,
               kLegacyAlarm.start + "waited 3000 ms\n" + legacy_alarm_menu('x'));
+}
+
+// Its own sensor is 37; 38 has a record, too, for whoever activates it.
+TEST(LegacyAlarmStartTest, BothRecordsHearTheirSensors) {
+    SessionOptions options = legacy();
+    options.entry_point = "alarm_old_with_both_sensors";
+    ConsoleSession session(options);
+    session.wait_for(kLegacyAlarmMenu);
+    session.control("step 641ms");
+    session.wait_for(kSampleTrace);
+    session.wait_for(kSampleTrace);
+    session.type("x");
+    EXPECT_EQ(session.wait_for_exit(), 0);
+    Calls const calls = session.calls();
+    for (char const* sample :
+         {"callback gyro_t::callback_records(0, 37)", "callback gyro_t::callback_records(1, 38)"}) {
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), sample), 1) << sample;
+    }
 }
 
 TEST(LegacyAlarmStartTest, SamplesArriveBeforeTheMenu) {
