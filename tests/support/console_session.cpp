@@ -33,7 +33,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr unsigned short kPort = 32360;
-constexpr auto kRetry = std::chrono::milliseconds(2);  // between two looks at what only a look can tell
 constexpr std::string_view kEndMark = "\\n";
 
 [[noreturn]] void fail(std::string const& what) {
@@ -42,18 +41,6 @@ constexpr std::string_view kEndMark = "\\n";
 
 [[noreturn]] void fail_with_errno(std::string const& what) {
     fail(what + ": " + std::strerror(errno));
-}
-
-// Looks until `done` says so.
-template <typename Done>
-void look_until(Done done, std::string const& what) {
-    auto const deadline = Clock::now() + kLimit;
-    while (!done()) {
-        if (Clock::now() > deadline) {
-            fail("limit reached waiting for " + what);
-        }
-        std::this_thread::sleep_for(kRetry);
-    }
 }
 
 void close_descriptor(int& descriptor) {

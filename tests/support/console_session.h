@@ -8,14 +8,13 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/look_until.h"
+
 namespace support {
 
 // Library calls and callbacks as the journal has them, without its other fields: rtu_t::set_exposure(5000) = 0,
 // callback gyro_delegate_t(37)
 using Calls = std::vector<std::string>;
-
-// What no working run ever reaches; a test that waits longer has failed.
-constexpr std::chrono::seconds kLimit{60};
 
 struct JournalLine {
     std::string start;  // seconds with six decimals, as `took`

@@ -1,6 +1,5 @@
 // Transcripts of the tilt alarm menu, and what a tilt and a long press do in it.
 #include <algorithm>
-#include <chrono>
 
 #include "tests/menus/motion/motion_run.h"
 #include "tests/support/screens/motion.h"
@@ -256,9 +255,12 @@ TEST(AlarmWhileTypingTest, TiltsAndPressesDoNotDisturbThePerson) {
         session.control("tilt 0 40 0");
         session.control("press 5s");
         ++presses;
-        while (times_taught(session) < presses) {
-            session.control("tilt 0 " + std::to_string(device_state(session)) + " 0");
-        }
+        support::look_until(
+            [&] {
+                session.control("tilt 0 " + std::to_string(device_state(session)) + " 0");
+                return times_taught(session) >= presses;
+            },
+            "the press to teach");
     }
     session.wait_for("Please enter angle");
     session.wait_for("Please enter your option: ");
@@ -289,10 +291,7 @@ TEST(LeaveWhilePressedTest, AlarmThatGoesIsNotTaught) {
 }
 
 void wait_until_a_rule_has_fired(ConsoleSession& session) {
-    auto const limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (session.control("fault list").find("fired 1") == std::string::npos) {
-        ASSERT_LT(std::chrono::steady_clock::now(), limit);
-    }
+    support::look_until([&] { return session.control("fault list").find("fired 1") != std::string::npos; }, "the rule");
 }
 
 // The person leaves while the alarm is being taught: its destruction waits for that, and the button goes after it.

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <ostream>
 #include <set>
 #include <utility>
@@ -68,11 +67,12 @@ protected:
     }
 
     void rain_until_called(long times) {
-        auto const deadline = std::chrono::steady_clock::now() + support::kLimit;
-        while (times_called() < times) {
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "called " << times_called() << " times";
-            rain();
-        }
+        support::look_until(
+            [&] {
+                rain();
+                return times_called() >= times;
+            },
+            "callbacks");
     }
 
     // Leaves the menu, which holds and releases its callbacks first, while it rains on.
@@ -85,10 +85,7 @@ protected:
     }
 
     void wait_for_the_end_of_the_press() {
-        auto const deadline = std::chrono::steady_clock::now() + support::kLimit;
-        while (is_pressed(session)) {
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-        }
+        support::look_until([this] { return !is_pressed(session); }, "the end of the press");
     }
 
     ConsoleSession session;
