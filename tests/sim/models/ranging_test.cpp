@@ -123,6 +123,8 @@ TEST(RangingTest, RefusedSettingAnswers127AndStays) {
     EXPECT_EQ(ranging.set_frequency(0), 127);
     EXPECT_EQ(ranging.set_frequency(61), 127);
     EXPECT_EQ(ranging.frequency(), 60);
+    EXPECT_EQ(ranging.set_frequency(1), 0);
+    EXPECT_EQ(ranging.frequency(), 1);
     for (int mode : {0, 2, 4}) {
         EXPECT_EQ(ranging.set_ranging_mode(static_cast<Ranging::RangingMode>(mode)), 127) << mode;
     }
@@ -602,6 +604,26 @@ TEST(RangingTest, WhatIsSetByHandHasItsRange) {
                   name + ": " + expected.beyond + " is not a number from " + expected.range);
         EXPECT_EQ(sim::value_text(properties.all().at(name).get()), expected.best);
     }
+}
+
+TEST(RangingTest, WhatSurroundsItHasItsRangeInTheModelToo) {
+    Ranging ranging;
+    for (double beyond : {-0.1, 10000.1}) {
+        EXPECT_EQ(ranging.set_ambient_light(beyond), 127) << beyond;
+    }
+    for (double beyond : {-0.1, 100.1}) {
+        EXPECT_EQ(ranging.set_noise(beyond), 127) << beyond;
+    }
+    for (double beyond : {-0.1, 50.1}) {
+        EXPECT_EQ(ranging.set_crosstalk_pull(beyond), 127) << beyond;
+    }
+    for (double beyond : {-40.1, 125.1}) {
+        EXPECT_EQ(ranging.set_temperature(beyond), 127) << beyond;
+    }
+    EXPECT_EQ(ranging.ambient_light(), 10.0);
+    EXPECT_EQ(ranging.noise(), 1.0);
+    EXPECT_EQ(ranging.crosstalk_pull(), 2.0);
+    EXPECT_EQ(ranging.temperature(), 30.0);
 }
 
 TEST(RangingTest, SceneIsAPropertyToo) {
