@@ -133,13 +133,26 @@ TEST(ConsoleMainTest, StandardDescriptorsLeftClosedDoNoHarm) {
     session.wait_for(main_menu('\0'));
 }
 
-// The other library opens the unit's node as a device's does: by then descriptor 0 is no longer to be had.
+// The other library opens the unit's node as a device's does: by then no standard descriptor is to be had.
 TEST(ConsoleMainTest, NodesDoNotTakeTheStandardDescriptors) {
-    ConsoleSession session(support::in_shell("export LD_LIBRARY_PATH='" R47_SECOND_LIBRARY
-                                             "'; \"$@\" <&- & read -r line; readlink /proc/$!/fd/0; kill -9 $!"));
+    ConsoleSession session(
+        support::in_shell("export LD_LIBRARY_PATH='" R47_SECOND_LIBRARY
+                          "'; \"$@\" <&- 2>&- & read -r line; readlink /proc/$!/fd/[02]; kill -9 $!"));
     session.wait_for(main_menu('\0'));
     session.type("\n");
-    session.wait_for("/dev/null\n");
+    session.wait_for("/dev/null\n/dev/null\n");
+}
+
+// Nothing can be written to the console's file before its shell commands have failed for the same reason.
+TEST(ConsoleMainTest, OutputThatRecoversBehindTheStartIsUsedAgain) {
+    ConsoleSession session(
+        support::in_shell("exec 2>&1; trap '' XFSZ; mkfifo keys; ulimit -S -f 0; \"$@\" <keys >printed & exec 3>keys; "
+                          "read -r line; prlimit --pid $! --fsize=unlimited:; echo x >&3; wait $!; "
+                          "cat printed"));
+    session.wait_for("error");
+    session.wait_for("error");
+    session.type("\n");
+    session.wait_for("Entered Option = x\n");
 }
 
 TEST(ConsoleMainTest, OutputThatRecoversIsUsedAgain) {
