@@ -126,6 +126,16 @@ TEST(ConsoleMainTest, ControlDAtATerminalCostsOneRedisplay) {
     EXPECT_EQ(menus, 2U);
 }
 
+TEST(ConsoleMainTest, ConsoleSleepsWhileItWaits) {
+    for (bool const terminal : {false, true}) {
+        support::SessionOptions options;
+        options.terminal = terminal;
+        ConsoleSession session(options);
+        session.wait_for("Please enter your option: ");
+        session.wait_until_asleep();
+    }
+}
+
 TEST(ConsoleMainTest, StandardDescriptorsLeftClosedDoNoHarm) {
     support::SessionOptions options = support::in_shell("exec 2>&1 \"$@\" <&-");
     ConsoleSession session(options);

@@ -59,8 +59,9 @@ TEST_F(CutOffTextTest, BeginningOfALineThatIsNoNumberIsNoAnswer) {
 
 TEST_F(CutOffTextTest, BeginningOfAWordIsNoAnswer) {
     type("R47");
-    std::string word;
+    std::string word = "before";
     EXPECT_THROW(read_word(word), no_answer);
+    EXPECT_EQ(word, "R47");
 }
 
 }  // namespace

@@ -338,6 +338,32 @@ TEST_P(ClientStateTest, EndOfTheTerminalsInputEndsWithTheClient) {
     EXPECT_EQ(session->wait_for_exit(), 0);
 }
 
+TEST_P(ClientStateTest, ConsoleSleepsWhileItWaits) {
+    start();
+    session->wait_until_asleep();
+    if (in_terminal_menu()) {
+        session->type("a\n");
+        session->wait_for("Enter a value for imager type");
+        session->type("x\n");  // lies there until the client has answered
+        session->wait_until_asleep();
+        client->send("1\n");
+        session->wait_for(main_menu());
+        session->wait_until_asleep();
+    }
+    session->end_input();
+    session->wait_until_asleep();
+}
+
+TEST_P(ClientStateTest, ConsoleSleepsWhileItWaitsAtATerminal) {
+    start_at_a_terminal();
+    session->wait_until_asleep();
+    if (in_terminal_menu()) {  // where the client is asked, and Ctrl-D at the terminal ends the question
+        session->type("a\n");
+        session->wait_for("Enter a value for imager type");
+        session->wait_until_asleep();
+    }
+}
+
 TEST_P(ClientStateTest, SignalsEndTheConsole) {
     for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
         start();
@@ -383,6 +409,12 @@ TEST_P(ClientStateTest, FullOutputKeepsTheClientServed) {
     client->close();
     session->end_input();
     EXPECT_EQ(session->wait_for_exit(), 0);
+}
+
+TEST(ListeningTest, ConsoleSleepsWhileItWaits) {
+    ConsoleSession session(socket_word());
+    session.wait_for("int test_socket()\n");
+    session.wait_until_asleep();
 }
 
 TEST(ListeningTest, SignalsEndTheConsole) {

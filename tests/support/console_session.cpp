@@ -23,6 +23,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -37,6 +38,24 @@ constexpr std::string_view kEndMark = "\\n";
 
 [[noreturn]] void fail(std::string const& what) {
     throw std::runtime_error(what);
+}
+
+// How often the threads of a process have gone to sleep; nothing while one is awake.
+std::optional<long> times_asleep(pid_t pid) {
+    std::string const count = "voluntary_ctxt_switches:";
+    long times = 0;
+    for (auto const& thread : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task")) {
+        std::ifstream status(thread.path() / "status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.rfind("State:", 0) == 0 && line.find("(sleeping)") == std::string::npos) {
+                return std::nullopt;
+            }
+            if (line.rfind(count, 0) == 0) {
+                times += std::stol(line.substr(count.size()));
+            }
+        }
+    }
+    return times;
 }
 
 [[noreturn]] void fail_with_errno(std::string const& what) {
@@ -484,6 +503,21 @@ pid_t ConsoleSession::console_pid() const {
     pid_t console = -1;
     look_until([&] { return (console = first_beside_starters(pid_)) > 0; }, "the console's process");
     return console;
+}
+
+void ConsoleSession::wait_until_asleep() const {
+    constexpr int kLooks = 20;
+    pid_t const pid = console_pid();
+    int alike = 0;
+    std::optional<long> before;
+    look_until(
+        [&] {
+            auto const now = times_asleep(pid);
+            alike = now && now == before ? alike + 1 : 0;
+            before = now;
+            return alike == kLooks;
+        },
+        "the console to wait asleep");
 }
 
 Transcript run_console(std::string_view typed, SessionOptions const& options) {

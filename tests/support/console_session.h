@@ -94,6 +94,9 @@ public:
 
     // The console's own process, for signals and for a look at its threads and descriptors.
     pid_t console_pid() const;
+    // Waits until the console waits: all its threads sleep, and for a while none wakes up. Who looks again and again
+    // whether there is something to do never gets there.
+    void wait_until_asleep() const;
 
     std::string const& directory() const { return directory_; }
 
