@@ -320,6 +320,7 @@ TEST_F(RunTest, ProgramsShareADevice) {
     EXPECT_EQ(shell(sim_ + " programs | sed 's/pid [0-9]*/pid N/'").output, "sim_probe.1  pid N  objects 2\n");
     first->send("\n");
     EXPECT_EQ(first->rest(), "revision 0: 1.6 state 0: 1\n");
+    EXPECT_TRUE(journal_has("sim_probe.1 - - - - ended\n"));  // the device sees the end after the program's last words
     EXPECT_EQ(journal("ended"), "program sim_probe.2 - - - - ended\nprogram sim_probe.1 - - - - ended\n");
 }
 
