@@ -109,6 +109,12 @@ TEST(ConsoleMainTest, EndOfInputShowsTheMenuAgainAndAgain) {
     EXPECT_FALSE(session.has_exited());
 }
 
+TEST(ConsoleMainTest, InputThatCannotBeReadIsAtItsEnd) {
+    ConsoleSession session(support::in_shell("exec \"$@\" </"));
+    session.wait_for(main_menu('\0'));
+    session.wait_for(main_menu('\0'));
+}
+
 TEST(ConsoleMainTest, ControlDAtATerminalCostsOneRedisplay) {
     support::SessionOptions options;
     options.terminal = true;
