@@ -250,6 +250,20 @@ TEST_F(SocketConsoleTest, EndOfTheTerminalsInputEndsWithTheClient) {
     EXPECT_EQ(session.wait_for_exit(), 0);
 }
 
+TEST_F(SocketConsoleTest, ClosedOutputKeepsAClientServedThatATerminalMenuAsks) {
+    client.send("b\n");
+    session.wait_for(menus::kRtu.prompt());
+    session.type("a\n");
+    session.wait_for("Enter a value for imager type");
+    session.wait_until_asleep();
+    session.close_output();
+    client.send("1\n");
+    EXPECT_EQ(client.receive(1), "1");
+    client.close();
+    session.end_input();
+    EXPECT_EQ(session.wait_for_exit(), 0);
+}
+
 // The console in socket mode, with its client at the main menu, in a menu that it drives, or in one that reads the
 // terminal.
 class ClientStateTest : public testing::TestWithParam<Menu> {
