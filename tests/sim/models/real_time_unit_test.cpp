@@ -104,6 +104,20 @@ TEST_F(RealTimeUnitTest, WithoutASensorAThousandDaysAreCountedToTheLast) {
     EXPECT_EQ(missed().first, 0);
 }
 
+TEST_F(RealTimeUnitTest, ExposureThatWaitsBehindAThousandDaysBeginsInItsTime) {
+    ASSERT_EQ(unit_.set_exposure_offset(60'000), 0);
+    run_until(Time(0));
+    start(10);
+    Time const last_trigger(24h * 1000);
+    run_until(last_trigger + 59ms);
+    EXPECT_FALSE(unit_.exposing());
+    run_until(last_trigger + 60ms);
+    EXPECT_TRUE(unit_.exposing());
+    EXPECT_EQ(sensor_.frames(), 864'000'000UL);
+    run_until(last_trigger + 70ms);
+    EXPECT_FALSE(unit_.exposing());
+}
+
 TEST_F(RealTimeUnitTest, UnevenRateDoesNotDrift) {
     run_until(Time(123456us));
     start(60);
