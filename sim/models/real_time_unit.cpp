@@ -92,7 +92,8 @@ void RealTimeUnit::advance(Time now, ImageSensor* fitted) {
     now_ = now;
 }
 
-// Both stand at a trigger that has just been accepted, with triggers of their own alone. The settings are the same.
+// Both stand at a trigger that has just been accepted, with triggers of their own alone. The settings are the same. No
+// two are accepted at the same time: the shortest exposure keeps the unit busy for a millisecond.
 bool RealTimeUnit::repeats(RealTimeUnit const& earlier) const {
     Duration const period = *last_accepted_ - *earlier.last_accepted_;
     std::int64_t const sent = own_triggers_.sent - earlier.own_triggers_.sent;
@@ -102,7 +103,7 @@ bool RealTimeUnit::repeats(RealTimeUnit const& earlier) const {
     auto const start_of = [](std::optional<Exposure> const& exposure) {
         return exposure ? std::optional<Time>(exposure->start) : std::nullopt;
     };
-    return period > Duration(0) && sent * kSecond == period.count() * own_triggers_.rate &&
+    return sent * kSecond == period.count() * own_triggers_.rate &&
            is_same(start_of(waiting_), start_of(earlier.waiting_)) &&
            is_same(exposing_until_, earlier.exposing_until_) && is_same(ready_, earlier.ready_) &&
            is_same(signal_end_, earlier.signal_end_) && signal_changes_ == earlier.signal_changes_ &&
