@@ -16,8 +16,6 @@ constexpr unsigned int kFullBrightness = 100;  // percent, of the light bar
 // pulse takes a millisecond.
 constexpr ExposureLimits kNoImager{1, 100'000'000, 1000};
 
-constexpr Duration kWorthLooking = std::chrono::seconds(1);  // for what repeats
-
 // An exposure that comes alone is spread over so long at least, that the light's longest flash has its place in it.
 constexpr Duration kAlone = std::chrono::milliseconds(10);
 constexpr ExposureSignal kDark{0.0, 0};
@@ -55,7 +53,7 @@ std::int64_t RealTimeUnit::Train::first_from(Time time) const {
 // one from time to time; where all is the same again, as many periods as there is time for pass at once.
 class RealTimeUnit::Repetition {
 public:
-    Repetition(RealTimeUnit& unit, Time until) : unit_(unit), until_(until), over_(until - unit.now_ < kWorthLooking) {}
+    Repetition(RealTimeUnit& unit, Time until) : unit_(unit), until_(until) {}
 
     void look_after_event(Time at) {
         bool const accepted = unit_.last_accepted_ == at && unit_.continuous_ && unit_.outside_triggers_.empty();
@@ -74,7 +72,7 @@ public:
 private:
     RealTimeUnit& unit_;
     Time const until_;
-    bool over_;
+    bool over_ = false;
     std::optional<RealTimeUnit> earlier_;  // after an accepted trigger
     unsigned long distance_ = 1;           // in accepted triggers, to the next that is compared with
 };
@@ -92,8 +90,7 @@ void RealTimeUnit::advance(Time now, ImageSensor* fitted) {
     now_ = now;
 }
 
-// Both stand at a trigger that has just been accepted, with triggers of their own alone. The settings are the same. No
-// two are accepted at the same time: the shortest exposure keeps the unit busy for a millisecond.
+// Both stand at a trigger that has just been accepted, with triggers of their own alone. The settings are the same.
 bool RealTimeUnit::repeats(RealTimeUnit const& earlier) const {
     Duration const period = *last_accepted_ - *earlier.last_accepted_;
     std::int64_t const sent = own_triggers_.sent - earlier.own_triggers_.sent;
@@ -103,7 +100,7 @@ bool RealTimeUnit::repeats(RealTimeUnit const& earlier) const {
     auto const start_of = [](std::optional<Exposure> const& exposure) {
         return exposure ? std::optional<Time>(exposure->start) : std::nullopt;
     };
-    return sent * kSecond == period.count() * own_triggers_.rate &&
+    return period > Duration(0) && sent * kSecond == period.count() * own_triggers_.rate &&
            is_same(start_of(waiting_), start_of(earlier.waiting_)) &&
            is_same(exposing_until_, earlier.exposing_until_) && is_same(ready_, earlier.ready_) &&
            is_same(signal_end_, earlier.signal_end_) && signal_changes_ == earlier.signal_changes_ &&
