@@ -1,5 +1,6 @@
 // The verbs that look at the device's state while it changes.
 #include <memory>
+#include <optional>
 
 #include "sim/control/condition.h"
 #include "sim/control/verbs.h"
@@ -57,8 +58,6 @@ Reply watch(Caller const& caller, Words const& words) {
 // Waits until a condition holds, however short, or its time is over.
 class Wait {
 public:
-    enum class Result { waiting, holds, late };
-
     Wait(Device& device, Condition const& condition, std::optional<Duration> longest)
         : device_(device), condition_(condition) {
         auto const access = device_.access();
@@ -77,26 +76,30 @@ public:
         access->observers.remove(observer_);
     }
 
-    // `gone`: whether nobody is interested any more.
-    Result run(std::function<bool()> const& gone) {
+    // What is instead, where it does not hold. `gone`: whether nobody is interested any more.
+    std::optional<std::string> run(std::function<bool()> const& gone) {
         auto access = device_.access();
-        while (result_ == Result::waiting && !gone()) {
-            access.wait_until([this] { return result_ != Result::waiting; }, kPatience);
+        while (!over_ && !gone()) {
+            access.wait_until([this] { return over_; }, kPatience);
         }
-        return result_;
+        if (!over_) {
+            return value_of(condition_, access->properties);
+        }
+        return instead_;
     }
 
 private:
     void look(Time now, Properties const& properties) {
-        if (result_ != Result::waiting) {
+        if (over_) {
             return;
         }
-        if (holds(condition_, properties)) {
-            result_ = Result::holds;
-        } else if (end_ && now >= *end_) {
-            result_ = Result::late;
+        bool const is_so = holds(condition_, properties);
+        bool const late = end_ && now >= *end_;
+        if (!is_so && late) {
+            instead_ = value_of(condition_, properties);
         }
-        if (result_ != Result::waiting) {
+        over_ = is_so || late;
+        if (over_) {
             device_.notify();
         }
     }
@@ -106,7 +109,8 @@ private:
     std::optional<Time> end_;
     Timeline::EventId alarm_ = 0;
     int observer_ = 0;
-    Result result_ = Result::waiting;  // guarded by the device's lock
+    bool over_ = false;  // guarded by the device's lock, as what follows
+    std::optional<std::string> instead_;
 };
 
 Reply wait(Caller const& caller, Words const& words) {
@@ -126,12 +130,12 @@ Reply wait(Caller const& caller, Words const& words) {
     if (!caller.gone) {
         return Reply::error("wait needs a connection");
     }
-    Wait::Result const result = Wait(caller.device, condition, longest).run(caller.gone);
-    if (result == Wait::Result::holds) {
+    auto const instead = Wait(caller.device, condition, longest).run(caller.gone);
+    if (!instead) {
         return Reply::done();
     }
-    std::string const is = value_of(condition, caller.device.access()->properties);
-    return Reply::error(condition.text + " did not come" + (limited ? " within " + words[4] : "") + ": it is " + is);
+    return Reply::error(condition.text + " did not come" + (limited ? " within " + words[4] : "") + ": it is " +
+                        *instead);
 }
 
 Reply expect(Caller const& caller, Words const& words) {
